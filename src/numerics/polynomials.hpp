@@ -1,0 +1,77 @@
+#pragma once
+// Real polynomials of one variable: algebra, calculus, changes of the argument.
+//
+// Every routine needs polynomials with at least one coefficient, except `poly_degree`; none checks. Arguments are
+// never modified, results are new values. Degrees are small here, so the plain quadratic schemes are meant.
+
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace corvantile {
+
+/// p(x) = sum of coef[k] x^k, the constant term first. Never trimmed behind the caller's back: a sum whose leading
+/// terms cancel keeps a zero leading coefficient. Zero is the one coefficient 0; no coefficients mean "never set".
+struct polynomial {
+  std::vector<double> coef;
+  friend bool operator==(const polynomial&, const polynomial&) = default;
+};
+
+/// The polynomial with the coefficients `c`, at least one.
+inline polynomial makepoly(std::vector<double> c) { return {std::move(c)}; }
+/// The constant 1, where repeated products start.
+inline polynomial poly_identity() { return {{1.0}}; }
+/// The monomial x^n; the constant 1 for n <= 0.
+polynomial poly_arg_power(int n);
+/// Number of coefficients less one; -1 when never set.
+inline int poly_degree(const polynomial& p) { return static_cast<int>(p.coef.size()) - 1; }
+/// `p` without its leading coefficients of magnitude <= tol; zero (degree 0) when none remains.
+/// The default `tol` is 2^-52 times the largest magnitude of a coefficient.
+polynomial poly_trim(const polynomial& p, std::optional<double> tol = {});
+
+// Sums and differences have the length of the longer operand, products len(a) + len(b) - 1.
+polynomial real_times_poly(double r, const polynomial& p);
+polynomial poly_times_real(const polynomial& p, double r);
+polynomial poly_times_poly(const polynomial& a, const polynomial& b);
+polynomial real_minus_poly(double r, const polynomial& p);
+polynomial poly_minus_real(const polynomial& p, double r);
+polynomial poly_minus_poly(const polynomial& a, const polynomial& b);
+polynomial real_plus_poly(double r, const polynomial& p);
+polynomial poly_plus_real(const polynomial& p, double r);
+polynomial poly_plus_poly(const polynomial& a, const polynomial& b);
+
+inline polynomial operator*(double r, const polynomial& p) { return real_times_poly(r, p); }
+inline polynomial operator*(const polynomial& p, double r) { return poly_times_real(p, r); }
+inline polynomial operator*(const polynomial& a, const polynomial& b) { return poly_times_poly(a, b); }
+inline polynomial operator-(double r, const polynomial& p) { return real_minus_poly(r, p); }
+inline polynomial operator-(const polynomial& p, double r) { return poly_minus_real(p, r); }
+inline polynomial operator-(const polynomial& a, const polynomial& b) { return poly_minus_poly(a, b); }
+inline polynomial operator+(double r, const polynomial& p) { return real_plus_poly(r, p); }
+inline polynomial operator+(const polynomial& p, double r) { return poly_plus_real(p, r); }
+inline polynomial operator+(const polynomial& a, const polynomial& b) { return poly_plus_poly(a, b); }
+
+/// p(x) by Horner's rule. A constant is returned without looking at `x`, be it NaN.
+inline double polyval(const polynomial& p, double x) {
+  std::size_t k = p.coef.size() - 1;
+  double v = p.coef[k];
+  while (k-- > 0) v = v * x + p.coef[k];
+  return v;
+}
+
+/// The antiderivative with the constant term `c`; one degree more.
+polynomial polyint(const polynomial& p, double c = 0.0);
+/// The integral of `p` from `a` to `b`, as the difference of the antiderivative's values.
+double polydefint(const polynomial& p, double a, double b);
+/// The derivative; one degree less, but zero (degree 0) for a constant.
+polynomial polyder(const polynomial& p);
+
+/// p(x)^n, multiplied up one factor at a time; the constant 1 for n <= 0.
+polynomial poly_to_power(const polynomial& p, int n);
+/// q(x) = p(s x).
+polynomial poly_arg_scale(const polynomial& p, double s);
+/// q(x) = p(x - s).
+polynomial poly_arg_shift(const polynomial& p, double s);
+/// p(q(x)), of length degree(p) degree(q) + 1.
+polynomial poly_compose(const polynomial& p, const polynomial& q);
+
+}  // namespace corvantile
