@@ -87,6 +87,15 @@ class dense {
 using matrix = dense<double>;
 using int_matrix = dense<int>;
 
+/// A 3 x 3 matrix as a run-time sized one.
+inline matrix to_matrix(const mat3& m) {
+  matrix r(3, 3);
+  for (std::size_t j = 0; j < 3; ++j) {
+    for (std::size_t i = 0; i < 3; ++i) r(i, j) = m(i, j);
+  }
+  return r;
+}
+
 /// Row i of an n x 3 batch.
 inline vec3 row3(const matrix& m, std::size_t i) { return {{m(i, 0), m(i, 1), m(i, 2)}}; }
 inline void set_row3(matrix& m, std::size_t i, const vec3& v) {
