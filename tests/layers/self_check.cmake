@@ -1,0 +1,30 @@
+# Runs check_layers.cmake over small trees, each with one fault, and over one without any.
+# Usage: cmake -D check=check_layers.cmake -D scratch=DIR -P self_check.cmake
+cmake_minimum_required(VERSION 3.25)
+
+# expect(TEXT_OF_THE_COMPLAINT FILE CONTENT...): an empty complaint means that the file must pass.
+function(expect complaint file)
+  file(REMOVE_RECURSE ${scratch})
+  list(JOIN ARGN "\n" content)
+  file(WRITE ${scratch}/${file} "${content}\n")
+  execute_process(COMMAND ${CMAKE_COMMAND} -D tree=${scratch} -P ${check} RESULT_VARIABLE status ERROR_VARIABLE said)
+  string(REGEX REPLACE "[ \n]+" " " said "${said}")
+  if(complaint STREQUAL "" AND NOT status EQUAL 0)
+    message(SEND_ERROR "${file} should pass, but: ${said}")
+  elseif(NOT complaint STREQUAL "" AND (status EQUAL 0 OR NOT said MATCHES "${complaint}"))
+    message(SEND_ERROR "${file} should fail with '${complaint}', status ${status}: ${said}")
+  endif()
+endfunction()
+
+expect("" driver/run.cpp "#include <cstdio>" "#include \"driver/run.hpp\"" "#include \"numerics/matrix.hpp\"")
+expect("" numerics/sort.hpp "// never exit() here" "auto exits = count_exit(3)")
+expect("points up from numerics" numerics/wrong.hpp "#pragma once" "  #  include \"utils/lut.hpp\"")
+expect("points up from colour" colour/wrong.cpp "#include \"colour/a.hpp\"" "#include \"matching/matching.hpp\"")
+expect("points up from matching" matching/deep/wrong.cpp "#include \"driver/settings.hpp\"")
+expect("not relative to src" monitor/wrong.cpp "#include \"monitor.hpp\"")
+expect("names no layer" utils/wrong.cpp "#include \"../numerics/matrix.hpp\"")
+expect("not in one of the layers" helpers/wrong.cpp "int x")
+expect("neither prints nor opens" numerics/wrong.cpp "#include <fstream>")
+expect("only main.cpp ends" utils/wrong.cpp "if (bad) std::exit(1)")
+expect("" driver/main.cpp "if (bad) std::exit(1)")
+file(REMOVE_RECURSE ${scratch})
