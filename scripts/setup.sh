@@ -4,6 +4,11 @@
 set -euo pipefail
 
 packages=(g++ cmake make libgtest-dev "$@")
+if ! command -v dpkg-query >/dev/null; then
+  echo "Not a Debian system: nothing is installed here. Needed, by their Debian names: ${packages[*]}" >&2
+  exit 0
+fi
+
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q '^install ok installed$' || missing+=("$p")
@@ -11,7 +16,11 @@ done
 [ ${#missing[@]} -eq 0 ] && exit 0
 
 echo "Installing missing Debian packages: ${missing[*]}"
-sudo=()
-[ "$(id -u)" -eq 0 ] || sudo=(sudo)
-"${sudo[@]}" apt-get update -q
-"${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "${missing[@]}"
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+  command -v sudo >/dev/null || { echo "This needs root: apt-get install ${missing[*]}" >&2; exit 1; }
+  as_root=(sudo)
+fi
+"${as_root[@]}" apt-get update -q
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+  apt-get install -y -q --no-install-recommends -o DPkg::Lock::Timeout=300 "${missing[@]}"

@@ -1,0 +1,106 @@
+#!/usr/bin/env bash
+# What there is to check beyond the tests. Installs what a step lacks and prints how long each took.
+# Usage: scripts/check.sh [STEP ...]     default: every step, in this order
+#   format     clang-format finds nothing to change
+#   clang      clang builds without a warning and passes the tests
+#   sanitize   the tests under the address and undefined-behaviour sanitizers
+#   tidy       clang-tidy finds nothing (.clang-tidy says what it looks for)
+#   cppcheck   cppcheck finds nothing (.cppcheck-suppressions says what is let pass)
+#   coverage   lines of src/ that the tests reach; reports, judges nothing
+#   fuzz       each fuzz target for FUZZ_SECONDS (default 20) seconds
+set -euo pipefail
+cd "$(dirname "$0")/.."
+jobs=$(nproc)
+
+build_and_test() {  # PRESET
+  cmake --preset "$1" >/dev/null
+  cmake --build --preset "$1" --parallel "$jobs"
+  ctest --preset "$1" --parallel "$jobs"
+}
+
+sources() {  # PATTERN...: tracked files, and new ones that git would track
+  git ls-files -z --cached --others --exclude-standard -- "$@"
+}
+
+format() {
+  scripts/setup.sh clang-format
+  sources '*.cpp' '*.hpp' | xargs -0 clang-format --dry-run -Werror
+}
+
+clang() {
+  scripts/setup.sh clang
+  build_and_test clang
+}
+
+sanitize() {
+  scripts/setup.sh
+  build_and_test debug
+}
+
+tidy() {
+  scripts/setup.sh clang clang-tidy
+  cmake --preset clang >/dev/null
+  # One file each, so that no core waits for a slow one. The count of suppressed system warnings is noise.
+  sources 'src/*.cpp' 'tools/*.cpp' | xargs -0 -n 1 -P "$jobs" clang-tidy --quiet -p build/clang 2> >(
+    grep -v -E '^[0-9]+ warnings? generated\.$' >&2)
+}
+
+cppcheck() {
+  scripts/setup.sh cppcheck
+  mkdir -p build/cppcheck
+  command cppcheck --std=c++20 --language=c++ --enable=warning,performance,portability,style --inline-suppr \
+    --suppressions-list=.cppcheck-suppressions --cppcheck-build-dir=build/cppcheck --error-exitcode=1 --quiet \
+    -j "$jobs" -I src -I . src tools
+}
+
+coverage() {
+  scripts/setup.sh gcovr
+  find build/coverage -name '*.gcda' -delete 2>/dev/null || true
+  build_and_test coverage >build/coverage.log || { tail -40 build/coverage.log; return 1; }
+  gcovr --root . --filter src/ --exclude-unreachable-branches --exclude-throw-branches -j "$jobs" build/coverage
+}
+
+fuzz() {
+  if [ ! -d fuzz ]; then
+    echo "no fuzz targets"
+    return
+  fi
+  scripts/setup.sh clang libclang-rt-14-dev
+  cmake --preset fuzz >/dev/null
+  cmake --build --preset fuzz --parallel "$jobs"
+  local target name found
+  for target in build/fuzz/bin/fuzz_*; do
+    name=${target##*/fuzz_}
+    found=build/fuzz/corpus/$name  # what the fuzzer finds stays out of the tree
+    mkdir -p "$found" build/fuzz/crashes
+    echo "fuzzing $name"
+    "$target" -max_total_time="${FUZZ_SECONDS:-20}" -timeout=20 -rss_limit_mb=2048 -print_final_stats=1 -verbosity=0 \
+      -artifact_prefix="build/fuzz/crashes/$name-" "$found" "fuzz/corpus/$name"
+  done
+}
+
+all=(format clang sanitize tidy cppcheck coverage fuzz)
+steps=("$@")
+[ ${#steps[@]} -gt 0 ] || steps=("${all[@]}")
+for step in "${steps[@]}"; do
+  [[ " ${all[*]} " == *" $step "* ]] || { echo "no such step: $step (there are: ${all[*]})" >&2; exit 2; }
+done
+
+failed=()
+times=()
+for step in "${steps[@]}"; do
+  echo "== $step"
+  started=$SECONDS
+  # A shell of its own: errexit would be off in a function called as a condition.
+  status=0
+  (set -e; "$step") & wait $! || status=$?
+  times+=("$step: $((SECONDS - started)) s")
+  [ $status -eq 0 ] || { failed+=("$step"); echo "== $step FAILED"; }
+done
+
+echo "== ${times[*]}"
+if [ ${#failed[@]} -gt 0 ]; then
+  echo "== failed: ${failed[*]}"
+  exit 1
+fi
+echo "== all checks passed"
