@@ -1,0 +1,16 @@
+# Runs the command that a shipped measurement file names in its comments and compares what comes out with the file.
+# Usage: cmake -D tool=PROGRAM -D shipped=FILE -D made=FILE -P remake_example.cmake
+file(STRINGS ${shipped} command LIMIT_COUNT 1 REGEX "^; Made by: simulate_display")
+if(NOT command)
+  message(FATAL_ERROR "${shipped} does not say which command made it")
+endif()
+string(REGEX REPLACE "^.*simulate_display" "" words "${command}")
+separate_arguments(words UNIX_COMMAND "${words}")
+execute_process(COMMAND ${tool} ${words} OUTPUT_FILE ${made} RESULT_VARIABLE status)
+if(NOT status EQUAL 0)
+  message(FATAL_ERROR "simulate_display ended with ${status}")
+endif()
+execute_process(COMMAND ${CMAKE_COMMAND} -E compare_files ${made} ${shipped} RESULT_VARIABLE differs)
+if(differs)
+  message(FATAL_ERROR "${shipped} is not what its command makes; see ${made}")
+endif()

@@ -1,0 +1,77 @@
+#pragma once
+// A simulated display: what an instrument would read from a panel whose parameters are known exactly.
+//
+// Everything here is made up and says so in the file it writes. The same parameters give the same file on every
+// machine: the noise comes from a generator of our own, and rounding to the digits of an instrument hides the last
+// bit in which mathematical libraries differ.
+
+#include <cstdint>
+#include <string>
+
+#include "numerics/matrix.hpp"
+
+namespace corvantile {
+
+/// A display and the instrument in front of it. Drive values are normalised (0..1), luminances are in cd/m2.
+///
+/// Light is additive over the channels: with m_c the luminance fraction of channel c,
+///   Y = sum Ymax_c m_c + dark,  X = sum Xmax_c ((1 - nX_c) m_c + nX_c m_c^2) + dark,  Z likewise with nZ.
+/// The dark light has the chromaticity of the white, so that the first sample has it too.
+struct simulated_display {
+  int levels = 17;                // samples in a ramp, at least 2
+  int version = 2;                // of the file: 1 has seven ramps, 2 has four
+  int extra = 0;                  // random samples after the ramps
+  double white_luminance = 250;   // of the first sample, dark light included
+  double black_luminance = 0.25;  // at zero drive
+  vec2 red{{0.64, 0.33}};         // chromaticities x, y
+  vec2 green{{0.30, 0.60}};
+  vec2 blue{{0.15, 0.06}};
+  vec2 white{{0.3127, 0.3290}};
+  vec3 gamma{{2.2, 2.2, 2.2}};  // exponents of the tone curves
+  double toe = 0;               // offset of the power law: above 0 lifts the darkest levels, at most 1
+  double s_shape = 0;           // 0 a pure power law, 1 fully bent over near full drive
+  vec3 nX{};                    // quadratic shape of X and Z over luminance, -1..1
+  vec3 nZ{};
+  double noise = 0;         // standard deviation of a reading relative to its light above the dark
+  std::uint64_t seed = 1;   // of the noise and of the extra samples
+  int digits = 6;           // significant digits of a reading, 1..17
+  double drive = 255;       // drive value of full drive, as written to the file
+  bool dark_red_z = false;  // a red primary without any Z: its Z is exactly that of the dark
+};
+
+/// What is wrong with the parameters, in words, or an empty text.
+std::string problem(const simulated_display& d);
+
+/// Luminance fraction of channel c at normalised drive u: 0 at 0, 1 at 1, rising.
+double tone(const simulated_display& d, std::size_t c, double u);
+
+/// Columns are the primaries' X, Y, Z at full drive without the dark light, in cd/m2.
+mat3 primaries(const simulated_display& d);
+
+/// X, Y, Z at zero drive.
+vec3 dark_light(const simulated_display& d);
+
+/// X, Y, Z shown for a normalised drive triple, without noise or rounding.
+vec3 shown(const simulated_display& d, const vec3& drive);
+
+/// The readings as they stand in the file, one sample a row: R, G, B, X, Y, Z. The ramps come first (white, red,
+/// green, blue; in version 1 also yellow, magenta, cyan), each from full drive down to zero, then the extra samples.
+matrix readings(const simulated_display& d);
+
+/// The text of a measurement file: comment lines that name it as simulated, with every parameter, then the readings.
+std::string measurement_file(const simulated_display& d);
+
+/// The parameters as `key=value` words, those that differ from the default only.
+std::string arguments(const simulated_display& d);
+
+/// Takes one `key=value` word. Returns what is wrong with it, or an empty text.
+std::string set_parameter(simulated_display& d, const std::string& word);
+
+/// One line of help for each parameter: key, default, meaning.
+std::string parameter_help();
+
+/// A plausible display for each seed: 60 to 1000 cd/m2, small to wide gamut, whites from 5000 to 10 000 K or so,
+/// tone curves about gamma 2.2, contrast 500 to 5000, little noise. For tests over many displays.
+simulated_display random_display(std::uint64_t seed);
+
+}  // namespace corvantile
