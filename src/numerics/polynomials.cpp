@@ -5,6 +5,9 @@
 #include <cstddef>
 #include <limits>
 
+#include "numerics/matrix.hpp"
+#include "numerics/svd.hpp"
+
 namespace corvantile {
 
 polynomial poly_arg_power(int n) { return poly_to_power(makepoly({0.0, 1.0}), n); }
@@ -117,6 +120,19 @@ polynomial poly_compose(const polynomial& p, const polynomial& q) {
   polynomial sum = makepoly({p.coef[0]});
   for (int k = 1; k <= poly_degree(p); ++k) sum = sum + p.coef[static_cast<std::size_t>(k)] * poly_to_power(q, k);
   return sum;
+}
+
+polynomial polyfit(std::span<const double> x, std::span<const double> y, int n) {
+  const std::size_t m = x.size();
+  matrix powers(m, static_cast<std::size_t>(n) + 1);
+  std::ranges::fill(powers.col(0), 1.0);
+  for (std::size_t j = 1; j < powers.cols(); ++j)
+    for (std::size_t i = 0; i < m; ++i) powers(i, j) = x[i] * powers(i, j - 1);
+  const matrix b = pinv(powers);
+  polynomial p{std::vector<double>(powers.cols())};
+  for (std::size_t i = 0; i < m; ++i)
+    for (std::size_t k = 0; k < p.coef.size(); ++k) p.coef[k] += b(k, i) * y[i];
+  return p;
 }
 
 }  // namespace corvantile

@@ -1,10 +1,11 @@
 #pragma once
 // Real polynomials of one variable: algebra, calculus, changes of the argument.
 //
-// Every routine needs polynomials with at least one coefficient, except `poly_degree`; none checks. Arguments are
+// Polynomials handed in have at least one coefficient, except to `poly_degree`; nothing checks that. Arguments are
 // never modified, results are new values. Degrees are small here, so the plain quadratic schemes are meant.
 
 #include <optional>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -73,5 +74,9 @@ polynomial poly_arg_scale(const polynomial& p, double s);
 polynomial poly_arg_shift(const polynomial& p, double s);
 /// p(q(x)), of length degree(p) degree(q) + 1.
 polynomial poly_compose(const polynomial& p, const polynomial& q);
+
+/// The least-squares polynomial of degree `n` >= 0 through the points (x[i], y[i]), equally many of each, by the
+/// pseudo-inverse: with fewer than n + 1 distinct points it is the solution of least norm. Always n + 1 coefficients.
+polynomial polyfit(std::span<const double> x, std::span<const double> y, int n);
 
 }  // namespace corvantile

@@ -59,6 +59,29 @@ TEST(Polynomial, OnlyTrimDropsLeadingCoefficients) {
   for (const auto& r : rows) EXPECT_EQ(poly_trim(makepoly(r.p), r.tol).coef, r.want) << r.why;
 }
 
+TEST(Polynomial, FitsInTheLeastSquaresSense) {
+  const struct {
+    std::vector<double> x, y;
+    int n;
+    coefs want;
+    const char* why;
+  } rows[] = {
+      {{0, 1, 2}, {1, 2, 5}, 2, {1, 0, 1}, "as many points as coefficients: 1 + x^2"},
+      {{0, 1, 2, 3}, {1, 3, 2, 5}, 1, {1.1, 1.1}, "line through scattered points, normal equations by hand"},
+      {{-1, 0, 1, 2, 3}, {-1, 0, 1, 8, 27}, 5, {}, "fewer points than coefficients: meets every point"},
+      {{2, 2, 2}, {1, 2, 3}, 0, {2}, "a constant is the mean"},
+  };
+  for (const auto& r : rows) {
+    SCOPED_TRACE(r.why);
+    const polynomial p = polyfit(r.x, r.y, r.n);
+    EXPECT_EQ(poly_degree(p), r.n) << "never trimmed";
+    for (std::size_t k = 0; k < r.want.size(); ++k) EXPECT_NEAR(p.coef[k], r.want[k], 2e-14) << k;
+    if (r.want.empty()) {
+      for (std::size_t i = 0; i < r.x.size(); ++i) EXPECT_NEAR(polyval(p, r.x[i]), r.y[i], 1e-12) << i;
+    }
+  }
+}
+
 TEST(Polynomial, ValuesAndIntegrals) {
   EXPECT_EQ(polyval(makepoly({5}), std::numeric_limits<double>::quiet_NaN()), 5) << "a constant ignores x";
   EXPECT_EQ(polyval(makepoly({1, 2, 3}), -2), 9);
