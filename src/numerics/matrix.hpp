@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -85,16 +86,7 @@ class dense {
 };
 
 using matrix = dense<double>;
-using int_matrix = dense<int>;
-
-/// A 3 x 3 matrix as a run-time sized one.
-inline matrix to_matrix(const mat3& m) {
-  matrix r(3, 3);
-  for (std::size_t j = 0; j < 3; ++j) {
-    for (std::size_t i = 0; i < 3; ++i) r(i, j) = m(i, j);
-  }
-  return r;
-}
+using int_matrix = dense<std::int64_t>;
 
 /// Row i of an n x 3 batch.
 inline vec3 row3(const matrix& m, std::size_t i) { return {{m(i, 0), m(i, 1), m(i, 2)}}; }
