@@ -2,12 +2,10 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstdint>
-#include <cstdio>
-#include <cstring>
 #include <ostream>
 
+#include "utils/file_output.hpp"
 #include "utils/text.hpp"
 
 namespace corvantile {
@@ -61,24 +59,6 @@ matrix to_matrix(const mat3& a) {
   return m;
 }
 
-void replace_file(const std::string& filename, std::string_view text) {
-  const std::string name(trim(filename));
-  errno = 0;
-  bool ok = false;
-  int reason = 0;
-  if (std::FILE* file = std::fopen(name.c_str(), "wb")) {
-    ok = std::fwrite(text.data(), 1, text.size(), file) == text.size();
-    reason = errno;
-    if (std::fclose(file) != 0 && ok) {  // the last block may fail as late as here
-      ok = false;
-      reason = errno;
-    }
-  } else {
-    reason = errno;
-  }
-  if (!ok) throw stop_run(6, "Cannot write " + name + ": " + std::strerror(reason));
-}
-
 }  // namespace
 
 std::string prtmat_real(const matrix& a, std::optional<std::string_view> title) {
@@ -90,7 +70,7 @@ std::string prtmat_real(const mat3& a, std::optional<std::string_view> title) {
 }
 
 std::string prtmat_int(const int_matrix& a, std::optional<std::string_view> title) {
-  return print(a, title, [](std::string& out, int v, std::size_t width) { append_integer(out, v, width); });
+  return print(a, title, [](std::string& out, std::int64_t v, std::size_t width) { append_integer(out, v, width); });
 }
 
 void prtmat_real(std::ostream& unit, const matrix& a, std::optional<std::string_view> title) {
@@ -108,7 +88,7 @@ void prtmat_int(std::ostream& unit, const int_matrix& a, std::optional<std::stri
 void savearray(const std::string& filename, std::span<const double> v) {
   std::string text;
   for (const double x : v) text += free_format(x) + '\n';
-  replace_file(filename, text);
+  write_file(filename, text);
 }
 
 bool loadarray(const std::string& filename, std::vector<double>& v) {
@@ -133,13 +113,13 @@ void dumpxram(const int_matrix& a, const std::string& filename) {
   for (std::size_t i = 0; i + 1 < a.rows(); ++i) {
     for (std::size_t j = 0; j + 1 < a.cols(); ++j) {
       std::uint64_t word = 0;
-      for (const int corner : {a(i, j), a(i, j + 1), a(i + 1, j), a(i + 1, j + 1)})
-        word = word << 10 | (static_cast<std::uint32_t>(corner) & 0x3ff);
+      for (const std::int64_t corner : {a(i, j), a(i, j + 1), a(i + 1, j), a(i + 1, j + 1)})
+        word = word << 10 | (static_cast<std::uint64_t>(corner) & 0x3ff);
       for (int shift = 36; shift >= 0; shift -= 4) text += digits[word >> shift & 0xf];
       text += i + 2 == a.rows() && j + 2 == a.cols() ? ";\n" : ",\n";
     }
   }
-  replace_file(filename, text);
+  write_file(filename, text);
 }
 
 }  // namespace corvantile

@@ -1,0 +1,77 @@
+#pragma once
+// One-dimensional lookup tables, evaluated by straight lines between their points.
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace corvantile {
+
+/// A table: ordinates `y` over strictly increasing abscissae `x`, one length. Empty vectors mean "never built".
+struct lut {
+  std::vector<double> x;
+  std::vector<double> y;
+  friend bool operator==(const lut&, const lut&) = default;
+};
+
+/// A table, or why there is none.
+struct lut_and_stat {
+  lut table;     ///< empty unless `stat` is 0
+  int stat = 0;  ///< 0 built, 1 lengths differ, 2 `x` neither rises nor falls strictly, 3 no memory, 4 below 2 points
+};
+
+/// The table through the points (x, y). Falling abscissae are stored the other way round.
+lut_and_stat makelut_stat(std::span<const double> x, std::span<const double> y);
+
+/// The table through the points (x, y), repaired where need be: reversed unless the last abscissa exceeds the first;
+/// and where the abscissae then do not rise strictly, they are replaced by their own monotone smoothing over
+/// position. The ordinates stay. The repaired table may still be invalid: `isvalid_lut` tells.
+lut makelut_nostat(std::span<const double> x, std::span<const double> y);
+
+/// The table's value at `xq`: linear between the points, the end segments extended beyond them without a limit.
+/// Not a number for a table of fewer than 2 points.
+double interp(const lut& t, double xq);
+
+/// `interp` of one table made ready for many queries: the same segment, the same formula and so the same bits, but no
+/// scan where the abscissae rise: evenly spaced ones are looked up by index, others by bisection.
+/// The table must outlive it.
+class interpolator {
+ public:
+  explicit interpolator(const lut& t);
+  double operator()(double xq) const;
+
+ private:
+  enum class search { none, by_index, by_bisection, by_scan };
+  const double* x_;
+  const double* y_;
+  std::size_t n_;
+  double per_step_ = 0;  // segments per unit of x
+  search how_ = search::none;
+};
+
+/// The table with its axes exchanged. Neither sorted nor checked: for tables whose ordinates rise strictly.
+lut invlut(const lut& t);
+
+/// Whether both vectors are there, of one length, and the abscissae rise strictly. One point is enough.
+bool isvalid_lut(const lut& t);
+
+/// Makes `t` a table that was never built.
+void reset_lut(lut& t);
+
+/// Monotone smoothing of the samples (x, y) with `nseg` pieces and slopes of at least `minslope` (before
+/// normalisation; see `pp_iba`), evaluated at `n` evenly spaced points from the first to the last abscissa, or at the
+/// abscissae themselves when `n` is absent.
+std::vector<double> iba(std::span<const double> x, std::span<const double> y, int nseg = 5, double minslope = 0.0,
+                        std::optional<int> n = {});
+
+/// `n` evenly spaced values from `a` to `b`, both exact; each interior one computed directly. n = 1 gives `b`.
+std::vector<double> linspace(double a, double b, std::size_t n);
+/// The same grid, with a default length.
+std::vector<double> oldlinspace(double a, double b, std::size_t n = 100);
+
+/// Whether each value exceeds (falls below) the one before it. True for fewer than two values.
+bool increasing(std::span<const double> v);
+bool decreasing(std::span<const double> v);
+
+}  // namespace corvantile
