@@ -1,0 +1,268 @@
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <iostream>
+#include <string>
+
+#include "monitor/monitor.hpp"
+#include "numerics/linsolv.hpp"
+#include "numerics/monotone_smoothing.hpp"
+#include "numerics/neldmead.hpp"
+#include "numerics/nonlinfit.hpp"
+#include "utils/array_io.hpp"
+#include "utils/text.hpp"
+
+namespace corvantile {
+namespace {
+
+constexpr std::array channel_names{"red", "green", "blue"};
+
+std::size_t ramp_count(int version) {
+  if (version == 1) return 7;
+  if (version == 2) return 4;
+  throw stop_run(0, "STOP improper version number");  // status 0: scripts have come to expect it
+}
+
+[[noreturn]] void bad_content(const std::string& filename, const std::string& what) {
+  throw stop_run(5, filename + ": " + what);
+}
+
+// The samples of one channel's ramp, zero drive first.
+struct channel_ramp {
+  const measurements& from;
+  std::size_t last;  // row of the zero-drive sample; the ramp stands above it
+
+  double drive(std::size_t i, std::size_t c) const { return from.data(last - i, c); }
+  double colour(std::size_t i, std::size_t k) const { return from.data(last - i, 3 + k); }
+};
+
+channel_ramp ramp_of_channel(const measurements& samples, std::size_t c) {
+  const auto n = static_cast<std::size_t>(samples.nramp);
+  return {samples, (c + 1) * n + n - 1};  // the white ramp comes first
+}
+
+std::string sample_text(const measurements& samples, std::size_t row) {
+  const auto n = static_cast<std::size_t>(samples.nramp);
+  static constexpr std::array names{"white", "red", "green", "blue", "fifth", "sixth", "seventh"};
+  if (row / n < ramp_count(samples.version)) {
+    return "sample " + std::to_string(row + 1) + " (level " + std::to_string(row % n + 1) + " of the " +
+           names[row / n] + " ramp)";
+  }
+  return "sample " + std::to_string(row + 1) + " (after the ramps)";
+}
+
+void require_finite(const measurements& samples) {
+  const auto in_ramps = ramp_count(samples.version) * static_cast<std::size_t>(samples.nramp);
+  for (std::size_t row = 0; row < samples.data.rows(); ++row) {
+    const std::size_t columns = row < in_ramps ? 6 : 3;  // of the extra samples only the drive values are used
+    for (std::size_t c = 0; c < columns; ++c) {
+      if (std::isfinite(samples.data(row, c))) continue;
+      static constexpr std::array names{"R", "G", "B", "X", "Y", "Z"};
+      bad_content(samples.name, sample_text(samples, row) + ": " + names[c] + " is" +
+                                    free_format(samples.data(row, c)) + ", expected a finite number");
+    }
+  }
+}
+
+bool is_finite(const ppoly& pp) {
+  return std::ranges::all_of(pp.polys, [](const polynomial& p) {
+    return std::ranges::all_of(p.coef, [](double c) { return std::isfinite(c); });
+  });
+}
+
+// Three primaries of which one is a mixture of the other two span no gamut, and their matrix has no inverse.
+void require_gamut(const monitor& mon) {
+  const auto& [r, g, b] = mon.RGB2XYZ.col;
+  const double volume =
+      r[0] * (g[1] * b[2] - g[2] * b[1]) + r[1] * (g[2] * b[0] - g[0] * b[2]) + r[2] * (g[0] * b[1] - g[1] * b[0]);
+  const double edges = std::sqrt(dist2(r, {}) * dist2(g, {}) * dist2(b, {}));
+  constexpr double flat = 1e-9;  // relative; real displays have some 0.1
+  if (!(std::abs(volume) > flat * edges)) {
+    bad_content(mon.name,
+                "the three primaries lie on one line of the chromaticity diagram; expected ramps of a red, a "
+                "green and a blue channel");
+  }
+}
+
+struct component_fit {
+  ppoly curve;
+  double a;  // of the quadratic (1 - a) m + a m^2
+};
+
+// How a channel's X or Z, `ratio` of its full-drive value, grows with the monitor values `m`. The zero-drive ratio is
+// pinned to 0 for the curve but used as measured for the quadratic.
+component_fit fit_component(std::span<const double> m, std::vector<double> ratio, int numsegs) {
+  const component_fit identity{makeppoly({0.0, 1.0}, {makepoly({0.0, 1.0})}), 0.0};
+  if (!std::ranges::all_of(ratio, [](double r) { return std::isfinite(r); })) return identity;
+  const auto best = neldermead(nlerr{m, ratio}, std::array{0.0}, {.scale = 1.0, .tol = 1e-12, .maxit = 10000});
+  ratio[0] = 0.0;
+  component_fit fit{pp_iba(m, ratio, numsegs), best.xmin[0]};
+  return is_finite(fit.curve) ? fit : identity;
+}
+
+}  // namespace
+
+measurements load_measurements(const std::string& filename) {
+  const auto text = read_file(filename);
+  if (!text) throw stop_run(0, " Cannot open " + std::string(trim(filename)), stop_run::stream::out);
+
+  measurements samples;
+  samples.name = trim(filename);
+  number_scanner numbers(*text);
+  std::optional<std::string_view> header_line = numbers.next_line();
+  std::size_t line = 1;
+  for (; header_line && header_line->starts_with(';'); ++line) header_line = numbers.next_line();
+
+  number_scanner header(header_line.value_or(""), line);
+  std::array<std::int64_t, 3> counts{};
+  for (std::int64_t& count : counts) {
+    if (header.next(count) != number_scanner::result::number) {
+      bad_content(samples.name,
+                  header.problem("the header's three integers (levels, extra samples, version 1 or 2)"));
+    }
+  }
+  const auto [nramp, nextra, version] = counts;
+  samples.version = version == 1 || version == 2 ? static_cast<int>(version) : 0;
+  const auto ramps = static_cast<std::int64_t>(ramp_count(samples.version));
+  const std::string at = "line " + std::to_string(line) + ": ";
+  if (nramp < 2)
+    bad_content(samples.name, at + "a ramp has " + std::to_string(nramp) + " levels, expected at least 2");
+  if (nextra < 0) bad_content(samples.name, at + "the number of extra samples is " + std::to_string(nextra));
+  const auto most_rows = static_cast<std::int64_t>(text->size() / 6);  // a number takes more than one character
+  if (nramp > most_rows || nextra > most_rows || ramps * nramp + nextra > most_rows) {
+    bad_content(samples.name, at + std::to_string(nramp) + " levels and " + std::to_string(nextra) +
+                                  " extra samples are more than the file can hold");
+  }
+  samples.nramp = static_cast<int>(nramp);
+
+  samples.data = matrix(static_cast<std::size_t>(ramps * nramp + nextra), 6);
+  for (std::size_t row = 0; row < samples.data.rows(); ++row) {
+    for (std::size_t c = 0; c < 6; ++c) {
+      if (numbers.next(samples.data(row, c)) == number_scanner::result::number) continue;
+      bad_content(samples.name,
+                  numbers.problem("number " + std::to_string(c + 1) + " of 6 of " + sample_text(samples, row)));
+    }
+  }
+  return samples;
+}
+
+monitor makemonitor(const measurements& samples, std::optional<int> numsegs, double minslope) {
+  monitor mon;
+  mon.name = samples.name.empty() ? "monitor" : samples.name;
+  mon.numsegs = numsegs.value_or(5);
+  mon.minslope = minslope;
+  const std::size_t ramps = ramp_count(samples.version);
+  const auto nramp = static_cast<std::size_t>(samples.nramp);
+  const std::size_t rows = samples.data.rows();
+  mon.nramp = samples.nramp;
+  mon.nextra = static_cast<int>(rows - ramps * nramp);
+  require_finite(samples);
+
+  double full_drive = samples.data(0, 0);
+  for (std::size_t c = 0; c < 3; ++c) full_drive = std::max(full_drive, std::ranges::max(samples.data.col(c)));
+  if (!(full_drive > 0)) bad_content(samples.name, "no drive value is above 0, so that full drive is unknown");
+  mon.rgb = matrix(rows, 3);
+  mon.xyz = matrix(rows, 3);
+  for (std::size_t c = 0; c < 3; ++c) {
+    std::ranges::transform(samples.data.col(c), mon.rgb.col(c).begin(), [&](double d) { return d / full_drive; });
+    std::ranges::copy(samples.data.col(3 + c), mon.xyz.col(c).begin());
+  }
+
+  for (std::size_t k = 0; k < 3; ++k) {
+    double sum = 0;
+    for (std::size_t r = 1; r <= ramps; ++r) sum += mon.xyz(r * nramp - 1, k);
+    mon.darklight[k] = sum / static_cast<double>(ramps);
+  }
+  mon.whitepoint = row3(mon.xyz, 0);
+
+  mon.rampin = mon.rampy = mon.rampx = mon.rampz = matrix(nramp, 3);
+  for (std::size_t c = 0; c < 3; ++c) {
+    const channel_ramp ramp = ramp_of_channel(samples, c);
+    const auto light = [&](std::size_t i, std::size_t k) { return ramp.colour(i, k) - mon.darklight[k]; };
+    const vec3 full{{light(nramp - 1, 0), light(nramp - 1, 1), light(nramp - 1, 2)}};
+    mon.Xmax[c] = full[0];
+    mon.Ymax[c] = full[1];
+    mon.Zmax[c] = full[2];
+    mon.RGB2XYZ.col[c] = full;
+    if (!(full[1] > 0)) {
+      bad_content(samples.name,
+                  std::string("the ") + channel_names[c] + " channel gets no brighter than the dark: Y is" +
+                      free_format(ramp.colour(nramp - 1, 1)) + " at the first level of its ramp and" +
+                      free_format(mon.darklight[1]) + " in the dark; ramps run from full drive down to zero");
+    }
+
+    const auto rampin = mon.rampin.col(c);
+    const auto rampy = mon.rampy.col(c);
+    std::vector<double> x_ratio(nramp);
+    std::vector<double> z_ratio(nramp);
+    for (std::size_t i = 0; i < nramp; ++i) {
+      rampin[i] = ramp.drive(i, c) / full_drive;
+      rampy[i] = light(i, 1) / full[1];
+      x_ratio[i] = light(i, 0) / full[0];
+      z_ratio[i] = light(i, 2) / full[2];
+    }
+    rampy[0] = 0.0;
+    std::ranges::copy(x_ratio, mon.rampx.col(c).begin());
+    std::ranges::copy(z_ratio, mon.rampz.col(c).begin());
+    mon.rampx(0, c) = mon.rampz(0, c) = 0.0;
+
+    mon.inpcurve[c] = pp_iba(rampin, rampy, mon.numsegs, minslope);
+    if (!is_finite(mon.inpcurve[c])) {
+      bad_content(samples.name, std::string("no tone curve fits the ") + channel_names[c] +
+                                    " ramp; expected luminances that fall from full drive down to zero");
+    }
+    const component_fit x = fit_component(rampy, std::move(x_ratio), mon.numsegs);
+    mon.xcurve[c] = x.curve;
+    mon.nX[c] = x.a;
+    const component_fit z = fit_component(rampy, std::move(z_ratio), mon.numsegs);
+    mon.zcurve[c] = z.curve;
+    mon.nZ[c] = z.a;
+  }
+
+  require_gamut(mon);
+  mon.XYZ2RGB = inv(mon.RGB2XYZ);
+  return mon;
+}
+
+monitor loadmonitor(const std::string& filename, std::optional<int> numsegs, double minslope) {
+  return makemonitor(load_measurements(filename), numsegs.value_or(8), minslope);
+}
+
+void dumpmon(const monitor& mon) {
+  std::string text = std::string(trim(mon.name)) + '\n';
+  if (mon.composite) text += "Composite\n" + prtmat_real(mon.fe.matrix, "with matrix: ");
+  const auto triple = [&](const char* label, const vec3& v) {
+    text +=
+        label + fixed_field(v[0], 0, 8) + "   " + fixed_field(v[1], 0, 8) + "   " + fixed_field(v[2], 0, 8) + '\n';
+  };
+  triple("whitepoint = ", mon.whitepoint);
+  triple("darklight = ", mon.darklight);
+  triple("Xmax = ", mon.Xmax);
+  triple("Ymax = ", mon.Ymax);
+  triple("Zmax = ", mon.Zmax);
+  triple("nX = ", mon.nX);
+  triple("nZ = ", mon.nZ);
+  const auto rows = [&](const char* label, const mat3& m) {
+    text += std::string(label) + '\n';
+    for (std::size_t i = 0; i < 3; ++i)
+      text += free_format(m(i, 0)) + free_format(m(i, 1)) + free_format(m(i, 2)) + '\n';
+  };
+  rows("RGB2XYZ:", mon.RGB2XYZ);
+  rows("XYZ2RGB:", mon.XYZ2RGB);
+  std::cout << text;
+}
+
+std::array<double, 5> fixlowend(const std::array<double, 6>& x, const std::array<double, 6>& y) {
+  const double s = (y[5] - y[4]) / (x[5] - x[4]);
+  const double x2 = x[4] * x[4];
+  const double x3 = x2 * x[4];
+  const double det = x2 * x2;  // of [x^2, x^3; 2x, 3x^2]
+  const double A = (3 * x2 * y[4] - x3 * s) / det;
+  const double B = (x2 * s - 2 * x[4] * y[4]) / det;
+  std::array<double, 5> out{};
+  for (std::size_t i = 0; i < out.size(); ++i) out[i] = A * (x[i] * x[i]) + B * (x[i] * x[i] * x[i]);
+  return out;
+}
+
+}  // namespace corvantile
