@@ -1,0 +1,171 @@
+#include "colour/nonpar_monitor.hpp"
+
+#include <array>
+#include <cmath>
+#include <numbers>
+
+#include "colour/chromaticity.hpp"
+#include "numerics/neldmead.hpp"
+
+namespace corvantile {
+namespace {
+
+constexpr double reachable = 1e-7;  // squared XYZ distance below which a colour counts as shown
+
+// The angle a with sin(a)^2 = s. A negative s, whose root is not a number, starts at full drive like one above 1.
+double angle_of(double s) {
+  const double root = std::sqrt(s);
+  return root < 1 ? std::asin(root) : std::numbers::pi / 2;
+}
+
+template <class Cost>
+inversion invert(const Cost& cost, const vec3& start, double enough) {
+  const auto best = neldermead(cost, std::array{angle_of(start[0]), angle_of(start[1]), angle_of(start[2])},
+                               {.scale = 0.05, .tol = 1e-14, .maxit = 100000, .enough = enough});
+  return {{{square_of_sine(best.xmin[0]), square_of_sine(best.xmin[1]), square_of_sine(best.xmin[2])}}, best.fmin};
+}
+
+constexpr double in_full = nm_settings{}.enough;
+
+inversion out2inp(const prepared_monitor& mon, const vec3& xyz, const std::optional<vec3>& start = {},
+                  double enough = in_full) {
+  return invert(cost2i{mon, xyz}, start ? *start : mon2inp_vec(mon.source(), mon.source().XYZ2RGB * xyz), enough);
+}
+
+// Bisection for the largest scale at which a colour is reachable.
+class scale_search {
+ public:
+  static constexpr int steps = 28;
+  double scale() const { return k_; }
+  void step(bool reached) {
+    (reached ? lo_ : hi_) = k_;
+    k_ = (lo_ + hi_) / 2;
+  }
+
+ private:
+  double lo_ = 0.1;
+  double hi_ = 2.0;
+  double k_ = 1.05;
+};
+
+bool reaches(const prepared_monitor& mon, const vec3& xyz) {
+  return out2inp(mon, xyz, {}, reachable).fval < reachable;
+}
+
+// Of the first 27 trials only "reachable or not" matters, so they end as soon as they know.
+scale_search all_but_last_step(const prepared_monitor& mon, const vec3& base) {
+  scale_search k;
+  for (int i = 1; i < scale_search::steps; ++i) k.step(reaches(mon, k.scale() * base));
+  return k;
+}
+
+// The last trial in full, since its drive values are the result.
+ramp_top last_step(const prepared_monitor& mon, const vec3& base, scale_search k) {
+  const inversion last = out2inp(mon, k.scale() * base);
+  k.step(last.fval < reachable);
+  return {last.value, inp2mon_vec(mon.source(), last.value), k.scale() * base};
+}
+
+ramp_top ramptop(const prepared_monitor& mon, const vec3& base) {
+  return last_step(mon, base, all_but_last_step(mon, base));
+}
+
+// The monitor's white luminance times the XYZ of a chromaticity, at Y = 1.
+vec3 base_of_temperature(const monitor& mon, double T) {
+  const vec3 b = blkbod(T);
+  return mon.whitepoint[1] * (b / b[1]);
+}
+vec3 base_of_chromaticity(const monitor& mon, std::span<const double> c) {
+  if (c.size() == 2) return mon.whitepoint[1] * vec3{{c[0] / c[1], 1.0, (1 - c[0] - c[1]) / c[1]}};
+  return mon.whitepoint[1] * vec3{{c[0] / c[1], 1.0, c[2] / c[1]}};
+}
+
+// A ramp top before its last trial.
+struct unfinished_top {
+  vec3 base;
+  scale_search k;
+};
+
+// Minus the luminance of the ramp top at a position of the swath, an angle standing for the position. `latest`
+// remembers the top of the latest evaluation.
+struct neglum {
+  const prepared_monitor& mon;
+  const locus_swath& swath;
+  unfinished_top& latest;
+
+  double operator()(std::span<const double> a) const {
+    const double t = swath.tmin + (swath.tmax - swath.tmin) * square_of_sine(a[0]);
+    const vec2 q = swath.p + t * swath.ray;
+    const vec3 base = base_of_chromaticity(mon.source(), q.v);
+    latest = {base, all_but_last_step(mon, base)};
+    // Drive values are not asked for here, so that even the last trial may end as soon as it knows.
+    scale_search k = latest.k;
+    k.step(reaches(mon, k.scale() * base));
+    return -(k.scale() * base)[1];
+  }
+};
+
+ramp_top bcgtw(const prepared_monitor& mon, double T, double hwid) {
+  const locus_swath swath = cct_segment(T, hwid);
+  unfinished_top latest;
+  neldermead(neglum{mon, swath, latest}, std::array{std::numbers::pi / 6},
+             {.scale = 0.001, .tol = 1e-14, .maxit = 10000});
+  return last_step(mon, latest.base, latest.k);
+}
+
+void gray_ramp(matrix& tab, const prepared_monitor& mon, const ramp_top& top, const lut& curve, double g0) {
+  const std::size_t n = tab.rows();
+  const interpolator tone(curve);
+  const auto target = [&](std::size_t i) {
+    const double s = static_cast<double>(i) / static_cast<double>(n - 1);
+    double w = 0;
+    if (s <= g0) w = s == 0 ? 1.0 : (std::cos(std::numbers::pi * s / g0) + 1) / 2;
+    return tone(s) * top.xyz + w * mon.source().darklight;
+  };
+  set_row3(tab, n - 1, top.inp);
+  for (std::size_t i = n - 1; i-- > 0;) set_row3(tab, i, out2inp(mon, target(i), row3(tab, i + 1)).value);
+}
+
+}  // namespace
+
+inversion out2inp(const monitor& mon, const vec3& xyz, const std::optional<vec3>& start) {
+  return out2inp(prepared_monitor(mon), xyz, start);
+}
+
+inversion out2mon(const monitor& mon, const vec3& xyz, const std::optional<vec3>& start) {
+  const prepared_monitor prepared(mon);
+  return invert(cost2m{prepared, xyz}, start ? *start : mon.XYZ2RGB * xyz, in_full);
+}
+
+ramp_top ramptop_temp(const monitor& mon, double T) {
+  return ramptop(prepared_monitor(mon), base_of_temperature(mon, T));
+}
+
+ramp_top ramptop_xyz(const monitor& mon, std::span<const double> c) {
+  return ramptop(prepared_monitor(mon), base_of_chromaticity(mon, c));
+}
+
+ramp_top bcgtw(const monitor& mon, double T, double hwid) { return bcgtw(prepared_monitor(mon), T, hwid); }
+
+lut make_gamma_table(double gamma, int n) {
+  std::vector<double> s(static_cast<std::size_t>(n));
+  std::vector<double> y(s.size());
+  for (std::size_t i = 0; i < s.size(); ++i) {
+    s[i] = static_cast<double>(i) / static_cast<double>(n - 1);
+    y[i] = std::pow(s[i], gamma);
+  }
+  return makelut_nostat(s, y);
+}
+
+void colortemp_lut(matrix& tab, const monitor& mon, double T, const lut& curve, double g0, double hwid) {
+  const prepared_monitor prepared(mon);
+  const ramp_top top = hwid > 0 ? bcgtw(prepared, T, hwid) : ramptop(prepared, base_of_temperature(mon, T));
+  gray_ramp(tab, prepared, top, curve, g0);
+}
+
+void chromaticity_lut(matrix& tab, const monitor& mon, std::span<const double> c, const lut& curve, double g0) {
+  const prepared_monitor prepared(mon);
+  gray_ramp(tab, prepared, ramptop(prepared, base_of_chromaticity(mon, c)), curve, g0);
+}
+
+}  // namespace corvantile

@@ -1,0 +1,86 @@
+#pragma once
+// The monitor model run backwards: from a wanted colour to drive values, and from a wanted white and tone curve to
+// the drive values of a whole gray ramp. There is no closed-form inverse; all of it is search.
+
+#include <optional>
+#include <span>
+
+#include "monitor/monitor.hpp"
+#include "monitor/prepared.hpp"
+#include "numerics/conic_intersect.hpp"
+#include "utils/lut.hpp"
+
+namespace corvantile {
+
+// ---- From XYZ to the device ----
+
+/// Squared XYZ distance between a target and what the monitor shows for the inputs sin(a)^2.
+struct cost2i {
+  const prepared_monitor& mon;
+  const vec3& xyz;  // target, in the units of the measurements
+  double operator()(std::span<const double> a) const {
+    const vec3 inp{{square_of_sine(a[0]), square_of_sine(a[1]), square_of_sine(a[2])}};
+    return dist2(mon.mon2out(mon.inp2mon(inp)), xyz);
+  }
+};
+
+/// The same for the monitor values sin(a)^2.
+struct cost2m {
+  const prepared_monitor& mon;
+  const vec3& xyz;
+  double operator()(std::span<const double> a) const {
+    const vec3 m{{square_of_sine(a[0]), square_of_sine(a[1]), square_of_sine(a[2])}};
+    return dist2(mon.mon2out(m), xyz);
+  }
+};
+
+/// What an inversion found: inputs or monitor values in [0, 1], and the squared XYZ distance left. Out of gamut that
+/// is the (locally) closest reachable colour; whether it is close enough is for the caller to say.
+struct inversion {
+  vec3 value;
+  double fval = 0;
+};
+
+/// Inputs that show `xyz`. The search starts from `start`, or from the linear model's answer. A starting value that
+/// is 1 or more, negative or not a number starts at full drive.
+inversion out2inp(const monitor& mon, const vec3& xyz, const std::optional<vec3>& start = {});
+
+/// Monitor values that show `xyz`, likewise.
+inversion out2mon(const monitor& mon, const vec3& xyz, const std::optional<vec3>& start = {});
+
+// ---- The brightest colour of a white ----
+
+/// The brightest reachable colour of a requested white.
+struct ramp_top {
+  vec3 inp;  ///< drive values that show it
+  vec3 m;    ///< their monitor values
+  vec3 xyz;  ///< the colour itself; off what `inp` shows by less than 2e-8 of it, being one bisection step further
+};
+
+/// The top for the chromaticity of a blackbody at `T` kelvin: the largest scale in [0.1, 2] times the monitor's white
+/// luminance that an inversion reaches within a squared XYZ distance of 1e-7, by 28 bisections.
+ramp_top ramptop_temp(const monitor& mon, double T);
+
+/// The top for a chromaticity given as x, y or as X, Y, Z.
+ramp_top ramptop_xyz(const monitor& mon, std::span<const double> c);
+
+/// The brightest top on the line of constant colour temperature `T` within `hwid` (CIE 1960 uv) of the blackbody
+/// locus. It is that of the search's last evaluation, not of its best point: kept so, the two differ by rounding
+/// only.
+ramp_top bcgtw(const monitor& mon, double T, double hwid);
+
+// ---- Gray ramps ----
+
+/// The power law y = x^gamma at n evenly spaced points, n at least 2.
+lut make_gamma_table(double gamma, int n);
+
+/// Fills `tab` (n x 3, n at least 2) with the drive values of a gray ramp that has the colour of a blackbody at `T`
+/// kelvin and the luminance `curve`(s) relative to its top, at the positions s = i / (n - 1). `hwid` > 0 looks for a
+/// brighter top across the locus. Below the position `g0` the dark light is blended into the target, all of it at s =
+/// 0.
+void colortemp_lut(matrix& tab, const monitor& mon, double T, const lut& curve, double g0, double hwid);
+
+/// The same for a constant chromaticity given as x, y or as X, Y, Z.
+void chromaticity_lut(matrix& tab, const monitor& mon, std::span<const double> c, const lut& curve, double g0);
+
+}  // namespace corvantile
