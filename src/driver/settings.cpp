@@ -1,0 +1,586 @@
+#include "driver/settings.hpp"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <optional>
+#include <ostream>
+#include <variant>
+
+#include "utils/text.hpp"
+
+namespace corvantile {
+namespace {
+
+// --- The keys
+// -------------------------------------------------------------------------------------------------------
+
+struct text_key {
+  std::string settings::*value;
+  std::size_t length;
+  std::string_view initial;
+};
+struct integer_key {
+  int settings::*value;
+  int initial;
+};
+enum class edit { f0_7, g12_7, g10_4 };
+struct real_key {
+  double settings::*value;
+  double initial;
+  edit layout;
+};
+struct chromaticities_key {
+  std::array<vec2, 4> settings::*value;  // all zero at first
+};
+
+struct key {
+  std::string_view name;
+  std::string_view echo;  // what the echo calls it
+  std::variant<text_key, integer_key, real_key, chromaticities_key> kind;
+};
+
+// All there is to know about each key, in the order of the echo.
+constexpr key keys[] = {
+    {"cvmode", "CVMode", text_key{&settings::cvmode, 32, "unspecified"}},
+    {"outdir", "outdir", text_key{&settings::outdir, 256, "."}},
+    {"wgfile", "wgfile", text_key{&settings::wgfile, 256, ""}},
+    {"gamfile", "gamfile", text_key{&settings::gamfile, 256, ""}},
+    {"tlen", "tlen", integer_key{&settings::tlen, 256}},
+    {"nbits", "nbits", integer_key{&settings::nbits, 0}},
+    {"numsegs", "numsegs", integer_key{&settings::numsegs, 5}},
+    {"xytable", "chromaticities (WRGB)", chromaticities_key{&settings::xytable}},
+    {"gamma", "gamma", real_key{&settings::gamma, 2.2, edit::f0_7}},
+    {"boundary_tol", "boundary_tol", real_key{&settings::boundary_tol, 0.001, edit::g12_7}},
+    {"lumfrac", "lumfrac", real_key{&settings::lumfrac, 0.95, edit::f0_7}},
+    {"rowsum_margin", "rowsum_margin", real_key{&settings::rowsum_margin, 0.05, edit::g12_7}},
+    {"minslope", "minslope", real_key{&settings::minslope, 0.0, edit::g10_4}},
+    {"alpha", "alpha", real_key{&settings::alpha, 0.5, edit::f0_7}},
+    {"beta", "beta", real_key{&settings::beta, 0.8, edit::f0_7}},
+    {"hwid", "hwid", real_key{&settings::hwid, 0.0, edit::f0_7}},
+    {"temp", "temp", real_key{&settings::temp, -1.0, edit::f0_7}},
+    {"wptemp", "wptemp", real_key{&settings::wptemp, -1.0, edit::f0_7}},
+};
+
+// One function per kind of key, for std::visit.
+template <class... F>
+struct overload : F... {
+  using F::operator()...;
+};
+template <class... F>
+overload(F...) -> overload<F...>;
+
+// The eight entries of the 2 x 4 array in storage order: x and y of white, then of red, green, blue.
+constexpr int array_rows = 2;
+constexpr int array_columns = 4;
+constexpr std::size_t array_size = array_rows * array_columns;
+double& entry(std::array<vec2, 4>& t, std::size_t i) { return t[i / array_rows][i % array_rows]; }
+
+// --- The scanner
+// ----------------------------------------------------------------------------------------------------
+
+constexpr char end_of_text = '\0';  // what `peek` gives there; a NUL in the text is an error wherever it stands
+
+constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+constexpr bool is_digit(char c) { return c >= '0' && c <= '9'; }
+constexpr bool starts_name(char c) { return lower(c) >= 'a' && lower(c) <= 'z'; }
+constexpr bool in_name(char c) { return starts_name(c) || is_digit(c) || c == '_'; }
+constexpr bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+
+// Walks over the profile. Every character is passed once, and looked ahead at most once more.
+class scanner {
+ public:
+  explicit scanner(std::string_view text) : text_(text) {}
+
+  char peek() const { return pos_ < text_.size() ? text_[pos_] : end_of_text; }
+  bool at_end() const { return pos_ == text_.size(); }
+  std::size_t line() const { return line_; }
+
+  char take() {
+    const char c = text_[pos_++];
+    if (c == '\n') ++line_;
+    return c;
+  }
+  bool accept(char c) {
+    if (at_end() || peek() != c) return false;
+    take();
+    return true;
+  }
+
+  /// Passes blanks, line ends and comments.
+  void skip_blanks() {
+    while (!at_end()) {
+      if (peek() == '!') {
+        pos_ = std::min(text_.find('\n', pos_), text_.size());
+      } else if (is_blank(peek())) {
+        take();
+      } else {
+        return;
+      }
+    }
+  }
+
+  /// What stands here, up to the next character that can end a number.
+  std::string_view word() const {
+    const std::size_t end = std::min(text_.find_first_of(" \t\r\n,/!'\"", pos_), text_.size());
+    return text_.substr(pos_, end - pos_);
+  }
+  std::string_view name() const {
+    std::size_t end = pos_;
+    while (end < text_.size() && in_name(text_[end])) ++end;
+    return text_.substr(pos_, end - pos_);
+  }
+  /// Passes `n` characters that hold no line end.
+  void advance(std::size_t n) { pos_ += n; }
+
+  /// True where `key =` or `key(1,2) =` stands and not a value such as `nan`.
+  bool at_assignment() const {
+    if (!starts_name(peek())) return false;
+    scanner ahead = *this;
+    ahead.advance(ahead.name().size());
+    ahead.skip_blanks();
+    if (ahead.accept('(')) {
+      while (is_digit(ahead.peek()) || is_blank(ahead.peek()) || std::string_view(",:+-").find(ahead.peek()) < 4)
+        ahead.take();
+      if (!ahead.accept(')')) return false;
+      ahead.skip_blanks();
+    }
+    return ahead.peek() == '=';
+  }
+
+  /// For messages: what stands here.
+  std::string found() const {
+    if (at_end()) return "the end of the input";
+    const std::string_view w = word();
+    return in_quotes(w.empty() ? text_.substr(pos_, 1) : w);
+  }
+
+ private:
+  std::string_view text_;
+  std::size_t pos_ = 0;
+  std::size_t line_ = 1;
+};
+
+// --- The reader
+// -----------------------------------------------------------------------------------------------------
+
+// A list of at most eight places of the array, in the order in which values fill them.
+struct places {
+  std::array<std::size_t, array_size> index{};
+  std::size_t count = 0;
+  void add(std::size_t i) { index[count++] = i; }
+};
+
+class reader {
+ public:
+  explicit reader(std::string_view profile) : in_(without_byte_order_mark(profile)) {}
+
+  settings read() {
+    open_group();
+    for (;;) {
+      in_.skip_blanks();
+      if (in_.accept(',')) continue;
+      if (in_.accept('/')) return s_;
+      if (in_.at_end()) fail("the closing '/' of the group is missing");
+      read_assignment();
+    }
+  }
+
+ private:
+  [[noreturn]] void fail(const std::string& what, std::size_t line) const {
+    std::string where = "Settings, line " + integer_field(static_cast<std::int64_t>(line)) + ": ";
+    if (key_ != nullptr) where.append(key_->name).append(": ");
+    throw stop_run(4, where + what);
+  }
+  [[noreturn]] void fail(const std::string& what) const { fail(what, in_.line()); }
+  [[noreturn]] void expected(std::string_view what) const {
+    fail("expected " + std::string(what) + ", found " + in_.found());
+  }
+
+  void open_group() {
+    in_.skip_blanks();
+    const scanner start = in_;
+    if (in_.accept('&')) {
+      const std::string_view name = in_.name();
+      in_.advance(name.size());
+      const char next = in_.peek();
+      const bool separated = in_.at_end() || is_blank(next) || next == ',' || next == '/' || next == '!';
+      if (std::ranges::equal(name, std::string_view("opts"), {}, lower) && separated) return;
+    }
+    in_ = start;
+    expected("the group '&opts'");
+  }
+
+  void read_assignment() {
+    const std::string_view name = in_.name();
+    if (name.empty() || !starts_name(name.front())) expected("a key or the closing '/'");
+    const key* k =
+        std::ranges::find_if(keys, [&](const key& c) { return std::ranges::equal(name, c.name, {}, lower); });
+    if (k == std::end(keys)) {
+      std::string known;
+      for (const key& c : keys) known.append(known.empty() ? "" : ", ").append(c.name);
+      fail("unknown key " + in_quotes(name) + "; the keys are " + known);
+    }
+    in_.advance(name.size());
+    key_ = k;
+    in_.skip_blanks();
+    places array = whole_array();
+    if (in_.peek() == '(') {
+      if (!std::holds_alternative<chromaticities_key>(k->kind)) fail("takes no index");
+      array = read_index();
+      in_.skip_blanks();
+    }
+    if (!in_.accept('=')) expected("'='");
+    std::visit(overload{
+                   [&](const text_key& t) {
+                     read_values(
+                         1, [&] { return read_text(t.length); },
+                         [&](std::size_t, const std::string& v) { s_.*t.value = v; });
+                   },
+                   [&](const integer_key& i) {
+                     read_values(
+                         1, [&] { return read_integer(); }, [&](std::size_t, int v) { s_.*i.value = v; });
+                   },
+                   [&](const real_key& r) {
+                     read_values(
+                         1, [&] { return read_real(); }, [&](std::size_t, double v) { s_.*r.value = v; });
+                   },
+                   [&](const chromaticities_key& c) {
+                     read_values(
+                         array.count, [&] { return read_real(); },
+                         [&](std::size_t n, double v) { entry(s_.*c.value, array.index[n]) = v; });
+                   },
+               },
+               k->kind);
+    key_ = nullptr;
+  }
+
+  // The values of one key: up to `count`, each left out or repeated. Commas beyond the last value are let pass.
+  template <class Read, class Store>
+  void read_values(std::size_t count, const Read& read, const Store& store) {
+    std::size_t used = 0;
+    for (;;) {
+      in_.skip_blanks();
+      if (in_.at_end() || in_.peek() == '/' || in_.at_assignment()) return;
+      if (in_.accept(',')) {  // a value left out
+        used = std::min(used + 1, count);
+        continue;
+      }
+      if (used == count) expected("another key or the closing '/' after " + counted(count));
+      const std::size_t repeats = read_repeat_count(count - used);
+      const std::size_t next = used + std::max<std::size_t>(repeats, 1);
+      if (repeats == 0 || !at_separator()) {  // else only the count is there, and that many values are left out
+        const auto value = read();
+        if (!at_separator()) expected("a blank, a comma or '/' after the value");
+        for (std::size_t i = used; i < next; ++i) store(i, value);
+      }
+      used = next;
+      in_.skip_blanks();
+      in_.accept(',');
+    }
+  }
+
+  static std::string counted(std::size_t n) {
+    return integer_field(static_cast<std::int64_t>(n)) + (n == 1 ? " value" : " values");
+  }
+
+  bool at_separator() const {
+    const char c = in_.peek();
+    return in_.at_end() || is_blank(c) || c == ',' || c == '/' || c == '!';
+  }
+
+  // The n of n*value, with the star; 0 where there is none.
+  std::size_t read_repeat_count(std::size_t room) {
+    const std::string_view word = in_.word();
+    const std::size_t star = word.find('*');
+    if (star == std::string_view::npos || star == 0 || !std::ranges::all_of(word.substr(0, star), is_digit)) return 0;
+    const auto n = parse_integer(word.substr(0, star));
+    if (n == 0 || !n || static_cast<std::uint64_t>(*n) > room)
+      expected("a repeat count from 1, with room for " + counted(room));
+    in_.advance(star + 1);
+    return static_cast<std::size_t>(*n);
+  }
+
+  int read_integer() {
+    const auto v = parse_integer(in_.word());
+    if (!v || *v != static_cast<std::int32_t>(*v)) expected("an integer of 32 bits");
+    in_.advance(in_.word().size());
+    return static_cast<int>(*v);
+  }
+
+  double read_real() {
+    const auto v = parse_real(in_.word());
+    if (!v) expected("a number");
+    in_.advance(in_.word().size());
+    return *v;
+  }
+
+  // A text in quotes may go on over a line end, which is no part of it. Only what fits is kept.
+  std::string read_text(std::size_t length) {
+    const char quote = in_.peek();
+    const std::size_t line = in_.line();
+    if (quote != '\'' && quote != '"') expected("a text in quotes");
+    in_.take();
+    std::string text;
+    for (;;) {
+      if (in_.at_end()) fail("the text that begins here has no closing quote", line);
+      const char c = in_.take();
+      if (c == quote && !in_.accept(quote)) break;
+      if (c != '\n' && c != '\r' && text.size() < length) text += c;
+    }
+    text.resize(trim(text).size());
+    return text;
+  }
+
+  static places whole_array() {
+    places all;
+    for (std::size_t i = 0; i < array_size; ++i) all.add(i);
+    return all;
+  }
+
+  struct range {
+    int first;
+    int last;
+    int step;
+    bool section;  // written with a colon
+  };
+
+  // (i,j) is an element and those after it in storage order; with a colon in it, just the section.
+  places read_index() {
+    in_.take();
+    const range row = read_range(array_rows);
+    in_.skip_blanks();
+    if (!in_.accept(',')) expected("two indices, as in (1,2)");
+    const range column = read_range(array_columns);
+    in_.skip_blanks();
+    if (!in_.accept(')')) expected("')' after two indices");
+
+    places p;
+    if (!row.section && !column.section) {
+      for (auto i = static_cast<std::size_t>((column.first - 1) * array_rows + row.first - 1); i < array_size; ++i)
+        p.add(i);
+      return p;
+    }
+    const auto inside = [](std::int64_t i, const range& r) { return r.step > 0 ? i <= r.last : i >= r.last; };
+    for (std::int64_t j = column.first; inside(j, column); j += column.step)
+      for (std::int64_t i = row.first; inside(i, row); i += row.step)
+        p.add(static_cast<std::size_t>((j - 1) * array_rows + i - 1));
+    return p;
+  }
+
+  // One index, or first:last:step with each part optional. Both ends lie in 1..n and at least one index is selected.
+  range read_range(int n) {
+    const auto in_bounds = [&](int i) {
+      if (i < 1 || i > n) fail("index " + integer_field(i) + " is not in 1.." + integer_field(n));
+    };
+    range r{1, n, 1, false};
+    if (const auto first = read_index_number()) {
+      r.first = r.last = *first;
+      in_bounds(*first);
+    } else if (in_.peek() != ':') {
+      expected("an index");
+    }
+    in_.skip_blanks();
+    if (in_.accept(':')) {
+      r.section = true;
+      r.last = read_index_number().value_or(n);
+      in_bounds(r.last);
+      in_.skip_blanks();
+      if (in_.accept(':')) {
+        const auto step = read_index_number();
+        if (!step) expected("a stride");
+        r.step = *step;
+      }
+    }
+    if (r.step == 0 || (r.step > 0 ? r.first > r.last : r.first < r.last)) fail("the section selects nothing");
+    return r;
+  }
+
+  std::optional<int> read_index_number() {
+    in_.skip_blanks();
+    const bool negative = in_.peek() == '-';
+    if (negative || in_.peek() == '+') in_.take();
+    std::int64_t v = 0;
+    bool any = false;
+    for (; is_digit(in_.peek()); any = true) v = std::min<std::int64_t>(v * 10 + (in_.take() - '0'), 1'000'000'000);
+    if (!any) return std::nullopt;
+    return static_cast<int>(negative ? -v : v);
+  }
+
+  scanner in_;
+  settings s_;
+  const key* key_ = nullptr;  // whose values are being read
+};
+
+// --- Judging
+// --------------------------------------------------------------------------------------------------------
+
+void require(bool good, std::string_view name, const std::string& value, std::string_view why) {
+  if (!good) throw stop_run(4, "Settings: " + std::string(name) + " = " + value + ": " + std::string(why));
+}
+void require(bool good, std::string_view name, int value, std::string_view why) {
+  require(good, name, integer_field(value), why);
+}
+void require(bool good, std::string_view name, double value, std::string_view why) {
+  require(good, name, free_format(value).substr(1), why);
+}
+
+void require_finite(std::string_view name, double value) {
+  require(std::isfinite(value), name, value, "must be a finite number");
+}
+
+// Twice the area of the triangle a, b, c, positive when it is run through counterclockwise.
+double turn(const vec2& a, const vec2& b, const vec2& c) {
+  return (b[0] - a[0]) * (c[1] - a[1]) - (b[1] - a[1]) * (c[0] - a[0]);
+}
+
+// The target's chromaticities must be those of a display: a triangle of primaries with the white inside.
+void require_gamut(const std::array<vec2, 4>& xytable) {
+  const auto& [white, red, green, blue] = xytable;
+  std::string given;
+  for (const vec2& xy : xytable) given += free_format(xy[0]) + free_format(xy[1]);
+  given.erase(0, 1);
+  for (const vec2& xy : xytable) {
+    require(std::isfinite(xy[0]) && std::isfinite(xy[1]), "xytable", given, "must be finite numbers");
+    require(xy[1] != 0, "xytable", given, "a y of 0 is no chromaticity");
+  }
+  const double area = turn(red, green, blue);
+  require(area != 0, "xytable", given, "the primaries lie on one line");
+  require(
+      turn(red, green, white) * area > 0 && turn(green, blue, white) * area > 0 && turn(blue, red, white) * area > 0,
+      "xytable", given, "the white must lie inside the triangle of the primaries");
+}
+
+}  // namespace
+
+settings::settings() {
+  for (const key& k : keys)
+    std::visit(overload{[this](const chromaticities_key& c) { this->*c.value = {}; },
+                        [this](const auto& v) { this->*v.value = v.initial; }},
+               k.kind);
+}
+
+bool verbose_requested(std::span<const std::string_view> arguments) {
+  return std::ranges::any_of(arguments, [](std::string_view a) {
+    const std::string_view text = trim(cut(a, 256));
+    return text == "-verbose" || text == "-v";
+  });
+}
+
+settings read_settings(std::string_view profile) { return reader(profile).read(); }
+
+match_mode mode_of(const settings& s) {
+  if (s.cvmode == "CV1" || s.cvmode == "cv1") return match_mode::cv1;
+  if (s.cvmode == "CV2" || s.cvmode == "cv2") return match_mode::cv2;
+  if (s.cvmode == "CV2_1" || s.cvmode == "cv2_1") return match_mode::cv2_1;
+  if (s.cvmode == "unspecified") throw stop_run(1, " CVMode unspecified");
+  throw stop_run(2, " illegal CVMode: " + s.cvmode);
+}
+
+void require_wgfile(const settings& s) {
+  if (s.wgfile.empty()) throw stop_run(3, " profile file not specified");
+}
+
+void fill_xytable(settings& s, std::ostream& out, std::string_view standard) {
+  // Not-a-number entries are skipped, unless there is nothing else: then the largest is none, and nothing is filled.
+  bool any_number = false;
+  for (std::size_t i = 0; i < array_size; ++i) {
+    const double v = entry(s.xytable, i);
+    if (std::abs(v) > 0) return;
+    any_number = any_number || !std::isnan(v);
+  }
+  if (!any_number) return;
+
+  // White, red, green, blue.
+  constexpr std::array<vec2, 4> srgb{{{{0.3127, 0.329}}, {{0.64, 0.33}}, {{0.3, 0.6}}, {{0.15, 0.06}}}};
+  constexpr std::array<vec2, 4> adobe{{{{0.3127, 0.329}}, {{0.64, 0.34}}, {{0.21, 0.71}}, {{0.15, 0.06}}}};
+  constexpr std::array<vec2, 4> smpte{{{{0.3127, 0.329}}, {{0.63, 0.34}}, {{0.31, 0.595}}, {{0.155, 0.07}}}};
+  if (standard == "sRGB") {
+    s.xytable = srgb;
+  } else if (standard == "AdobeRGB98") {
+    s.xytable = adobe;
+  } else if (standard == "SMPT-C") {  // the program's own spelling
+    s.xytable = smpte;
+  } else {
+    out << " unrecognized standard; using sRGB\n";
+    s.xytable = srgb;
+    s.gamma = 2.2;
+  }
+}
+
+void end_outdir_with_slash(settings& s) { s.outdir = cut(s.outdir + "/", 256); }
+
+std::int64_t maxcode(const settings& s) {
+  return s.nbits >= 0 && s.nbits <= 31 ? (std::int64_t{1} << s.nbits) - 1 : 0;
+}
+
+std::string echo(const settings& s) {
+  std::string out;
+  for (const key& k : keys) {
+    const std::string label = std::string(k.echo) + " = ";
+    std::visit(overload{
+                   [&](const text_key& t) { out += label + s.*t.value + '\n'; },
+                   [&](const integer_key& i) { out += label + integer_field(s.*i.value) + '\n'; },
+                   [&](const real_key& r) {
+                     const double v = s.*r.value;
+                     out += label;
+                     switch (r.layout) {
+                       case edit::f0_7:
+                         out += fixed_field(v, 0, 7);
+                         break;
+                       case edit::g12_7:
+                         out += general_field(v, 12, 7);
+                         break;
+                       case edit::g10_4:
+                         out += general_field(v, 10, 4);
+                         break;
+                     }
+                     out += '\n';
+                   },
+                   [&](const chromaticities_key& c) {
+                     const std::array<vec2, 4>& t = s.*c.value;
+                     if (std::ranges::none_of(t, [](const vec2& xy) { return xy[0] > 0 || xy[1] > 0; })) return;
+                     out.append(k.echo) += '\n';
+                     for (std::size_t p = 0; p < t.size(); ++p) {
+                       if (p > 0) out.append(3, ' ');
+                       for (const double v : t[p].v) append_fixed(out.append(2, ' '), v, 0, 4);
+                     }
+                     out += '\n';
+                   },
+               },
+               k.kind);
+  }
+  return out + '\n';
+}
+
+void check_settings(const settings& s, match_mode mode, bool power_law) {
+  require(s.tlen >= 2, "tlen", s.tlen, "a table has at least 2 entries");
+  require(s.nbits >= 0 && s.nbits <= 31, "nbits", s.nbits, "must be in 0..31");
+  require(s.numsegs < 0 || s.numsegs > 2, "numsegs", s.numsegs, "must be 3 or more, or negative for the default");
+  require_finite("minslope", s.minslope);
+  if (power_law) {
+    require_finite("gamma", s.gamma);
+    require(s.gamma > 0, "gamma", s.gamma, "the power law needs an exponent above 0");
+  }
+
+  if (matches_gray(mode)) {
+    require_finite("temp", s.temp);
+    require_finite("alpha", s.alpha);
+    if (s.temp >= 0) {  // else these three are not looked at
+      require_finite("wptemp", s.wptemp);
+      require_finite("beta", s.beta);
+      require_finite("hwid", s.hwid);
+    }
+  }
+
+  if (solves_two_tables(mode)) {
+    require_gamut(s.xytable);
+    require_finite("boundary_tol", s.boundary_tol);
+    require_finite("lumfrac", s.lumfrac);
+    require(s.lumfrac > 0, "lumfrac", s.lumfrac, "must be above 0");
+    require_finite("rowsum_margin", s.rowsum_margin);
+    require(s.rowsum_margin < 1, "rowsum_margin", s.rowsum_margin, "must be below 1");
+  }
+}
+
+}  // namespace corvantile
