@@ -13,9 +13,9 @@ cd "$(dirname "$0")/.."
 jobs=$(nproc)
 
 build_and_test() {  # PRESET
-  cmake --preset "$1" >/dev/null
-  cmake --build --preset "$1" --parallel "$jobs"
-  ctest --preset "$1" --parallel "$jobs"
+  cmake --preset "$1" >/dev/null &&
+    cmake --build --preset "$1" --parallel "$jobs" &&
+    ctest --preset "$1" --parallel "$jobs"
 }
 
 sources() {  # PATTERN...: tracked files, and new ones that git would track
@@ -42,7 +42,7 @@ tidy() {
   cmake --preset clang >/dev/null
   # One file each, so that no core waits for a slow one. The count of suppressed system warnings is noise.
   sources 'src/*.cpp' 'tools/*.cpp' | xargs -0 -n 1 -P "$jobs" clang-tidy --quiet -p build/clang 2> >(
-    grep -v -E '^[0-9]+ warnings? generated\.$' >&2)
+    grep -v -E '^[0-9]+ warnings?( and [0-9]+ errors?)? generated\.$' >&2)
 }
 
 cppcheck() {
