@@ -2,9 +2,13 @@
 // The matching algorithms: which target colours a display can reach, and the tables that make it show them.
 
 #include <array>
+#include <cstddef>
 #include <optional>
 
+#include "monitor/monitor.hpp"
+#include "monitor/synthetic_monitor.hpp"
 #include "numerics/matrix.hpp"
+#include "utils/lut.hpp"
 
 namespace corvantile {
 
@@ -73,5 +77,56 @@ struct adjusted_primaries {
 /// target's white enters it. A `margin` above 0 first shrinks the gamut by that much, measured in uv. The white's
 /// chromaticity stays; a primary whose line to the white crosses no edge stays where it is.
 adjusted_primaries adjust_primaries(const mat3& target, const triangle& gamut, double margin = 0.0);
+
+// ---- The single-table gray match (corvantile1.cpp) ----
+
+/// What the gray ramp is to look like. Positions on the ramp run from 0 (black) to 1.
+struct gray_ramp_params {
+  double temp = -1;    ///< colour temperature in kelvin; negative: the monitor's own white
+  double wptemp = -1;  ///< temperature towards which the top shades; 0: the monitor's own; negative: no shading
+  double alpha = 0.5;  ///< position below which the monitor's dark light is blended in; below `beta`
+  double beta = 0.8;   ///< position where the shading starts, at most 1
+  double hwid = 0;     ///< half-width, in CIE 1960 uv, of the swath searched for a brighter top
+};
+
+/// The smooth step t^2 (3 - 2t), for t from 0 to 1.
+double blend(double t);
+
+/// Fills `tab` (tlen x 3, at least two rows) with the drive values of the gray ramp whose luminance follows
+/// `gammalut`. With `temp` >= 0, and only then, `alpha` and `beta` are looked at: 1 is returned when `alpha` is not
+/// below `beta`, else 2 when `beta` exceeds 1, `tab` being left as it was. 0 otherwise. With shading and `beta` = 1
+/// the last row is not a number.
+int cv1(const monitor& mon, const gray_ramp_params& params, const lut& gammalut, matrix& tab);
+
+// ---- The two-table solution (twolut.cpp) ----
+
+/// What the solutions are told besides monitor and target. `lut` maps drive 0..1 to luminance 0..1; while it is not
+/// valid, the power law with `gamma` stands in for it.
+struct gspec {
+  double boundary_tol = 0.001;
+  double lumfrac = 0.95;
+  double rowsum_margin = 0.05;
+  double gamma = 2.2;
+  corvantile::lut lut;
+  double minslope = 0;
+};
+
+/// A front end in its three parts, and what it amounts to.
+struct two_table_solution {
+  corvantile::matrix prelut;   ///< tlen x 3: drive to the target's linear value, all columns alike
+  corvantile::matrix postlut;  ///< tlen x 3: the monitor's linear value to drive
+  mat3 matrix;                 ///< between them
+  monitor cmon;                ///< the monitor with this front end
+  synthetic_monitor ref_smon;  ///< the target as asked for, at the luminance of the solution
+  synthetic_monitor mod_smon;  ///< the target as clipped to the monitor's gamut
+  vec3 distances;              ///< how far each primary was moved, in CIE 1960 uv
+  int status = 1;              ///< 0 when the matrix has a negative entry
+};
+
+/// Solves for the front end that makes `mon` show the primaries and white `target`, clipped to its gamut. The
+/// target's white gets `lumfrac` of the luminance of the brightest such gray, less where the matrix's largest row sum
+/// would exceed 1 - `rowsum_margin`. `tlen` is at least 2.
+two_table_solution twolutsolution(const monitor& mon, const chromaticity_table& target, const gspec& spec,
+                                  std::size_t tlen);
 
 }  // namespace corvantile

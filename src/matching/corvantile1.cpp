@@ -1,0 +1,40 @@
+#include <array>
+#include <cmath>
+
+#include "colour/chromaticity.hpp"
+#include "colour/nonpar_monitor.hpp"
+#include "matching/matching.hpp"
+
+namespace corvantile {
+
+double blend(double t) { return t * t * (3 - 2 * t); }
+
+int cv1(const monitor& mon, const gray_ramp_params& params, const lut& gammalut, matrix& tab) {
+  if (params.temp < 0) {
+    const vec3& w = mon.whitepoint;
+    const double sum = w[0] + w[1] + w[2];
+    chromaticity_lut(tab, mon, std::array{w[0] / sum, w[1] / sum}, gammalut, params.alpha);
+    return 0;
+  }
+  const double wptemp = params.wptemp == 0 ? xyz2cct(mon.whitepoint.v) : params.wptemp;
+  if (params.alpha >= params.beta) return 1;
+  if (params.beta > 1) return 2;
+  colortemp_lut(tab, mon, params.temp, gammalut, params.alpha, params.hwid);
+  if (!(wptemp >= 0)) return 0;
+
+  matrix shaded(tab.rows(), 3);
+  colortemp_lut(shaded, mon, wptemp, gammalut, params.alpha, params.hwid);
+  // Rows are counted from 1 here. beta = 1 makes t = 0/0 in the one row that is left, and the row not a number: kept
+  // so.
+  const auto R = static_cast<long>(tab.rows());
+  const long k0 = std::max(std::lround(static_cast<double>(R) * params.beta), 1L);
+  for (long i = k0; i <= R; ++i) {
+    const double t = static_cast<double>(i - k0) / static_cast<double>(R - k0);
+    const double w = blend(t);
+    const auto row = static_cast<std::size_t>(i - 1);
+    for (std::size_t c = 0; c < 3; ++c) tab(row, c) = tab(row, c) * (1 - w) + shaded(row, c) * w;
+  }
+  return 0;
+}
+
+}  // namespace corvantile
