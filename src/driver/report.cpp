@@ -1,0 +1,120 @@
+#include "driver/report.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <ostream>
+
+#include "colour/chromaticity.hpp"
+#include "colour/color_metrics.hpp"
+#include "utils/array_io.hpp"
+#include "utils/file_output.hpp"
+#include "utils/text.hpp"
+
+namespace corvantile {
+namespace {
+
+constexpr double largest_code = 9e18;  // within 64 bits
+
+std::string as_text(const std::string& path, const matrix& table, const table_format& format,
+                    bool last_row_may_be_nan) {
+  int_matrix codes(format.nbits > 0 ? table.rows() : 0, table.cols());
+  for (std::size_t j = 0; j < table.cols(); ++j) {
+    for (std::size_t i = 0; i < table.rows(); ++i) {
+      const double v = table(i, j);
+      const bool excused = format.nbits == 0 && last_row_may_be_nan && i + 1 == table.rows() && std::isnan(v);
+      if (!std::isfinite(v) && !excused) {
+        throw stop_run(8, path + " is not written: row " + std::to_string(i + 1) + ", column " +
+                              std::to_string(j + 1) + " is" + free_format(v));
+      }
+      if (format.nbits == 0) continue;
+      const double code = std::round(v * static_cast<double>(format.maxcode));  // halves away from zero
+      if (!(std::abs(code) < largest_code)) {
+        throw stop_run(8, path + " is not written: row " + std::to_string(i + 1) + ", column " +
+                              std::to_string(j + 1) + " is" + free_format(v) + ", for which there is no code");
+      }
+      codes(i, j) = static_cast<std::int64_t>(code);
+    }
+  }
+  return format.nbits == 0 ? prtmat_real(table) : prtmat_int(codes);
+}
+
+// Values of one report, one a line with 15 decimals under a title.
+void print_column(std::ostream& out, const char* title, std::span<const double> values) {
+  std::string text = std::string("\n ") + title + '\n';
+  for (const double v : values) {
+    append_fixed(text, v, 0, 15);
+    text += '\n';
+  }
+  out << text;
+}
+
+constexpr std::size_t ramp_samples = 200;
+
+struct test_ramp {
+  const char* title;
+  std::array<double, 3> on;  // which channels follow the ramp
+};
+constexpr std::array<test_ramp, 7> test_ramps{{{"gray", {1, 1, 1}},
+                                               {"red", {1, 0, 0}},
+                                               {"green", {0, 1, 0}},
+                                               {"blue", {0, 0, 1}},
+                                               {"yellow", {1, 1, 0}},
+                                               {"magenta", {1, 0, 1}},
+                                               {"cyan", {0, 1, 1}}}};
+
+matrix samples_of(const test_ramp& ramp) {
+  matrix inputs(ramp_samples, 3);
+  for (std::size_t c = 0; c < 3; ++c) {
+    for (std::size_t j = 0; j < ramp_samples; ++j) {
+      inputs(j, c) = ramp.on[c] * (static_cast<double>(j) / static_cast<double>(ramp_samples - 1));
+    }
+  }
+  return inputs;
+}
+
+// The largest value, those that are not a number left out; not a number when there is no other.
+double largest(std::span<const double> values) {
+  double m = std::numeric_limits<double>::quiet_NaN();
+  for (const double v : values) m = std::fmax(m, v);
+  return m;
+}
+
+}  // namespace
+
+void write_table(const std::string& outdir, const std::string& name, const matrix& table, const table_format& format,
+                 bool last_row_may_be_nan) {
+  const std::string path(cut(outdir + name, 256));
+  write_file(path, as_text(path, table, format, last_row_may_be_nan));
+}
+
+void write_table(const std::string& outdir, const std::string& name, const mat3& m, const table_format& format) {
+  matrix table(3, 3);
+  for (std::size_t c = 0; c < 3; ++c) std::ranges::copy(m.col[c].v, table.col(c).begin());
+  write_table(outdir, name, table, format);
+}
+
+void report_gray_ramp(std::ostream& out, const monitor& mon, const matrix& inputs) {
+  const matrix xyz = inp2out_mat(mon, inputs);
+  std::vector<double> cct(xyz.rows());
+  for (std::size_t i = 0; i < cct.size(); ++i) cct[i] = xyz2cct(row3(xyz, i));
+  print_column(out, "CCT", cct);
+  print_column(out, "output luminance", xyz.col(1));
+}
+
+void report_ramps(std::ostream& out, const monitor& mon, const synthetic_monitor& syn) {
+  const vec3 white = syn_whitepoint(syn);
+  out << " comparing " << trim(mon.name) << " to " << trim(syn.name) << '\n';
+  for (const test_ramp& ramp : test_ramps) {
+    const matrix inputs = samples_of(ramp);
+    const matrix shown = xyz2lab_mat(inp2out_mat(mon, inputs), white);
+    const matrix wanted = xyz2lab_mat(syn_inp2out_mat(syn, inputs), white);
+    const std::vector<double> differences = deltae2000_mat(wanted, shown);
+    std::string text = std::string(" ") + ramp.title + " ramp errmax = " + free_format(largest(differences)) + '\n';
+    for (const double d : differences) text += free_format(d) + '\n';
+    out << text;
+  }
+}
+
+}  // namespace corvantile

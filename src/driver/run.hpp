@@ -1,0 +1,24 @@
+#pragma once
+// One job, from filled settings to written tables.
+
+#include <iosfwd>
+#include <span>
+#include <string_view>
+
+#include "driver/settings.hpp"
+
+namespace corvantile {
+
+/// Loads the measurements, solves in the mode that `set` names, writes the tables into its directory and, when
+/// `verbose`, reports on `out`. Ends with "normal exit" on `err`. Standard input is not touched and the process is
+/// not ended: what must end the run throws `stop_run` with the status to end it with, all of `out` being flushed
+/// before. Several jobs may run one after the other; each owns all that it works on.
+void run(const settings& set, bool verbose, std::ostream& out, std::ostream& err);
+
+/// The whole program behind its command line: reads the settings group from `profile` (all of standard input), checks
+/// it, fills in what follows from it and runs the job. `arguments` are those after the program's name. Throws like
+/// `run`.
+void run_program(std::span<const std::string_view> arguments, std::string_view profile, std::ostream& out,
+                 std::ostream& err);
+
+}  // namespace corvantile
