@@ -85,6 +85,24 @@ void prtmat_int(std::ostream& unit, const int_matrix& a, std::optional<std::stri
   unit << prtmat_int(a, title);
 }
 
+void ppdump(std::ostream& unit, const ppoly& pp, std::optional<std::string_view> title) {
+  // Counts stand in 12 columns, values in 26, so that a listing reads in columns.
+  const auto count = [](std::size_t n) { return integer_field(static_cast<std::int64_t>(n), 12); };
+  const auto value = [](double v) {
+    std::string s = free_format(v);
+    s.insert(0, 26 - s.size(), ' ');
+    return s;
+  };
+  if (title) unit << ' ' << *title << '\n';
+  unit << count(pp.knots.size()) << " knots:\n";
+  for (const double k : pp.knots) unit << value(k) << '\n';
+  unit << count(pp.polys.size()) << " polynomials\n";
+  for (std::size_t j = 0; j < pp.polys.size(); ++j) {
+    unit << " polynomial " << count(j) << '\n';
+    for (const double c : pp.polys[j].coef) unit << "    " << value(c) << '\n';
+  }
+}
+
 void savearray(const std::string& filename, std::span<const double> v) {
   std::string text;
   for (const double x : v) text += free_format(x) + '\n';

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "numerics/matrix.hpp"
+#include "numerics/ppoly.hpp"
 
 namespace corvantile {
 
@@ -30,6 +31,10 @@ std::string prtmat_int(const int_matrix& a, std::optional<std::string_view> titl
 void prtmat_real(std::ostream& unit, const matrix& a, std::optional<std::string_view> title = {});
 void prtmat_real(std::ostream& unit, const mat3& a, std::optional<std::string_view> title = {});
 void prtmat_int(std::ostream& unit, const int_matrix& a, std::optional<std::string_view> title = {});
+
+/// Lists a piecewise polynomial onto `unit`: the title if there is one, the number of knots and the knots, the number
+/// of pieces and, piece by piece, the coefficients from the constant term up. One value per line, in free format.
+void ppdump(std::ostream& unit, const ppoly& pp, std::optional<std::string_view> title = {});
 
 /// Writes one number per line, in free format.
 void savearray(const std::string& filename, std::span<const double> v);

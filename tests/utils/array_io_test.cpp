@@ -58,6 +58,24 @@ TEST(PrintMatrix, RowsTitleAndIntegers) {
   EXPECT_EQ(prtmat_int(n), "     255       0\n   -1000      -7\n") << "the smallest entry is the longer one";
 }
 
+TEST(PrintCurve, ListsKnotsAndPieces) {
+  std::ostringstream out;
+  ppdump(out, makeppoly({0, 0.5, 1}, {makepoly(std::vector<double>{0.1, -1e-300}), makepoly(std::vector<double>{2})}),
+         "tone curve");
+  EXPECT_EQ(out.str(),
+            " tone curve\n"
+            "           3 knots:\n"
+            "                         0\n"
+            "                       0.5\n"
+            "                         1\n"
+            "           2 polynomials\n"
+            " polynomial            0\n"
+            "                           0.1\n"
+            "                       -1e-300\n"
+            " polynomial            1\n"
+            "                             2\n");
+}
+
 class ArrayFiles : public testing::Test {
  protected:
   void TearDown() override { std::filesystem::remove(name); }
