@@ -504,7 +504,7 @@ void fill_xytable(settings& s, std::ostream& out, std::string_view standard) {
   } else {
     out << " unrecognized standard; using sRGB\n";
     s.xytable = srgb;
-    s.gamma = 2.2;
+    s.gamma = settings().gamma;
   }
 }
 
