@@ -4,7 +4,6 @@
 
 #include <array>
 #include <optional>
-#include <tuple>
 
 #include "monitor/monitor.hpp"
 #include "numerics/packed_curve.hpp"
@@ -39,6 +38,8 @@ class prepared_monitor {
       xcurve_[c] = packed_curve(mon.xcurve[c]);
       zcurve_[c] = packed_curve(mon.zcurve[c]);
     }
+    shared_knots_ = same_knots(xcurve_[0], zcurve_[0]) && same_knots(xcurve_[1], zcurve_[1]) &&
+                    same_knots(xcurve_[2], zcurve_[2]);
     if (mon.composite) fe_.emplace(mon.fe);
   }
   const monitor& source() const { return *source_; }
@@ -48,16 +49,22 @@ class prepared_monitor {
     return {{inpcurve_[0](u[0]), inpcurve_[1](u[1]), inpcurve_[2](u[2])}};
   }
   vec3 mon2out(const vec3& m) const {
-    const auto& [Xmax, Ymax, Zmax] = std::tie(source_->Xmax, source_->Ymax, source_->Zmax);
+    vec3 x;
+    vec3 z;
+    for (std::size_t c = 0; c < 3; ++c) {
+      const std::size_t piece = xcurve_[c].piece_at(m[c]);
+      x[c] = xcurve_[c].value(piece, m[c]);
+      z[c] = shared_knots_ ? zcurve_[c].value(piece, m[c]) : zcurve_[c](m[c]);
+    }
+    const auto sum = [](const vec3& max, const vec3& f) { return max[0] * f[0] + max[1] * f[1] + max[2] * f[2]; };
     const vec3& dark = source_->darklight;
-    return {{Xmax[0] * xcurve_[0](m[0]) + Xmax[1] * xcurve_[1](m[1]) + Xmax[2] * xcurve_[2](m[2]) + dark[0],
-             Ymax[0] * m[0] + Ymax[1] * m[1] + Ymax[2] * m[2] + dark[1],
-             Zmax[0] * zcurve_[0](m[0]) + Zmax[1] * zcurve_[1](m[1]) + Zmax[2] * zcurve_[2](m[2]) + dark[2]}};
+    return {{sum(source_->Xmax, x) + dark[0], sum(source_->Ymax, m) + dark[1], sum(source_->Zmax, z) + dark[2]}};
   }
 
  private:
   const monitor* source_;
   std::array<packed_curve, 3> inpcurve_, xcurve_, zcurve_;
+  bool shared_knots_ = false;  // of the X and Z curves of each channel: they are usually fitted on the same ones
   std::optional<prepared_front_end> fe_;
 };
 
