@@ -58,6 +58,30 @@ spline_system::spline_system(std::span<const double> x, int endcond)
     }
   }
   sgefa(lu_, n, n, ipvt_);
+  extents_.reserve(n);
+  for (std::size_t k = 0; k < n; ++k) {
+    extent e{k, k};
+    for (std::size_t i = k; i-- > 0;) e.first = a(i, k) != 0 ? i : e.first;
+    for (std::size_t i = k + 1; i < n; ++i) e.last = a(i, k) != 0 ? i : e.last;
+    extents_.push_back(e);
+  }
+}
+
+// As `sgesl` with job 0, without the additions of zero times something.
+void spline_system::solve(std::span<double> b) const {
+  for (std::size_t k = 0; k + 1 < n_; ++k) {
+    const double* column = &lu_[k * n_];
+    const double t = b[ipvt_[k]];
+    b[ipvt_[k]] = b[k];
+    b[k] = t;
+    for (std::size_t i = k + 1; i <= extents_[k].last; ++i) b[i] += t * column[i];
+  }
+  for (std::size_t k = n_; k-- > 0;) {
+    const double* column = &lu_[k * n_];
+    b[k] /= column[k];
+    const double t = -b[k];
+    for (std::size_t i = extents_[k].first; i < k; ++i) b[i] += t * column[i];
+  }
 }
 
 void spline_system::slopes(std::span<const double> y, std::span<double> d, double d1, double dn) const {
@@ -89,7 +113,7 @@ void spline_system::slopes(std::span<const double> y, std::span<double> d, doubl
         }
     }
   }
-  sgesl(lu_, n, n, ipvt_, d, 0);
+  solve(d);
 }
 
 void spline(std::span<const double> x, std::span<const double> y, std::span<double> d, int endcond, double d1,

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <limits>
 
+#include "numerics/bisection.hpp"
+
 namespace corvantile {
 namespace {
 
@@ -35,29 +37,10 @@ ppoly on_common_pieces(const ppoly& a, const ppoly& b, Op op) {
   return combine(am, bm);
 }
 
-/// The two ends of a bracket, f being lower at `lo`, and the last midpoint.
-struct bisection {
-  double lo, hi, mid;
-
-  bisection(const ppoly& pp, double a, double b) : lo(a), hi(b), mid((a + b) / 2) {
-    if (ppval(pp, b) <= ppval(pp, a)) std::swap(lo, hi);
-  }
-  bool wider_than(double tol) const { return std::abs(hi - lo) > tol; }  // false for NaN
-  /// Halves the bracket. False when that changed nothing, since its ends are neighbours or infinite.
-  template <class Below>
-  bool step(Below below) {
-    mid = (lo + hi) * 0.5;
-    double& end = below(mid) ? lo : hi;
-    const bool moved = end != mid;
-    end = mid;
-    return moved;
-  }
-};
-
 /// Solves for each of y[i] into x[i].
 void solve_each(const ppoly& pp, std::span<const double> y, double a, double b, double tol, std::span<double> x) {
   if (y.empty()) return;
-  const bisection start(pp, a, b);
+  const bisection start([&pp](double at) { return ppval(pp, at); }, a, b);
   const auto below = [&](double target) { return [&pp, target](double mid) { return ppval(pp, mid) < target; }; };
 
   // The first target decides how many steps all of them take: rounding makes the other brackets up to an ulp wider
@@ -133,11 +116,7 @@ double ppdefint(const ppoly& pp, double a, double b) {
 }
 
 double ppsolve_s(const ppoly& pp, double y, double a, double b, double tol) {
-  bisection s(pp, a, b);
-  const auto below = [&](double mid) { return ppval(pp, mid) - y < 0; };
-  while (s.wider_than(tol) && s.step(below)) {
-  }
-  return s.mid;
+  return solve_by_bisection([&pp](double x) { return ppval(pp, x); }, y, a, b, tol);
 }
 
 std::vector<double> ppsolve_v(const ppoly& pp, std::span<const double> y, double a, double b, double tol) {
