@@ -34,22 +34,19 @@ lut makelut_nostat(std::span<const double> x, std::span<const double> y) {
   return t;
 }
 
-// The straight line through points i - 1 and i, anchored at i. The first segment is anchored at its upper point and
-// the last one, beyond the table, at its lower point.
-static double through(const double* x, const double* y, std::size_t i, std::size_t anchor, double xq) {
-  return (xq - x[anchor]) * (y[i] - y[i - 1]) / (x[i] - x[i - 1]) + y[anchor];
-}
-
+// The plain form: a scan from the low end.
 double interp(const lut& t, double xq) {
   const std::size_t n = t.x.size();
   if (n < 2) return std::numeric_limits<double>::quiet_NaN();
-  const double* x = t.x.data();
-  const double* y = t.y.data();
-  if (x[0] >= xq) return through(x, y, 1, 1, xq);
-  if (xq > x[n - 1]) return through(x, y, n - 1, n - 2, xq);
-  std::size_t i = 1;
-  while (i < n - 1 && !(x[i] >= xq)) ++i;
-  return through(x, y, i, i, xq);
+  const std::vector<double>& x = t.x;
+  const std::vector<double>& y = t.y;
+  if (!(x[0] >= xq) && xq > x[n - 1])
+    return (xq - x[n - 2]) * (y[n - 1] - y[n - 2]) / (x[n - 1] - x[n - 2]) + y[n - 2];
+  std::size_t i = 1;  // also where the first point is not passed
+  if (!(x[0] >= xq)) {
+    while (i < n - 1 && !(x[i] >= xq)) ++i;
+  }
+  return (xq - x[i]) * (y[i] - y[i - 1]) / (x[i] - x[i - 1]) + y[i];
 }
 
 interpolator::interpolator(const lut& t) : x_(t.x.data()), y_(t.y.data()), n_(t.x.size()) {
@@ -59,29 +56,24 @@ interpolator::interpolator(const lut& t) : x_(t.x.data()), y_(t.y.data()), n_(t.
   how_ = search::by_bisection;
   const double step = (x_[n_ - 1] - x_[0]) / static_cast<double>(n_ - 1);
   for (std::size_t i = 0; i < n_; ++i) {
-    // half a step either way: the segment found by index is then right, or next to the right one
-    if (!(std::abs(x_[0] + static_cast<double>(i) * step - x_[i]) < 0.5 * step)) return;
+    // With points within a quarter of a step of their places, the segment found by index is right or next to right.
+    if (!(std::abs(x_[0] + static_cast<double>(i) * step - x_[i]) < 0.25 * step)) return;
   }
   per_step_ = 1.0 / step;
   if (std::isfinite(per_step_)) how_ = search::by_index;
 }
 
-double interpolator::operator()(double xq) const {
+double interpolator::searched(double xq) const {
   if (how_ == search::none) return std::numeric_limits<double>::quiet_NaN();
-  if (x_[0] >= xq) return through(x_, y_, 1, 1, xq);
-  if (xq > x_[n_ - 1]) return through(x_, y_, n_ - 1, n_ - 2, xq);
+  if (x_[0] >= xq) return through(1, 1, xq);
+  if (xq > x_[n_ - 1]) return through(n_ - 1, n_ - 2, xq);
   std::size_t i = 1;
-  if (how_ == search::by_index) {
-    // Wanted is the first i with x[i] >= xq.
-    if (xq == xq) i = std::clamp<std::size_t>(static_cast<std::size_t>((xq - x_[0]) * per_step_), 1, n_ - 1);
-    while (i > 1 && x_[i - 1] >= xq) --i;
-    while (i < n_ - 1 && x_[i] < xq) ++i;
-  } else if (how_ == search::by_bisection) {
+  if (how_ == search::by_bisection) {
     i = static_cast<std::size_t>(std::lower_bound(x_ + 1, x_ + n_ - 1, xq) - x_);
   } else {
     while (i < n_ - 1 && !(x_[i] >= xq)) ++i;
   }
-  return through(x_, y_, i, i, xq);
+  return through(i, i, xq);
 }
 
 lut invlut(const lut& t) { return {t.y, t.x}; }

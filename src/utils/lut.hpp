@@ -1,6 +1,7 @@
 #pragma once
 // One-dimensional lookup tables, evaluated by straight lines between their points.
 
+#include <algorithm>
 #include <cstddef>
 #include <optional>
 #include <span>
@@ -39,10 +40,33 @@ double interp(const lut& t, double xq);
 class interpolator {
  public:
   explicit interpolator(const lut& t);
-  double operator()(double xq) const;
+
+  double operator()(double xq) const {
+    if (how_ != search::by_index) return searched(xq);
+    if (!(xq <= x_[n_ - 1])) return through(n_ - 1, n_ - 2, xq);
+    // Wanted is the first i >= 1 with x[i] >= xq; the guess is off by one at most.
+    std::size_t i = 1;
+    if (xq > x_[1]) {
+      i = std::min(static_cast<std::size_t>((xq - x_[0]) * per_step_) + 1, n_ - 1);
+      if (x_[i - 1] >= xq) {
+        --i;
+      } else if (x_[i] < xq) {
+        ++i;
+      }
+    }
+    return through(i, i, xq);
+  }
 
  private:
   enum class search { none, by_index, by_bisection, by_scan };
+  double searched(double xq) const;
+
+  // The straight line through points i - 1 and i, anchored at either of them. A segment is anchored at its upper
+  // point, but beyond the table the last one is at its lower point.
+  double through(std::size_t i, std::size_t anchor, double xq) const {
+    return (xq - x_[anchor]) * (y_[i] - y_[i - 1]) / (x_[i] - x_[i - 1]) + y_[anchor];
+  }
+
   const double* x_;
   const double* y_;
   std::size_t n_;
