@@ -29,7 +29,7 @@ constexpr double in_full = nm_settings{}.enough;
 
 inversion out2inp(const prepared_monitor& mon, const vec3& xyz, const std::optional<vec3>& start = {},
                   double enough = in_full) {
-  return invert(cost2i{mon, xyz}, start ? *start : mon2inp_vec(mon.source(), mon.source().XYZ2RGB * xyz), enough);
+  return invert(cost2i{mon, xyz}, start ? *start : mon.mon2inp(mon.source().XYZ2RGB * xyz), enough);
 }
 
 // Bisection for the largest scale at which a colour is reachable.

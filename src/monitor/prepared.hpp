@@ -6,9 +6,12 @@
 #include <optional>
 
 #include "monitor/monitor.hpp"
+#include "numerics/bisection.hpp"
 #include "numerics/packed_curve.hpp"
 
 namespace corvantile {
+
+inline constexpr double inverse_tolerance = 1e-12;  ///< of the inputs that `mon2inp` finds, full drive being 1
 
 /// `femap` of one front end, which must outlive it.
 class prepared_front_end {
@@ -29,7 +32,7 @@ class prepared_front_end {
   mat3 matrix_;
 };
 
-/// The forward model of one monitor, which must outlive it.
+/// The model of one monitor, which must outlive it.
 class prepared_monitor {
  public:
   explicit prepared_monitor(const monitor& mon) : source_(&mon) {
@@ -40,7 +43,10 @@ class prepared_monitor {
     }
     shared_knots_ = same_knots(xcurve_[0], zcurve_[0]) && same_knots(xcurve_[1], zcurve_[1]) &&
                     same_knots(xcurve_[2], zcurve_[2]);
-    if (mon.composite) fe_.emplace(mon.fe);
+    if (mon.composite) {
+      fe_.emplace(mon.fe);
+      ife_.emplace(mon.ife);
+    }
   }
   const monitor& source() const { return *source_; }
 
@@ -61,11 +67,18 @@ class prepared_monitor {
     return {{sum(source_->Xmax, x) + dark[0], sum(source_->Ymax, m) + dark[1], sum(source_->Zmax, z) + dark[2]}};
   }
 
+  vec3 mon2inp(const vec3& m) const {
+    vec3 u;
+    for (std::size_t c = 0; c < 3; ++c) u[c] = solve_by_bisection(inpcurve_[c], m[c], 0.0, 1.0, inverse_tolerance);
+    return ife_ ? (*ife_)(u) : u;
+  }
+
  private:
   const monitor* source_;
   std::array<packed_curve, 3> inpcurve_, xcurve_, zcurve_;
   bool shared_knots_ = false;  // of the X and Z curves of each channel: they are usually fitted on the same ones
   std::optional<prepared_front_end> fe_;
+  std::optional<prepared_front_end> ife_;
 };
 
 }  // namespace corvantile

@@ -8,8 +8,6 @@
 namespace corvantile {
 namespace {
 
-constexpr double inverse_tolerance = 1e-12;  // of an input, full drive being 1
-
 auto inp2mon(const monitor& mon) {
   return [&mon, fe = mon.composite ? std::optional<prepared_front_end>(mon.fe) : std::nullopt](const vec3& inp) {
     const vec3 u = fe ? (*fe)(inp) : inp;
@@ -80,7 +78,9 @@ vec3 inp2out_vec(const monitor& mon, const vec3& inp) { return mon2out_vec(mon, 
 matrix inp2out_mat(const monitor& mon, const matrix& inp) { return mon2out_mat(mon, inp2mon_mat(mon, inp)); }
 
 vec3 mon2inp_vec(const monitor& mon, const vec3& m) { return apply(mon2inp(mon), m); }
-matrix mon2inp_mat(const monitor& mon, const matrix& m) { return apply(mon2inp(mon), m); }
+matrix mon2inp_mat(const monitor& mon, const matrix& m) {
+  return apply([prepared = prepared_monitor(mon)](const vec3& v) { return prepared.mon2inp(v); }, m);
+}
 
 vec3 quadmon2out_vec(const monitor& mon, const vec3& m) { return apply(quadmon2out(mon), m); }
 matrix quadmon2out_mat(const monitor& mon, const matrix& m) { return apply(quadmon2out(mon), m); }

@@ -17,8 +17,8 @@ inline double horner8(const double* c, double t) {
   return v;
 }
 
-/// A copy of a `ppoly` whose pieces have degree 7 at most (those of a fitted curve have), evaluated without touching the
-/// heap. Gives the bits of `ppval` for every finite argument. A higher degree is cut off: for fitted curves only.
+/// A copy of a `ppoly` whose pieces have degree 7 at most (those of a fitted curve have), evaluated without touching
+/// the heap. Gives the bits of `ppval` for every finite argument. A higher degree is cut off: for fitted curves only.
 class packed_curve {
  public:
   packed_curve() = default;
