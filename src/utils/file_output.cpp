@@ -88,6 +88,7 @@ void write_file(const std::string& path, std::string_view text) {
   const std::string target = behind_links(path);
   struct stat old {};
   const bool exists = ::stat(target.c_str(), &old) == 0;
+  if (!exists && errno != ENOENT) cannot_write(path, errno);  // links in a circle, for one
   if (exists && !S_ISREG(old.st_mode)) return write_in_place(path, text);
   if (exists && ::access(target.c_str(), W_OK) != 0) cannot_write(path, errno);
 
