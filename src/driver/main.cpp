@@ -34,7 +34,7 @@ void occupy_standard_descriptors() {
 }
 
 void tell_a_terminal() {
-  if (!::isatty(STDIN_FILENO)) return;
+  if (::isatty(STDIN_FILENO) == 0) return;
   std::cerr << "Waiting for settings on standard input, then a line with Ctrl-D. For example:\n"
                "  &opts cvmode='CV1' wgfile='measurements.txt'\n"
                "  temp=6500 outdir='tables' /\n";

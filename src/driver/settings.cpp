@@ -73,8 +73,8 @@ overload(F...) -> overload<F...>;
 // The eight entries of the 2 x 4 array in storage order: x and y of white, then of red, green, blue.
 constexpr int array_rows = 2;
 constexpr int array_columns = 4;
-constexpr std::size_t array_size = array_rows * array_columns;
-double& entry(std::array<vec2, 4>& t, std::size_t i) { return t[i / array_rows][i % array_rows]; }
+constexpr std::size_t array_size = 8;
+double& entry(std::array<vec2, 4>& t, std::size_t i) { return t[i / 2][i % 2]; }
 
 // --- The scanner
 // ----------------------------------------------------------------------------------------------------

@@ -93,7 +93,7 @@ struct component_fit {
 // How a channel's X or Z, `ratio` of its full-drive value, grows with the monitor values `m`. The zero-drive ratio is
 // pinned to 0 for the curve but used as measured for the quadratic.
 component_fit fit_component(std::span<const double> m, std::vector<double> ratio, int numsegs) {
-  const component_fit identity{makeppoly({0.0, 1.0}, {makepoly({0.0, 1.0})}), 0.0};
+  component_fit identity{makeppoly({0.0, 1.0}, {makepoly({0.0, 1.0})}), 0.0};
   if (!std::ranges::all_of(ratio, [](double r) { return std::isfinite(r); })) return identity;
   const auto best = neldermead(nlerr{m, ratio}, std::array{0.0}, {.scale = 1.0, .tol = 1e-12, .maxit = 10000});
   ratio[0] = 0.0;

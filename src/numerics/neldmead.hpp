@@ -126,9 +126,9 @@ template <std::size_t N>
 void reinsert_worst(simplex<N>& s) {
   const auto v = s.values();
   const std::size_t n = s.n();
-  bool plain = v[0] == v[0];
+  bool plain = !std::isnan(v[0]);
   for (std::size_t i = 1; i < n; ++i) plain = plain && v[i] > v[i + 1];
-  if (n == 1) plain = plain && v[1] == v[1];
+  if (n == 1) plain = plain && !std::isnan(v[1]);
   if (!plain) return simplexsort(s);
   if (!(v[1] >= v[0])) return;
 

@@ -32,7 +32,7 @@ void append_not_finite(std::string& out, double v, std::size_t width) {
 // A separator ends a number; all but the comma and the slash also count as blank.
 constexpr bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 constexpr bool is_separator(char c) { return is_blank(c) || c == ',' || c == '/'; }
-constexpr auto separators = [] {
+constexpr auto separators = []() {
   std::array<bool, 256> t{};
   for (std::size_t c = 0; c < t.size(); ++c) t[c] = is_separator(static_cast<char>(c));
   return t;
