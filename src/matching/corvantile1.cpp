@@ -24,14 +24,13 @@ int cv1(const monitor& mon, const gray_ramp_params& params, const lut& gammalut,
 
   matrix shaded(tab.rows(), 3);
   colortemp_lut(shaded, mon, wptemp, gammalut, params.alpha, params.hwid);
-  // Rows are counted from 1 here. beta = 1 makes t = 0/0 in the one row that is left, and the row not a number: kept
-  // so.
-  const auto R = static_cast<long>(tab.rows());
-  const long k0 = std::max(std::lround(static_cast<double>(R) * params.beta), 1L);
-  for (long i = k0; i <= R; ++i) {
-    const double t = static_cast<double>(i - k0) / static_cast<double>(R - k0);
+  // Rows are counted from 1 here; a small beta starts the shading before the first. beta = 1 makes t = 0/0 in the one
+  // row that is left, and the row not a number: kept so.
+  const auto R = static_cast<double>(tab.rows());
+  const double k0 = std::round(R * params.beta);
+  for (std::size_t row = k0 < 1 ? 0 : static_cast<std::size_t>(k0) - 1; row < tab.rows(); ++row) {
+    const double t = (static_cast<double>(row + 1) - k0) / (R - k0);
     const double w = blend(t);
-    const auto row = static_cast<std::size_t>(i - 1);
     for (std::size_t c = 0; c < 3; ++c) tab(row, c) = tab(row, c) * (1 - w) + shaded(row, c) * w;
   }
   return 0;
