@@ -1,7 +1,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 
-#include "fitted.hpp"
+#include "tests/monitor/fitted.hpp"
 
 namespace corvantile {
 namespace {

@@ -4,7 +4,7 @@
 #include <limits>
 #include <optional>
 
-#include "fitted.hpp"
+#include "tests/monitor/fitted.hpp"
 #include "utils/text.hpp"
 
 namespace corvantile {

@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 #include <random>
 
-#include "fitted.hpp"
 #include "monitor/prepared.hpp"
+#include "tests/monitor/fitted.hpp"
 
 namespace corvantile {
 namespace {
