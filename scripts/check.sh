@@ -61,22 +61,7 @@ coverage() {
 }
 
 fuzz() {
-  if [ ! -d fuzz ]; then
-    echo "no fuzz targets"
-    return
-  fi
-  scripts/setup.sh clang libclang-rt-14-dev
-  cmake --preset fuzz >/dev/null
-  cmake --build --preset fuzz --parallel "$jobs"
-  local target name found
-  for target in build/fuzz/bin/fuzz_*; do
-    name=${target##*/fuzz_}
-    found=build/fuzz/corpus/$name  # what the fuzzer finds stays out of the tree
-    mkdir -p "$found" build/fuzz/crashes
-    echo "fuzzing $name"
-    "$target" -max_total_time="${FUZZ_SECONDS:-20}" -timeout=20 -rss_limit_mb=2048 -print_final_stats=1 -verbosity=0 \
-      -artifact_prefix="build/fuzz/crashes/$name-" "$found" "fuzz/corpus/$name"
-  done
+  scripts/fuzz.sh "${FUZZ_SECONDS:-20}"
 }
 
 all=(format clang sanitize tidy cppcheck coverage fuzz)

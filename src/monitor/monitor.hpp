@@ -11,6 +11,7 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "numerics/matrix.hpp"
 #include "numerics/ppoly.hpp"
@@ -71,6 +72,9 @@ struct measurements {
 /// Reads a measurement file. Stops the run with "Cannot open ..." or "improper version number" (both with status 0,
 /// as scripts have come to expect), else with status 5 where the content cannot give a result.
 measurements load_measurements(const std::string& filename);
+
+/// The same for the text of such a file; `filename` names it in messages.
+measurements parse_measurements(const std::string& filename, std::string_view text);
 
 /// Fits the model. `numsegs` pieces for every curve (5 when absent); `minslope` bounds the tone curves only.
 /// Stops the run with status 5 where the samples cannot give a model: not finite, a channel no brighter than the

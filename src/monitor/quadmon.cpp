@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <iostream>
 #include <string>
+#include <string_view>
 
 #include "monitor/monitor.hpp"
 #include "numerics/linsolv.hpp"
@@ -106,10 +107,13 @@ component_fit fit_component(std::span<const double> m, std::vector<double> ratio
 measurements load_measurements(const std::string& filename) {
   const auto text = read_file(filename);
   if (!text) throw stop_run(0, " Cannot open " + std::string(trim(filename)), stop_run::stream::out);
+  return parse_measurements(filename, *text);
+}
 
+measurements parse_measurements(const std::string& filename, std::string_view text) {
   measurements samples;
   samples.name = trim(filename);
-  number_scanner numbers(*text);
+  number_scanner numbers(text);
   std::optional<std::string_view> header_line = numbers.next_line();
   std::size_t line = 1;
   for (; header_line && header_line->starts_with(';'); ++line) header_line = numbers.next_line();
@@ -129,7 +133,7 @@ measurements load_measurements(const std::string& filename) {
   if (nramp < 2)
     bad_content(samples.name, at + "a ramp has " + std::to_string(nramp) + " levels, expected at least 2");
   if (nextra < 0) bad_content(samples.name, at + "the number of extra samples is " + std::to_string(nextra));
-  const auto most_rows = static_cast<std::int64_t>(text->size() / 6);  // a number takes more than one character
+  const auto most_rows = static_cast<std::int64_t>(text.size() / 6);  // a number takes more than one character
   if (nramp > most_rows || nextra > most_rows || ramps * nramp + nextra > most_rows) {
     bad_content(samples.name, at + std::to_string(nramp) + " levels and " + std::to_string(nextra) +
                                   " extra samples are more than the file can hold");
