@@ -8,6 +8,7 @@
 
 #include "driver/gamma_file.hpp"
 #include "fuzz/expect.hpp"
+#include "fuzz/number_mutator.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace corvantile;

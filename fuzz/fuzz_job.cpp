@@ -17,6 +17,7 @@
 
 #include "driver/run.hpp"
 #include "fuzz/expect.hpp"
+#include "fuzz/number_mutator.hpp"
 #include "fuzz/profile.hpp"
 #include "utils/file_output.hpp"
 
