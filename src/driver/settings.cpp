@@ -557,6 +557,9 @@ void check_settings(const settings& s, match_mode mode, bool power_law) {
   require(s.tlen >= 2, "tlen", s.tlen, "a table has at least 2 entries");
   require(s.nbits >= 0 && s.nbits <= 31, "nbits", s.nbits, "must be in 0..31");
   require(s.numsegs < 0 || s.numsegs > 2, "numsegs", s.numsegs, "must be 3 or more, or negative for the default");
+  // A fit's time and memory grow with the square of its pieces: minutes beyond this, and in the end all there is.
+  constexpr int most_pieces = 256;
+  require(s.numsegs <= most_pieces, "numsegs", s.numsegs, "must be 256 or less");
   require_finite("minslope", s.minslope);
   if (power_law) {
     require_finite("gamma", s.gamma);

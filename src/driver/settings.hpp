@@ -27,7 +27,7 @@ struct settings {
   std::string gamfile;          ///< gamma-curve file; empty selects the power law
   std::string cvmode;           ///< matching mode as given
   int tlen;                     ///< entries of every table, 2 or more
-  int numsegs;                  ///< pieces of the smoothing fits, 3 or more; negative: the fits' own default
+  int numsegs;                  ///< pieces of the smoothing fits, 3..256; negative: the fits' own default
   int nbits;                    ///< 0: tables of reals in 0..1; n in 1..31: of integers in 0..2^n - 1
   std::array<vec2, 4> xytable;  ///< CIE 1931 x, y of the target's white, red, green, blue
   double gamma;                 ///< exponent of the power-law target tone curve, above 0

@@ -253,6 +253,8 @@ TEST(Settings, ValuesAreJudgedWhereTheModeUsesThem) {
       {"nbits=31", one, ""},
       {"numsegs=2", one, "numsegs = 2: "},
       {"numsegs=0", one, "numsegs = 0: "},
+      {"numsegs=256", one, ""},
+      {"numsegs=257", one, "numsegs = 257: "},
       {"numsegs=-1", one, ""},
       {"minslope=nan", two, "minslope = NaN: "},
       {"gamma=0", one, "gamma = 0: "},
