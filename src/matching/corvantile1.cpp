@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -24,11 +25,11 @@ int cv1(const monitor& mon, const gray_ramp_params& params, const lut& gammalut,
 
   matrix shaded(tab.rows(), 3);
   colortemp_lut(shaded, mon, wptemp, gammalut, params.alpha, params.hwid);
-  // Rows are counted from 1 here; a small beta starts the shading before the first. beta = 1 makes t = 0/0 in the one
-  // row that is left, and the row not a number: kept so.
+  // Rows are counted from 1 here, and a shading that would begin before the first begins there. beta = 1 makes t = 0/0
+  // in the one row that is left, and the row not a number: kept so.
   const auto R = static_cast<double>(tab.rows());
-  const double k0 = std::round(R * params.beta);
-  for (std::size_t row = k0 < 1 ? 0 : static_cast<std::size_t>(k0) - 1; row < tab.rows(); ++row) {
+  const double k0 = std::max(std::round(R * params.beta), 1.0);
+  for (auto row = static_cast<std::size_t>(k0) - 1; row < tab.rows(); ++row) {
     const double t = (static_cast<double>(row + 1) - k0) / (R - k0);
     const double w = blend(t);
     for (std::size_t c = 0; c < 3; ++c) tab(row, c) = tab(row, c) * (1 - w) + shaded(row, c) * w;

@@ -62,7 +62,7 @@ TEST(GrayMatch, ShadesTheTopTowardsASecondTemperature) {
                {9000, 9000, 0.5, 0.8, 13, "12.8 rounded"},
                {0, own, 0.5, 0.8, 13, "0: the display's own white"},
                {9000, 9000, 0.5, 0.90625, 15, "14.5: halves are rounded up"},
-               {9000, 9000, 0.01, 0.02, 0, "from a row before the first"},
+               {9000, 9000, 0.01, 0.02, 1, "a beginning before the first row moves there"},
                {9000, 9000, 0.5, 1.0, 16, "0/0 in the one row left: not a number, and kept so"}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.why);
