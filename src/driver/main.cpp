@@ -21,6 +21,7 @@ namespace corvantile {
 namespace {
 
 constexpr int status_unreadable_settings = 4;
+constexpr int status_unwritable = 6;
 constexpr int status_no_memory = 7;
 
 // A closed standard stream would give its number to the next file that is opened, and its text to that file. A
@@ -66,7 +67,9 @@ int main(std::span<const std::string_view> arguments) {
   const auto stop = [&](int status, std::string_view message, std::ostream& to) {
     out.flush();
     to << message << std::endl;
-    return status;
+    if (out || status != 0) return status;
+    std::cerr << "Cannot write standard output\n";
+    return status_unwritable;
   };
   try {
     std::cerr << " Corvantile 1.09\n";
