@@ -12,8 +12,7 @@
 namespace corvantile {
 namespace {
 
-// --- The keys
-// -------------------------------------------------------------------------------------------------------
+// ---- The keys ----
 
 struct text_key {
   std::string settings::*value;
@@ -76,8 +75,7 @@ constexpr int array_columns = 4;
 constexpr std::size_t array_size = 8;
 double& entry(std::array<vec2, 4>& t, std::size_t i) { return t[i / 2][i % 2]; }
 
-// --- The scanner
-// ----------------------------------------------------------------------------------------------------
+// ---- The scanner ----
 
 constexpr char end_of_text = '\0';  // what `peek` gives there; a NUL in the text is an error wherever it stands
 
@@ -161,8 +159,7 @@ class scanner {
   std::size_t line_ = 1;
 };
 
-// --- The reader
-// -----------------------------------------------------------------------------------------------------
+// ---- The reader ----
 
 // A list of at most eight places of the array, in the order in which values fill them.
 struct places {
@@ -412,8 +409,7 @@ class reader {
   const key* key_ = nullptr;  // whose values are being read
 };
 
-// --- Judging
-// --------------------------------------------------------------------------------------------------------
+// ---- Judging ----
 
 void require(bool good, std::string_view name, const std::string& value, std::string_view why) {
   if (!good) throw stop_run(4, "Settings: " + std::string(name) + " = " + value + ": " + std::string(why));
@@ -445,7 +441,8 @@ void require_gamut(const std::array<vec2, 4>& xytable) {
     require(xy[1] != 0, "xytable", given, "a y of 0 is no chromaticity");
   }
   const double area = turn(red, green, blue);
-  require(area != 0, "xytable", given, "the primaries lie on one line");
+  constexpr double flat = 1e-9;  // well above rounding, well below any display's
+  require(std::abs(area) > flat, "xytable", given, "the primaries lie on one line");
   require(
       turn(red, green, white) * area > 0 && turn(green, blue, white) * area > 0 && turn(blue, red, white) * area > 0,
       "xytable", given, "the white must lie inside the triangle of the primaries");
