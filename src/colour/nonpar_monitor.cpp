@@ -1,5 +1,6 @@
 #include "colour/nonpar_monitor.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>
@@ -148,12 +149,9 @@ ramp_top ramptop_xyz(const monitor& mon, std::span<const double> c) {
 ramp_top bcgtw(const monitor& mon, double T, double hwid) { return bcgtw(prepared_monitor(mon), T, hwid); }
 
 lut make_gamma_table(double gamma, int n) {
-  std::vector<double> s(static_cast<std::size_t>(n));
+  const std::vector<double> s = linspace(0.0, 1.0, static_cast<std::size_t>(n));
   std::vector<double> y(s.size());
-  for (std::size_t i = 0; i < s.size(); ++i) {
-    s[i] = static_cast<double>(i) / static_cast<double>(n - 1);
-    y[i] = std::pow(s[i], gamma);
-  }
+  std::ranges::transform(s, y.begin(), [gamma](double v) { return std::pow(v, gamma); });
   return makelut_nostat(s, y);
 }
 

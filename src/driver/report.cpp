@@ -90,9 +90,7 @@ void write_table(const std::string& outdir, const std::string& name, const matri
 }
 
 void write_table(const std::string& outdir, const std::string& name, const mat3& m, const table_format& format) {
-  matrix table(3, 3);
-  for (std::size_t c = 0; c < 3; ++c) std::ranges::copy(m.col[c].v, table.col(c).begin());
-  write_table(outdir, name, table, format);
+  write_table(outdir, name, to_matrix(m), format);
 }
 
 void report_gray_ramp(std::ostream& out, const monitor& mon, const matrix& inputs) {

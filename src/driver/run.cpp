@@ -60,22 +60,9 @@ void check_gamut(const settings& set, const monitor& mon) {
                         free_format(radius) + ", or nothing is left of the monitor's gamut");
 }
 
-std::vector<double> even_grid(std::size_t n) {
-  std::vector<double> x(n);
-  for (std::size_t i = 0; i < n; ++i) x[i] = static_cast<double>(i) / static_cast<double>(n - 1);
-  return x;
-}
-
-matrix plain_gray_ramp(std::size_t n) {
-  const std::vector<double> x = even_grid(n);
-  matrix ramp(n, 3);
-  for (std::size_t c = 0; c < 3; ++c) std::ranges::copy(x, ramp.col(c).begin());
-  return ramp;
-}
-
 // The composition of two sampled tables: first `inner`, then `outer`.
 matrix fold(const matrix& outer, const matrix& inner) {
-  const std::vector<double> x = even_grid(outer.rows());
+  const std::vector<double> x = linspace(0.0, 1.0, outer.rows());
   matrix folded(inner.rows(), 3);
   for (std::size_t c = 0; c < 3; ++c) {
     const lut table = makelut_nostat(x, outer.col(c));
@@ -139,7 +126,8 @@ class job {
   void solve() {
     if (solves_two_tables(mode_)) solve_two_tables();
     if (matches_gray(mode_)) match_gray();
-    if (verbose_) report_gray_ramp(out_, monitor_, matches_gray(mode_) ? rlut_ : plain_gray_ramp(tlen()));
+    if (verbose_)
+      report_gray_ramp(out_, monitor_, matches_gray(mode_) ? rlut_ : in_all_channels(linspace(0.0, 1.0, tlen())));
   }
 
  private:

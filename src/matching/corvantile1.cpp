@@ -25,8 +25,8 @@ int cv1(const monitor& mon, const gray_ramp_params& params, const lut& gammalut,
 
   matrix shaded(tab.rows(), 3);
   colortemp_lut(shaded, mon, wptemp, gammalut, params.alpha, params.hwid);
-  // Rows are counted from 1 here, and a shading that would begin before the first begins there. beta = 1 makes t = 0/0
-  // in the one row that is left, and the row not a number: kept so.
+  // Rows are counted from 1 here, and a shading that would begin before the first begins there. beta = 1 makes t =
+  // 0/0 in the one row that is left, and the row not a number: kept so.
   const auto R = static_cast<double>(tab.rows());
   const double k0 = std::max(std::round(R * params.beta), 1.0);
   for (auto row = static_cast<std::size_t>(k0) - 1; row < tab.rows(); ++row) {

@@ -24,12 +24,6 @@ bool has_negative_entry(const mat3& m) {
                              [](const vec3& c) { return std::ranges::any_of(c.v, [](double e) { return e < 0; }); });
 }
 
-matrix in_all_channels(std::span<const double> column) {
-  matrix m(column.size(), 3);
-  for (std::size_t c = 0; c < 3; ++c) std::ranges::copy(column, m.col(c).begin());
-  return m;
-}
-
 // The monitor's inverse tone curves, sampled at the linear values `x`. Where a least slope is asked for, the forward
 // curves are sampled and smoothed with that slope (in 5 pieces, whatever the monitor's own number) and then inverted.
 matrix post_tables(const monitor& mon, const std::vector<double>& x, double minslope) {
@@ -70,8 +64,7 @@ two_table_solution twolutsolution(const monitor& mon, const chromaticity_table& 
     Ma = Ma / f;
   }
 
-  std::vector<double> x(tlen);
-  for (std::size_t i = 0; i < tlen; ++i) x[i] = static_cast<double>(i) / static_cast<double>(tlen - 1);
+  const std::vector<double> x = linspace(0.0, 1.0, tlen);
   std::vector<double> tone(tlen);
   if (isvalid_lut(spec.lut)) {
     std::ranges::transform(x, tone.begin(), interpolator(spec.lut));

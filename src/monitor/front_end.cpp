@@ -29,20 +29,14 @@ three_tables invlutmap(const matrix& table) {
                        makelut_stat(table.col(2), grid).table});
 }
 
-std::vector<double> grid_of(std::size_t n) {
-  std::vector<double> grid(n);
-  for (std::size_t i = 0; i < n; ++i) grid[i] = static_cast<double>(i) / static_cast<double>(n - 1);
-  return grid;
-}
-
 std::array<lut, 3> tables_from(const matrix& sampled) {
-  const auto grid = grid_of(sampled.rows());
+  const auto grid = linspace(0.0, 1.0, sampled.rows());
   return {makelut_nostat(grid, sampled.col(0)), makelut_nostat(grid, sampled.col(1)),
           makelut_nostat(grid, sampled.col(2))};
 }
 
 matrix sampled_from(const std::array<lut, 3>& tables) {
-  const auto grid = grid_of(tables[0].x.size());
+  const auto grid = linspace(0.0, 1.0, tables[0].x.size());
   matrix sampled(grid.size(), 3);
   for (std::size_t c = 0; c < 3; ++c) {
     const interpolator table(tables[c]);

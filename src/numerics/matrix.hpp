@@ -4,6 +4,7 @@
 // Every product is accumulated from the first term to the last, so that results do not depend on how a compiler
 // schedules them.
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -87,6 +88,20 @@ class dense {
 
 using matrix = dense<double>;
 using int_matrix = dense<std::int64_t>;
+
+/// A 3 x 3 matrix as a run-time sized one.
+inline matrix to_matrix(const mat3& m) {
+  matrix r(3, 3);
+  for (std::size_t j = 0; j < 3; ++j) std::ranges::copy(m.col[j].v, r.col(j).begin());
+  return r;
+}
+
+/// The n x 3 batch that has the n values of `column` in every channel.
+inline matrix in_all_channels(std::span<const double> column) {
+  matrix m(column.size(), 3);
+  for (std::size_t c = 0; c < 3; ++c) std::ranges::copy(column, m.col(c).begin());
+  return m;
+}
 
 /// Row i of an n x 3 batch.
 inline vec3 row3(const matrix& m, std::size_t i) { return {{m(i, 0), m(i, 1), m(i, 2)}}; }

@@ -52,13 +52,6 @@ std::string print(const dense<T>& a, const std::optional<std::string_view>& titl
   return out;
 }
 
-matrix to_matrix(const mat3& a) {
-  matrix m(3, 3);
-  for (std::size_t j = 0; j < 3; ++j)
-    for (std::size_t i = 0; i < 3; ++i) m(i, j) = a(i, j);
-  return m;
-}
-
 }  // namespace
 
 std::string prtmat_real(const matrix& a, std::optional<std::string_view> title) {
