@@ -37,8 +37,6 @@ TEST(Linsolv, InverseOfKnownMatrices) {
     double tol;
     const char* why;
   } rows[] = {
-      {from_rows({{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}), from_rows({{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}), 0, "identity"},
-      {from_rows({{2, 0, 0}, {0, 4, 0}, {0, 0, 8}}), from_rows({{.5, 0, 0}, {0, .25, 0}, {0, 0, .125}}), 0, "diag"},
       {from_rows({{0, 0, 1}, {1, 0, 0}, {0, 1, 0}}), from_rows({{0, 1, 0}, {0, 0, 1}, {1, 0, 0}}), 0,
        "a permutation pivots at every step"},
       {from_rows({{4}}), from_rows({{0.25}}), 0, "one by one"},
@@ -85,10 +83,6 @@ TEST(Linsolv, SingularMatricesGiveNonFiniteValuesQuietly) {
 }
 
 TEST(Linsolv, OneFactorisationSolvesBothWaysAndGivesTheDeterminant) {
-  std::vector<double> diagonal{2, 4};
-  solve(from_rows({{2, 0}, {0, 4}}), diagonal);
-  EXPECT_EQ(diagonal, (std::vector<double>{1, 1}));
-
   const matrix a = from_rows({{1, 2, -1, 3}, {4, 0, 2, 1}, {-2, 5, 3, 0}, {2, 1, 1, -6}});
   const std::vector<double> x{1, -2, 3, 0.5};
   matrix lu(6, 4);  // a leading dimension larger than the order
@@ -100,14 +94,8 @@ TEST(Linsolv, OneFactorisationSolvesBothWaysAndGivesTheDeterminant) {
     std::vector<double> b(4);
     for (std::size_t i = 0; i < 4; ++i)
       for (std::size_t j = 0; j < 4; ++j) b[i] += (job == 0 ? a(i, j) : a(j, i)) * x[j];
-    const std::vector<double> rhs = b;
     sgesl(lu.data(), 6, 4, ipvt, b, job);
     for (std::size_t i = 0; i < 4; ++i) EXPECT_NEAR(b[i], x[i], 4e-15) << "job " << job;
-    if (job == 0) {
-      std::vector<double> again = rhs;
-      solve(a, again);
-      EXPECT_EQ(again, b) << "the leading dimension does not show";
-    }
   }
 
   std::array<double, 2> det{};
@@ -148,26 +136,15 @@ TEST(Linsolv, TheConditionEstimateTellsHealthyFromSingular) {
   }
 }
 
-TEST(Linsolv, LevelOneKernels) {
-  const std::vector<double> x{1, -2, 3, -4, 5, -6};
-  std::vector<double> y{1, 1, 1, 1, 1, 1};
-  EXPECT_EQ(sdot(3, x, 2, y, 1), 9) << "1 + 3 + 5";
-  EXPECT_EQ(sdot(2, x, -1, std::vector<double>{10, 1}, 1), -19) << "a negative stride reads backwards";
+TEST(Linsolv, KernelsKeepTheirOrder) {
   const std::vector<double> large{1, 1e16, 1, -1e16, 1, 1, 1};
   EXPECT_EQ(sdot(7, large, 1, std::vector<double>(7, 1.0), 1), 3) << "one running sum, first term to last";
-  EXPECT_EQ(sasum(3, x, 2), 9);
   EXPECT_EQ(isamax(6, std::vector<double>{1, -3, 3, 2, 0, -3}, 1), 1u) << "the first of equals";
-  EXPECT_EQ(isamax(3, x, 2), 2u) << "counts elements, not storage";
-
-  saxpy(3, 2.0, x, 2, y, -2);
-  EXPECT_EQ(y, (std::vector<double>{11, 1, 7, 1, 3, 1})) << "x_0 meets the far end of y";
+  std::vector<double> y{11, 1};
   saxpy(1, 0.0, std::vector<double>{std::nan("")}, 1, y, 1);
   EXPECT_EQ(y[0], 11) << "zero times NaN is not added";
-  std::vector<double> a{1, 2, 3}, b{4, 5, 6};
-  sswap(2, a, 2, b, 1);
-  sscal(2, 10.0, b, 2);
-  EXPECT_EQ(a, (std::vector<double>{4, 2, 5}));
-  EXPECT_EQ(b, (std::vector<double>{10, 3, 60}));
+  saxpy(2, 2.0, std::vector<double>{1, 3}, 1, y, -1);
+  EXPECT_EQ(y, (std::vector<double>{17, 3})) << "a negative stride reads backwards";
 }
 
 }  // namespace

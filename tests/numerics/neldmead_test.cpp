@@ -46,11 +46,6 @@ TEST(NelderMead, ReportsHowItEnded) {
   EXPECT_TRUE(constant.converged);
   EXPECT_EQ(constant.iters, 0);
 
-  const auto none = neldermead(rosenbrock, std::array{5.0, 5.0}, {.maxit = 0});
-  EXPECT_FALSE(none.converged);
-  EXPECT_EQ(none.iters, 1) << "the limit plus one";
-  EXPECT_EQ(none.xmin, (std::array{5.0, 6.0})) << "best vertex of the first simplex, whose step is 1";
-
   const auto never = neldermead([](auto) { return nan; }, std::array{1.0}, {.maxit = 500});
   EXPECT_FALSE(never.converged);
   EXPECT_EQ(never.iters, 501);
@@ -68,17 +63,6 @@ TEST(NelderMead, BothKindsOfDimensionGiveTheSameBits) {
   EXPECT_EQ(fixed.xmin[1], sized.xmin[1]);
   EXPECT_EQ(fixed.iters, sized.iters);
   EXPECT_EQ(fixed.evals, sized.evals);
-}
-
-TEST(NelderMead, EqualValuesLeaveTheSortInReverse) {
-  std::array v{2.0, 1.0, 2.0, 3.0};
-  std::array<std::size_t, 4> perm{};
-  sort(v, false, perm);
-  EXPECT_EQ(perm, (std::array<std::size_t, 4>{1, 0, 2, 3})) << "ascending keeps the order of equal values";
-  v = {2.0, 1.0, 2.0, 3.0};
-  sort(v, true, perm);
-  EXPECT_EQ(v, (std::array{3.0, 2.0, 2.0, 1.0}));
-  EXPECT_EQ(perm, (std::array<std::size_t, 4>{3, 2, 0, 1}));
 }
 
 // The reference: exchange neighbours while the left one is greater, then turn the whole round.
