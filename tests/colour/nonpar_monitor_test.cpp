@@ -167,7 +167,7 @@ TEST(GrayRamp, ShowsTheCurveTimesTheTopPlusTheWeightedDark) {
           const double w = s == 0 ? 1 : s <= g0 ? (std::cos(std::numbers::pi * s / g0) + 1) / 2 : 0;
           const vec3 target = interp(curve, s) * r.top.xyz + w * mon->darklight;
           if (target[1] < 1.5 * mon->darklight[1] && i > 0) continue;  // g0 = 0: darker than the dark, out of reach
-          EXPECT_LT(relative_error(inp2out_vec(*mon, row3(r.tab, i)), target), 1e-4) << "g0 " << g0 << ", row " << i;
+          EXPECT_LT(relative_error(inp2out_vec(*mon, row3(r.tab, i)), target), 1e-6) << "g0 " << g0 << ", row " << i;
         }
       }
     }

@@ -122,17 +122,17 @@ TEST(TwoTables, WithoutAToneTableThePowerLawServes) {
 TEST(TwoTables, PostTablesInvertTheToneCurves) {
   gspec spec = with_curve(2.2);
   const auto plain = twolutsolution(mon(), inside, spec, tlen);
-  spec.minslope = 0.05;
+  spec.minslope = 0.2;
   const auto smoothed = twolutsolution(mon(), inside, spec, tlen);
   for (std::size_t i = 0; i < tlen; ++i) {
     const double x = static_cast<double>(i) / (tlen - 1);
     for (std::size_t c = 0; c < 3; ++c) {
       EXPECT_NEAR(ppval(mon().inpcurve[c], plain.postlut(i, c)), x, 1e-11);
-      EXPECT_NEAR(smoothed.postlut(i, c), plain.postlut(i, c), x < 0.1 ? 0.1 : 0.01) << x;
+      EXPECT_NEAR(smoothed.postlut(i, c), plain.postlut(i, c), x < 0.2 ? 0.2 : 0.02) << x;
       if (i == 0) continue;
       const double rise = (smoothed.postlut(i, c) - smoothed.postlut(i - 1, c)) * (tlen - 1);
       EXPECT_GT(rise, 0);
-      EXPECT_LT(rise, 1.01 / 0.05) << "a least forward slope bounds the inverse's";
+      EXPECT_LT(rise, 1.05 / 0.2) << "a least forward slope bounds the inverse's";
     }
   }
   EXPECT_EQ(smoothed.matrix, plain.matrix);

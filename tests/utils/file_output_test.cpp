@@ -1,9 +1,11 @@
 #include "utils/file_output.hpp"
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include "utils/text.hpp"
@@ -82,6 +84,20 @@ TEST_F(FileOutput, FailsWithTheSystemsReasonAndLeavesNothing) {
   }
   EXPECT_EQ(files(), 2);
   EXPECT_TRUE(fs::is_character_file("/dev/full")) << "written in place, not replaced";
+}
+
+TEST_F(FileOutput, AFailureHalfwayLeavesTheOldContent) {
+  write_file(path("table.txt"), "old");
+  rlimit limit{};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &limit), 0);
+  const rlimit small{8, limit.rlim_max};
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+  EXPECT_THROW(write_file(path("table.txt"), "more than eight characters"), stop_run);
+  ::setrlimit(RLIMIT_FSIZE, &limit);
+  std::signal(SIGXFSZ, handler);
+  EXPECT_EQ(content("table.txt"), "old");
+  EXPECT_EQ(files(), 1) << "no temporary file";
 }
 
 }  // namespace
