@@ -28,7 +28,7 @@ int cv1(const monitor& mon, const gray_ramp_params& params, const lut& gammalut,
   // Rows are counted from 1 here, and a shading that would begin before the first begins there. beta = 1 makes t =
   // 0/0 in the one row that is left, and the row not a number: kept so.
   const auto R = static_cast<double>(tab.rows());
-  const double k0 = std::max(std::round(R * params.beta), 1.0);
+  const double k0 = std::max(1.0, std::round(R * params.beta));
   for (auto row = static_cast<std::size_t>(k0) - 1; row < tab.rows(); ++row) {
     const double t = (static_cast<double>(row + 1) - k0) / (R - k0);
     const double w = blend(t);
