@@ -314,7 +314,7 @@ TEST_F(Job, ScaleAndStartOfTheGammaFileDoNotMatter) {
     const char* why;
   } cases[] = {{"5  0 0  .25 .05  .5 .2  .75 .55  1 1", false, "normalised already"},
                {"5  0 1.5  64 1.6  128 1.9  192 2.6  256 3.5", false, "other units, and light at the start"},
-               {"5\n5,0 .25 .05\n.5\n.2 .75 .55 1 1\n", true, "the first drive value counts as 0"}};
+               {"5\n5,1.5 64 1.6\n128\n1.9 192 2.6 256 3.5\n", true, "the first drive value counts as 0"}};
   for (const char* mode : {"CV1", "CV2", "CV2_1"}) {
     for (const auto& c : cases) {
       SCOPED_TRACE(std::string(mode) + ": " + c.why);
