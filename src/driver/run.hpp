@@ -15,9 +15,9 @@ namespace corvantile {
 /// before. Several jobs may run one after the other; each owns all that it works on.
 void run(const settings& set, bool verbose, std::ostream& out, std::ostream& err);
 
-/// The whole program behind its command line: reads the settings group from `profile` (all of standard input), checks
-/// it, fills in what follows from it and runs the job. `arguments` are those after the program's name. Throws like
-/// `run`.
+/// The whole program behind its command line: reads the settings group from `profile` (all of
+/// standard input), checks it, fills in what follows from it and runs the job. `arguments` are those
+/// after the program's name. Throws like `run`.
 void run_program(std::span<const std::string_view> arguments, std::string_view profile, std::ostream& out,
                  std::ostream& err);
 

@@ -53,9 +53,9 @@ auto mon2inp(const monitor& mon) {
   };
 }
 
-// The equation of one tristimulus value in (m1, m2), m3 having been eliminated through Y: `C` holds the channels'
-// values of that component at full drive, `a` their quadratic coefficients, `Y` their Y, and `y`, `target` what is
-// asked for.
+// The equation of one tristimulus value in (m1, m2), m3 having been eliminated through Y: `C`
+// holds the channels' values of that component at full drive, `a` their quadratic coefficients,
+// `Y` their Y, and `y`, `target` what is asked for.
 conic component_conic(const vec3& C, const vec3& a, const vec3& Y, double y, double target) {
   const double Y3sq = Y[2] * Y[2];
   return {C[0] * a[0] + C[2] * a[2] * (Y[0] * Y[0]) / Y3sq,

@@ -18,9 +18,9 @@ inline constexpr int endcond_not_a_knot = 4;  ///< third derivative continuous a
 /// With h_i = x[i+1] - x[i] and D_i = y[i+1] - y[i], row i of an interior knot states that the second derivatives of
 /// the neighbouring pieces agree, scaled by h_{i-1} h_i / 2:
 ///   h_i d_{i-1} + 2 (h_{i-1} + h_i) d_i + h_{i-1} d_{i+1} = 3 (D_{i-1} h_i / h_{i-1} + D_i h_{i-1} / h_i).
-/// After de Boor, A Practical Guide to Splines (1978), chapter IV. The system is eliminated as a dense one, by
-/// LINPACK's steps, but the solution passes over the zeros that nearly all of the factors consist of: same bits for
-/// finite `y`.
+/// After de Boor, A Practical Guide to Splines (1978), chapter IV. The system is eliminated as a
+/// dense one, by LINPACK's steps, but the solution passes over the zeros that nearly all of the
+/// factors consist of: same bits for finite `y`.
 ///
 /// The knots ascend. Not-a-knot needs four of them, for with three both end rows state the same, so that the system
 /// is singular: the slopes are then arbitrary or not finite. They are NaN where no system exists, that is for one

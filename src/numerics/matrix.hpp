@@ -1,8 +1,8 @@
 #pragma once
 // Small fixed-size vectors and matrices, and the run-time sized column-major matrix.
 //
-// Every product is accumulated from the first term to the last, so that results do not depend on how a compiler
-// schedules them.
+// Every product is accumulated from the first term to the last, so that results do not
+// depend on how a compiler schedules them.
 
 #include <algorithm>
 #include <array>

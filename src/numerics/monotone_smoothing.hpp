@@ -21,8 +21,8 @@ class monotone_fit {
   /// `npts` is at least 2, and at least 4 for the spline's end condition to make sense.
   monotone_fit(std::span<const double> xp, std::span<const double> yp, std::size_t npts, double mslope);
 
-  /// The parameters whose slope at the knots is that of a fitted polynomial of degree 5, or `mslope` where that is
-  /// more.
+  /// The parameters whose slope at the knots is that of a fitted polynomial of
+  /// degree 5, or `mslope` where that is more.
   std::vector<double> starting_point() const;
 
   /// The curve f for the parameters `p`, not normalised: pieces of degree 7 on the control knots.

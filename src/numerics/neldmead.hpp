@@ -31,8 +31,8 @@ struct nm_settings {
   /// The search ends, unconverged, once its best value is below this. The best value never rises, so a caller that
   /// only asks whether the minimum lies below a threshold gets the same answer sooner.
   double enough = -std::numeric_limits<double>::infinity();
-  /// Leave out iterations that are proved to repeat earlier ones (see `cycle_watch`). The result does not depend on
-  /// it.
+  /// Leave out iterations that are proved to repeat earlier ones (see
+  /// `cycle_watch`). The result does not depend on it.
   bool skip_cycles = true;
 };
 

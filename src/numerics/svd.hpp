@@ -26,11 +26,10 @@ svd_result svd(const matrix& a);
 matrix pinv(const matrix& a, std::optional<double> tol = {});
 
 /// EISPACK's SVD: Householder bidiagonalisation, then implicitly shifted QR. After Golub and Reinsch, Numerische
-/// Mathematik 14 (1970); Smith et al., EISPACK Guide (1976), in the version of 1983.
-/// `u` is the m x n matrix on entry and U on return if `matu`, else work space; `w` takes the n singular values,
-/// non-negative and unsorted; `v`, n x n, takes V if `matv` and is left alone otherwise; m and n are not 0.
-/// Returns 0, or k when singular value k, counted from 1, has not converged in 30 iterations: then those behind it
-/// are right.
+/// Mathematik 14 (1970); Smith et al., EISPACK Guide (1976), in the version of 1983. `u` is the m x n matrix on entry
+/// and U on return if `matu`, else work space; `w` takes the n singular values, non-negative and unsorted; `v`, n x
+/// n, takes V if `matv` and is left alone otherwise; m and n are not 0. Returns 0, or k when singular value k,
+/// counted from 1, has not converged in 30 iterations: then those behind it are right.
 int oldsvd(matrix& u, std::span<double> w, matrix& v, bool matu, bool matv);
 
 /// sqrt(a^2 + b^2) without destructive overflow or underflow. After Moler and Morrison, IBM J. Res. Dev. 27 (1983).

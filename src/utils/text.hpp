@@ -57,9 +57,9 @@ std::string_view trim(std::string_view s);
 /// `s` in single quotes for a message: cut to 40 characters, control characters shown as `?`.
 std::string in_quotes(std::string_view s);
 
-/// The real number that all of `s` spells: decimal digits with an optional sign, point and exponent (`1e-3`,
-/// `1.0d-3`, `1.5+3`), or inf, infinity, nan in any case. Beyond the range of a double: infinity or zero. Else
-/// nothing.
+/// The real number that all of `s` spells: decimal digits with an optional sign, point and
+/// exponent (`1e-3`, `1.0d-3`, `1.5+3`), or inf, infinity, nan in any case. Beyond the range of
+/// a double: infinity or zero. Else nothing.
 std::optional<double> parse_real(std::string_view s);
 
 /// The integer that all of `s` spells. Nothing when it is none or has no place in 64 bits.
