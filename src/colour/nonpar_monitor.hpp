@@ -74,10 +74,10 @@ ramp_top bcgtw(const monitor& mon, double T, double hwid);
 /// The power law y = x^gamma at n evenly spaced points, n at least 2.
 lut make_gamma_table(double gamma, int n);
 
-/// Fills `tab` (n x 3, n at least 2) with the drive values of a gray ramp that has the colour of a
-/// blackbody at `T` kelvin and the luminance `curve`(s) relative to its top, at the positions s = i / (n -
-/// 1). `hwid` > 0 looks for a brighter top across the locus. Below the position `g0` the dark light is
-/// blended into the target, all of it at s = 0.
+/// Fills `tab` (n x 3, n at least 2) with the drive values of a gray ramp that has the colour of a blackbody at `T`
+/// kelvin and the luminance `curve`(s) relative to its top, at the positions s = i / (n - 1).
+/// `hwid` > 0 looks for a brighter top across the locus. Below the position `g0` the dark light is blended into the
+/// target, all of it at s = 0.
 void colortemp_lut(matrix& tab, const monitor& mon, double T, const lut& curve, double g0, double hwid);
 
 /// The same for a constant chromaticity given as x, y or as X, Y, Z.
