@@ -9,7 +9,7 @@
 namespace corvantile {
 
 [[noreturn]] static void bad_content(const gamma_file& file, const std::string& what) {
-  throw stop_run(5, file.name + ": " + what);
+  throw stop_run(exit_status::bad_content, file.name + ": " + what);
 }
 
 std::optional<gamma_file> open_gamma_file(const std::string& name) {

@@ -20,10 +20,6 @@
 namespace corvantile {
 namespace {
 
-constexpr int status_unreadable_settings = 4;
-constexpr int status_unwritable = 6;
-constexpr int status_no_memory = 7;
-
 // A closed standard stream would give its number to the next file that is opened, and its text to that file. A
 // reading end in its place makes every write fail instead.
 void occupy_standard_descriptors() {
@@ -51,7 +47,7 @@ std::string all_of_standard_input() {
     } else if (n == 0) {
       return text;
     } else if (errno != EINTR) {
-      throw stop_run(status_unreadable_settings, std::string("Cannot read standard input: ") + std::strerror(errno));
+      throw stop_run(exit_status::bad_settings, std::string("Cannot read standard input: ") + std::strerror(errno));
     }
   }
 }
@@ -67,21 +63,21 @@ int main(std::span<const std::string_view> arguments) {
   const auto stop = [&](int status, std::string_view message, std::ostream& to) {
     out.flush();
     to << message << std::endl;
-    if (out || status != 0) return status;
+    if (out || status != exit_status::normal) return status;
     std::cerr << "Cannot write standard output\n";
-    return status_unwritable;
+    return exit_status::cannot_write;
   };
   try {
-    std::cerr << " Corvantile 1.09\n";
+    std::cerr << ' ' << banner << '\n';
     tell_a_terminal();
     run_program(arguments, all_of_standard_input(), out, std::cerr);
-    return 0;
+    return exit_status::normal;
   } catch (const stop_run& reason) {
     return stop(reason.status, reason.message, reason.to == stop_run::stream::out ? out : std::cerr);
   } catch (const std::bad_alloc&) {
-    return stop(status_no_memory, "Allocation would exceed memory limit", std::cerr);
+    return stop(exit_status::no_memory, "Allocation would exceed memory limit", std::cerr);
   } catch (const std::length_error&) {  // a size that no memory could hold
-    return stop(status_no_memory, "Allocation would exceed memory limit", std::cerr);
+    return stop(exit_status::no_memory, "Allocation would exceed memory limit", std::cerr);
   }
 }
 

@@ -25,14 +25,15 @@ std::string as_text(const std::string& path, const matrix& table, const table_fo
       const double v = table(i, j);
       const bool excused = format.nbits == 0 && last_row_may_be_nan && i + 1 == table.rows() && std::isnan(v);
       if (!std::isfinite(v) && !excused) {
-        throw stop_run(8, path + " is not written: row " + std::to_string(i + 1) + ", column " +
-                              std::to_string(j + 1) + " is" + free_format(v));
+        throw stop_run(exit_status::not_finite, path + " is not written: row " + std::to_string(i + 1) + ", column " +
+                                                    std::to_string(j + 1) + " is" + free_format(v));
       }
       if (format.nbits == 0) continue;
       const double code = std::round(v * static_cast<double>(format.maxcode));  // halves away from zero
       if (!(std::abs(code) < largest_code)) {
-        throw stop_run(8, path + " is not written: row " + std::to_string(i + 1) + ", column " +
-                              std::to_string(j + 1) + " is" + free_format(v) + ", for which there is no code");
+        throw stop_run(exit_status::not_finite, path + " is not written: row " + std::to_string(i + 1) + ", column " +
+                                                    std::to_string(j + 1) + " is" + free_format(v) +
+                                                    ", for which there is no code");
       }
       codes(i, j) = static_cast<std::int64_t>(code);
     }

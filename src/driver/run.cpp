@@ -20,8 +20,6 @@
 namespace corvantile {
 namespace {
 
-constexpr std::string_view banner = "Corvantile 1.09";
-
 // CPU time of this process, in seconds.
 float cpu_seconds() { return static_cast<float>(static_cast<double>(std::clock()) / CLOCKS_PER_SEC); }
 
@@ -34,15 +32,16 @@ void require_printed(std::ostream& out) {
   errno = 0;
   const bool synced = out.rdbuf()->pubsync() == 0;
   if (synced && out) return;
-  throw stop_run(6, std::string("Cannot write standard output: ") + std::strerror(errno != 0 ? errno : EIO));
+  throw stop_run(exit_status::cannot_write,
+                 std::string("Cannot write standard output: ") + std::strerror(errno != 0 ? errno : EIO));
 }
 
 // Temperatures have no colour where Planck's law leaves the range of numbers.
 void require_black_body(const char* key, double value, double T) {
   const vec3 b = blkbod(T);
   if (std::isfinite(b[0]) && std::isfinite(b[2])) return;
-  throw stop_run(4, std::string("Settings: ") + key + " =" + free_format(value) +
-                        ": expected a temperature at which a black body has a finite colour");
+  throw stop_run(exit_status::bad_settings, std::string("Settings: ") + key + " =" + free_format(value) +
+                                                ": expected a temperature at which a black body has a finite colour");
 }
 
 void check_temperatures(const settings& set, const vec3& whitepoint) {
@@ -56,8 +55,9 @@ void check_gamut(const settings& set, const monitor& mon) {
   const auto c = rgb2c_type(mon.RGB2XYZ);
   const double radius = inradius({xy2uv_vec(c[0]), xy2uv_vec(c[1]), xy2uv_vec(c[2])});
   if (set.boundary_tol < radius) return;
-  throw stop_run(4, "Settings: boundary_tol =" + free_format(set.boundary_tol) + ": must be below" +
-                        free_format(radius) + ", or nothing is left of the monitor's gamut");
+  throw stop_run(exit_status::bad_settings, "Settings: boundary_tol =" + free_format(set.boundary_tol) +
+                                                ": must be below" + free_format(radius) +
+                                                ", or nothing is left of the monitor's gamut");
 }
 
 // The composition of two sampled tables: first `inner`, then `outer`.
@@ -158,8 +158,8 @@ class job {
              << " Using power-law curve with gamma =" << free_format(set_.gamma) << '\n';
       }
       if (matches_gray(mode_)) {
-        throw stop_run(
-            5, "Cannot open gamma file " + set_.gamfile + ", which mode " + set_.cvmode + " cannot do without");
+        throw stop_run(exit_status::bad_content, "Cannot open gamma file " + set_.gamfile + ", which mode " +
+                                                     set_.cvmode + " cannot do without");
       }
     }
   }

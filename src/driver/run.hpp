@@ -9,6 +9,8 @@
 
 namespace corvantile {
 
+inline constexpr std::string_view banner = "Corvantile 1.09";
+
 /// Loads the measurements, solves in the mode that `set` names, writes the tables into its directory and, when
 /// `verbose`, reports on `out`. Ends with "normal exit" on `err`. Standard input is not touched and the process is
 /// not ended: what must end the run throws `stop_run` with the status to end it with, all of `out` being flushed

@@ -187,7 +187,7 @@ class reader {
   [[noreturn]] void fail(const std::string& what, std::size_t line) const {
     std::string where = "Settings, line " + integer_field(static_cast<std::int64_t>(line)) + ": ";
     if (key_ != nullptr) where.append(key_->name).append(": ");
-    throw stop_run(4, where + what);
+    throw stop_run(exit_status::bad_settings, where + what);
   }
   [[noreturn]] void fail(const std::string& what) const { fail(what, in_.line()); }
   [[noreturn]] void expected(std::string_view what) const {
@@ -412,7 +412,9 @@ class reader {
 // ---- Judging ----
 
 void require(bool good, std::string_view name, const std::string& value, std::string_view why) {
-  if (!good) throw stop_run(4, "Settings: " + std::string(name) + " = " + value + ": " + std::string(why));
+  if (!good)
+    throw stop_run(exit_status::bad_settings,
+                   "Settings: " + std::string(name) + " = " + value + ": " + std::string(why));
 }
 void require(bool good, std::string_view name, int value, std::string_view why) {
   require(good, name, integer_field(value), why);
@@ -470,12 +472,12 @@ match_mode mode_of(const settings& s) {
   if (s.cvmode == "CV1" || s.cvmode == "cv1") return match_mode::cv1;
   if (s.cvmode == "CV2" || s.cvmode == "cv2") return match_mode::cv2;
   if (s.cvmode == "CV2_1" || s.cvmode == "cv2_1") return match_mode::cv2_1;
-  if (s.cvmode == "unspecified") throw stop_run(1, " CVMode unspecified");
-  throw stop_run(2, " illegal CVMode: " + s.cvmode);
+  if (s.cvmode == "unspecified") throw stop_run(exit_status::no_mode, " CVMode unspecified");
+  throw stop_run(exit_status::unknown_mode, " illegal CVMode: " + s.cvmode);
 }
 
 void require_wgfile(const settings& s) {
-  if (s.wgfile.empty()) throw stop_run(3, " profile file not specified");
+  if (s.wgfile.empty()) throw stop_run(exit_status::no_measurement_file, " profile file not specified");
 }
 
 void fill_xytable(settings& s, std::ostream& out, std::string_view standard) {

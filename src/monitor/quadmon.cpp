@@ -22,11 +22,11 @@ constexpr std::array channel_names{"red", "green", "blue"};
 std::size_t ramp_count(int version) {
   if (version == 1) return 7;
   if (version == 2) return 4;
-  throw stop_run(0, "STOP improper version number");  // status 0: scripts have come to expect it
+  throw stop_run(exit_status::normal, "STOP improper version number");
 }
 
 [[noreturn]] void bad_content(const std::string& filename, const std::string& what) {
-  throw stop_run(5, filename + ": " + what);
+  throw stop_run(exit_status::bad_content, filename + ": " + what);
 }
 
 // The samples of one channel's ramp, zero drive first.
@@ -106,7 +106,8 @@ component_fit fit_component(std::span<const double> m, std::vector<double> ratio
 
 measurements load_measurements(const std::string& filename) {
   const auto text = read_file(filename);
-  if (!text) throw stop_run(0, " Cannot open " + std::string(trim(filename)), stop_run::stream::out);
+  if (!text)
+    throw stop_run(exit_status::normal, " Cannot open " + std::string(trim(filename)), stop_run::stream::out);
   return parse_measurements(filename, *text);
 }
 

@@ -14,7 +14,7 @@ namespace corvantile {
 namespace {
 
 [[noreturn]] void cannot_write(const std::string& path, int reason) {
-  throw stop_run(6, "Cannot write " + path + ": " + std::strerror(reason));
+  throw stop_run(exit_status::cannot_write, "Cannot write " + path + ": " + std::strerror(reason));
 }
 
 // An open file that is closed, and removed if it has a name to be removed by, unless all went well.

@@ -14,6 +14,19 @@
 
 namespace corvantile {
 
+/// What the process ends with. Scripts rely on the numbers.
+namespace exit_status {
+inline constexpr int normal = 0;  ///< also where a measurement file cannot be opened or has an unknown version
+inline constexpr int no_mode = 1;
+inline constexpr int unknown_mode = 2;
+inline constexpr int no_measurement_file = 3;
+inline constexpr int bad_settings = 4;
+inline constexpr int bad_content = 5;  ///< of a measurement or gamma file
+inline constexpr int cannot_write = 6;
+inline constexpr int no_memory = 7;
+inline constexpr int not_finite = 8;  ///< an entry of a table
+}  // namespace exit_status
+
 /// Ends the run: `message` goes to the stream `to`, one line end is added, and the process exits with `status`.
 /// Thrown by whatever finds that there can be no result; caught in one place only, the program's entry.
 class stop_run : public std::exception {
