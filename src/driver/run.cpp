@@ -44,6 +44,10 @@ void require_black_body(const char* key, double value, double T) {
                                                 ": expected a temperature at which a black body has a finite colour");
 }
 
+vec3 whitepoint_of(const measurements& samples) {
+  return {{samples.data(0, 3), samples.data(0, 4), samples.data(0, 5)}};
+}
+
 void check_temperatures(const settings& set, const vec3& whitepoint) {
   if (set.temp < 0 || set.alpha >= set.beta || set.beta > 1) return;  // then no temperature is looked at
   require_black_body("temp", set.temp, set.temp);
@@ -82,12 +86,20 @@ class job {
     const measurements samples = load_measurements(set_.wgfile);
     const std::optional<gamma_file> gamma = set_.gamfile.empty() ? std::nullopt : open_gamma_file(set_.gamfile);
     check_settings(set_, mode_, !gamma);
-    if (matches_gray(mode_)) check_temperatures(set_, row3_xyz(samples));
+    if (matches_gray(mode_)) check_temperatures(set_, whitepoint_of(samples));
     monitor_ = makemonitor(samples, set_.numsegs, set_.minslope);
     if (solves_two_tables(mode_)) check_gamut(set_, monitor_);
     build_tone_curve(gamma);
   }
 
+  void solve() {
+    if (solves_two_tables(mode_)) solve_two_tables();
+    if (matches_gray(mode_)) match_gray();
+    if (verbose_)
+      report_gray_ramp(out_, monitor_, matches_gray(mode_) ? rlut_ : in_all_channels(linspace(0.0, 1.0, tlen())));
+  }
+
+ private:
   void solve_two_tables() {
     const auto& [white, red, green, blue] = set_.xytable;
     spec_.boundary_tol = set_.boundary_tol;
@@ -123,19 +135,7 @@ class job {
     }
   }
 
-  void solve() {
-    if (solves_two_tables(mode_)) solve_two_tables();
-    if (matches_gray(mode_)) match_gray();
-    if (verbose_)
-      report_gray_ramp(out_, monitor_, matches_gray(mode_) ? rlut_ : in_all_channels(linspace(0.0, 1.0, tlen())));
-  }
-
- private:
   std::size_t tlen() const { return static_cast<std::size_t>(set_.tlen); }
-
-  static vec3 row3_xyz(const measurements& samples) {
-    return {{samples.data(0, 3), samples.data(0, 4), samples.data(0, 5)}};
-  }
 
   void write(const char* name, const matrix& table) const {
     // Shading that begins at the very last row divides zero by zero there, and is meant to show it.
