@@ -114,8 +114,8 @@ class job {
       report_ramps(out_, solution.cmon, solution.ref_smon);
       out_ << execution_time("CV2", end - start);
     }
-    if (mode_ == match_mode::cv2) write("preLUT.txt", solution.prelut);
-    write("postLUT.txt", solution.postlut);
+    if (mode_ == match_mode::cv2) write_table(set_.outdir, "preLUT.txt", solution.prelut, format_);
+    write_table(set_.outdir, "postLUT.txt", solution.postlut, format_);
     write_table(set_.outdir, "matrix.txt", solution.matrix, format_);
     prelut_ = std::move(solution.prelut);
     monitor_ = std::move(solution.cmon);
@@ -128,20 +128,16 @@ class job {
     cv1(monitor_, {set_.temp, set_.wptemp, set_.alpha, set_.beta, set_.hwid}, spec_.lut, rlut_);
     const float end = cpu_seconds();
     if (verbose_) out_ << '\n' << execution_time("CV1", end - start);
+    // Shading that begins at the very last row divides zero by zero there, and is meant to show it.
+    const bool nan_row = set_.temp >= 0 && set_.wptemp >= 0 && set_.beta == 1;
     if (mode_ == match_mode::cv2_1) {
-      write("preLUT.txt", fold(prelut_, rlut_));
+      write_table(set_.outdir, "preLUT.txt", fold(prelut_, rlut_), format_, nan_row);
     } else {
-      write("postLUT.txt", rlut_);
+      write_table(set_.outdir, "postLUT.txt", rlut_, format_, nan_row);
     }
   }
 
   std::size_t tlen() const { return static_cast<std::size_t>(set_.tlen); }
-
-  void write(const char* name, const matrix& table) const {
-    // Shading that begins at the very last row divides zero by zero there, and is meant to show it.
-    const bool nan_row = matches_gray(mode_) && set_.temp >= 0 && set_.wptemp >= 0 && set_.beta == 1;
-    write_table(set_.outdir, name, table, format_, nan_row);
-  }
 
   void build_tone_curve(const std::optional<gamma_file>& gamma) {
     spec_.gamma = set_.gamma;
