@@ -29,7 +29,7 @@ TEST(Spline, ReproducesACubicWithoutAKnotAtTheEndsOrWithItsOwnSlopes) {
 
 TEST(Spline, IsTwiceContinuouslyDifferentiableAndKeepsItsEndConditions) {
   const vec y{1, -2, 0.5, 4, 3, 1};  // equal ends, for the periodic one
-  for (const std::size_t endcond : {1, 2, 3, 4}) {
+  for (const std::size_t endcond : {1u, 2u, 3u, 4u}) {
     const vec d = slopes_of(uneven, y, static_cast<int>(endcond), 0.7, -1.3);
     const ppoly second = ppder(ppder(hermite2ppoly(uneven, y, d)));
     const auto left = [&](std::size_t j) { return second.polys[j].coef[0]; };

@@ -38,7 +38,7 @@ TEST(NelderMead, TakesEachStepByItsRule) {
       {{3, 9, 9, 0}, 0, 5, "contraction inside"},
       {{nan, 9, 9, 9}, 1, 8, "shrink"}};
   for (const auto& [at, best, evals, why] : rows) {
-    const auto cost = [&at](point x) {
+    const auto cost = [&at = at](point x) {
       if (x[0] != x[1]) return 2 - x[1];
       return x[0] == 0 ? 3 : x[0] == 1 ? at[0] : x[0] == 1.5 ? at[1] : x[0] == 0.75 ? at[2] : at[3];
     };
