@@ -1,7 +1,7 @@
 #pragma once
 // Simulated displays taken through the fit: what the tests of everything above the numerics work on.
 
-#include "monitor/monitor.hpp"
+#include "monitor/prepared.hpp"
 #include "tools/simulated_display.hpp"
 
 namespace corvantile {
@@ -15,32 +15,29 @@ inline monitor fitted(const simulated_display& d, std::optional<int> numsegs = {
 
 /// A display that is nowhere ideal: unequal channels, bent X and Z, a toe, a black level.
 inline simulated_display uneven_display() {
-  simulated_display d;
-  d.gamma = {{2.1, 2.2, 2.4}};
-  d.nX = {{0.05, -0.03, 0.04}};
-  d.nZ = {{0.02, 0.06, -0.02}};
-  d.toe = 0.02;
-  return d;
+  return {.gamma = {{2.1, 2.2, 2.4}}, .toe = 0.02, .nX = {{0.05, -0.03, 0.04}}, .nZ = {{0.02, 0.06, -0.02}}};
+}
+
+/// n x 3 in even steps of u: u + bend u (1 - u), bent one, two and three times as much in the three columns.
+inline matrix bent_table(std::size_t n, double bend) {
+  matrix t(n, 3);
+  for (std::size_t i = 0; i < n; ++i) {
+    const double u = static_cast<double>(i) / static_cast<double>(n - 1), b = bend * u * (1 - u);
+    set_row3(t, i, {{u + b, u + 2 * b, u + 3 * b}});
+  }
+  return t;
 }
 
 /// A front end that bends, mixes and stays invertible.
 inline front_end mild_front_end() {
-  matrix pre(33, 3), post(17, 3);
-  for (std::size_t c = 0; c < 3; ++c) {
-    const double bend = 0.1 * static_cast<double>(c + 1);
-    const auto fill = [&](matrix& t, double b) {
-      for (std::size_t i = 0; i < t.rows(); ++i) {
-        const double u = static_cast<double>(i) / static_cast<double>(t.rows() - 1);
-        t(i, c) = u + b * u * (1 - u);
-      }
-    };
-    fill(pre, -bend);
-    fill(post, bend);
-  }
+  const matrix pre = bent_table(33, -0.1), post = bent_table(17, 0.1);
   const mat3 mix{{vec3{{0.8, 0.1, 0.02}}, vec3{{0.1, 0.75, 0.05}}, vec3{{0.05, 0.1, 0.85}}}};
   front_end fe;
   set3chluts(fe, &pre, &post, &mix);
   return fe;
 }
+
+inline const monitor plain = fitted(uneven_display());
+inline const monitor composite = monwfe(plain, mild_front_end());
 
 }  // namespace corvantile

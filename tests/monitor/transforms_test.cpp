@@ -2,100 +2,71 @@
 #include <gtest/gtest.h>
 #include <random>
 
-#include "monitor/prepared.hpp"
+#include "monitor/synthetic_monitor.hpp"
 #include "tests/monitor/fitted.hpp"
 
 namespace corvantile {
 namespace {
 
-// A plain display and the same behind a front end.
-std::array<monitor, 2> both() {
-  const monitor plain = fitted(uneven_display());
-  return {plain, monwfe(plain, mild_front_end())};
+TEST(FrontEnd, MapsThroughTableMatrixTable) {
+  const mat3 swap{{vec3{{0, 1, 0}}, vec3{{1, 0, 0}}, vec3{{0.5, 0, 1}}}};  // column c says where channel c goes
+  const lut twice{{0, 1}, {0, 2}}, plus{{0, 1}, {10, 11}};
+  front_end fe{{twice, twice, twice}, {plus, plus, plus}, swap};
+  EXPECT_EQ(femap_vec(fe, {{1, 2, 3}}), (vec3{{17, 12, 16}}));
+  matrix pre, post;
+  get3chluts(composite.fe, &pre, &post);
+  set3chluts(fe, &pre);
+  EXPECT_EQ(fe, (front_end{composite.fe.pre, {plus, plus, plus}, swap})) << "parts not given stay";
+  set3chluts(fe, nullptr, &post, &composite.fe.matrix);
+  EXPECT_EQ(fe, composite.fe) << "each table with a length of its own";
 }
 
-std::vector<vec3> triples(double lowest, double highest) {
+TEST(TableMaps, UndoEachOtherWhereColumnsAreStrictlyMonotone) {
+  matrix t = bent_table(5, 0.25);
+  EXPECT_EQ(lutmap_vec(t, {{0.5, 0.25, 0.75}}), (vec3{{0.5625, 0.34375, 0.890625}})) << "rows step from 0 to 1";
+  EXPECT_EQ(invlutmap_vec(t, {{0.5625, 0.34375, 0.890625}}), (vec3{{0.5, 0.25, 0.75}}));
+  t(3, 0) = t(2, 0);
+  EXPECT_TRUE(std::isnan(invlutmap_vec(t, {})[0])) << "a tie has no inverse";
+}
+
+TEST(Transforms, PreparedMonitorsHaveTheBitsOfTheGeneralRoutinesAndInputsComeBack) {
+  monitor mixed = plain;
+  mixed.zcurve = fitted(uneven_display(), 8).zcurve;  // X and Z on different knots, as in a red without any Z
   std::mt19937 random(3);
-  std::uniform_real_distribution<double> value(lowest, highest);
-  std::vector<vec3> all{{{0, 0, 0}}, {{1, 1, 1}}, {{0.2, 0.4, 0.6}}};  // ends and knots
-  for (int i = 0; i < 40; ++i) all.push_back({{value(random), value(random), value(random)}});
-  return all;
-}
-
-TEST(Transforms, BatchesHaveTheBitsOfSinglesAndPreparedMonitorsOfBoth) {
-  const auto inputs = triples(-0.3, 1.3);
-  matrix batch(inputs.size(), 3);
-  for (std::size_t i = 0; i < inputs.size(); ++i) set_row3(batch, i, inputs[i]);
-  matrix table(9, 3);
-  for (std::size_t i = 0; i < 9; ++i) {
-    const auto v = static_cast<double>(i);
-    set_row3(table, i, {{0.1 * v, 0.02 * v * v, 3 - v}});
-  }
-  for (const monitor& mon : both()) {
-    SCOPED_TRACE(mon.composite);
+  std::uniform_real_distribution<double> value(-0.3, 1.3);
+  matrix all = in_all_channels(linspace(0, 1, 51));  // ends and knots among them
+  for (std::size_t i = 11; i < 50; ++i) set_row3(all, i, {{value(random), value(random), value(random)}});
+  for (const monitor& mon : {plain, composite, mixed}) {
     const prepared_monitor prepared(mon);
-    const prepared_front_end end(mild_front_end());
-    const std::array out{inp2mon_mat(mon, batch),  mon2out_mat(mon, batch),     inp2out_mat(mon, batch),
-                         mon2inp_mat(mon, batch),  quadmon2out_mat(mon, batch), femap_mat(mild_front_end(), batch),
-                         lutmap_mat(table, batch), invlutmap_mat(table, batch)};
-    for (std::size_t i = 0; i < inputs.size(); ++i) {
-      const vec3& u = inputs[i];
-      const std::array single{inp2mon_vec(mon, u),  mon2out_vec(mon, u),     inp2out_vec(mon, u),
-                              mon2inp_vec(mon, u),  quadmon2out_vec(mon, u), femap_vec(mild_front_end(), u),
-                              lutmap_vec(table, u), invlutmap_vec(table, u)};
-      for (std::size_t k = 0; k < out.size(); ++k) EXPECT_EQ(row3(out[k], i), single[k]) << k;
-      EXPECT_EQ(prepared.inp2mon(u), single[0]);
-      EXPECT_EQ(prepared.mon2out(u), single[1]);
+    const matrix inp = mon2inp_mat(mon, all);
+    for (std::size_t i = 0; i < all.rows(); ++i) {
+      const vec3 u = row3(all, i), inside = 0.4 * u + vec3{{0.3, 0.3, 0.3}};
+      EXPECT_EQ(prepared.inp2mon(u), inp2mon_vec(mon, u));
+      EXPECT_EQ(prepared.mon2out(u), mon2out_vec(mon, u));
+      EXPECT_EQ(row3(inp, i), mon2inp_vec(mon, u));
+      EXPECT_LT(dist2(mon2inp_vec(mon, inp2mon_vec(mon, inside)), inside), 1e-20);
+      EXPECT_LT(dist2(quad_out2mon(mon, quadmon2out_vec(mon, inside)), inside), 1e-10);
     }
   }
-}
-
-TEST(Transforms, InputsComeBack) {
-  for (const monitor& mon : both()) {
-    for (const vec3& u : triples(0.01, 0.99)) {
-      const vec3 back = mon2inp_vec(mon, inp2mon_vec(mon, u));
-      for (std::size_t c = 0; c < 3; ++c) EXPECT_NEAR(back[c], u[c], mon.composite ? 1e-10 : 1e-12);
-    }
-  }
-  const monitor mon = both()[0];
-  EXPECT_EQ(mon2inp_vec(mon, {{2, 2, 2}})[1], 1 - 0x1p-40) << "out of reach: the last midpoint before the bound";
-}
-
-TEST(Transforms, ChannelsAddUpOverTheDark) {
-  const monitor mon = both()[0];
-  EXPECT_EQ(mon2out_vec(mon, {}), mon.darklight);
-  EXPECT_EQ(quadmon2out_vec(mon, {}), mon.darklight);
-  for (const vec3& m : triples(0, 1)) {
-    for (const auto to_out : {mon2out_vec, quadmon2out_vec}) {
-      vec3 sum = mon.darklight;
-      for (std::size_t c = 0; c < 3; ++c) {
-        vec3 alone;
-        alone[c] = m[c];
-        sum = sum + (to_out(mon, alone) - mon.darklight);
-      }
-      const vec3 whole = to_out(mon, m);
-      for (std::size_t k = 0; k < 3; ++k) EXPECT_NEAR(whole[k], sum[k], 1e-12);
-      EXPECT_EQ(whole[1], mon.Ymax[0] * m[0] + mon.Ymax[1] * m[1] + mon.Ymax[2] * m[2] + mon.darklight[1]);
-    }
-  }
-  const vec3 full = mon.RGB2XYZ * vec3{{1, 1, 1}} + mon.darklight;
-  for (std::size_t k = 0; k < 3; ++k) {
-    EXPECT_NEAR(quadmon2out_vec(mon, {{1, 1, 1}})[k], full[k], 1e-12) << "whatever nX and nZ are";
-  }
-}
-
-TEST(Transforms, TheQuadraticFormInverts) {
-  const monitor mon = both()[0];
-  for (const vec3& m : triples(0.05, 0.95)) {
-    double error = -1;
-    const vec3 back = quad_out2mon(mon, quadmon2out_vec(mon, m), &error);
-    for (std::size_t c = 0; c < 3; ++c) EXPECT_NEAR(back[c], m[c], 1e-5);
-    EXPECT_LT(error, 1e-6);
-  }
+  EXPECT_EQ(mon2inp_vec(plain, {{2, 2, 2}})[1], 1 - 0x1p-40) << "out of reach: the last midpoint before the bound";
+  EXPECT_EQ(inp2mon_vec(composite, {{1, 0, 1}}), inp2mon_vec(plain, femap_vec(composite.fe, {{1, 0, 1}})));
   double error = 0;
-  const vec3 m = quad_out2mon(mon, 3.0 * mon.whitepoint, &error);
-  EXPECT_EQ(m[2], 1) << "out of reach: clamped, and the error says so";
-  EXPECT_GT(error, 1e4);
+  EXPECT_EQ(quad_out2mon(plain, 3.0 * plain.whitepoint, &error)[2], 1) << "out of reach: clamped";
+  EXPECT_GT(error, 1e4) << "and the error says so";
+}
+
+TEST(SyntheticMonitor, ShowsRowSumsOverItsBlackAndGoesBackEvenWhereItsTableIsFlat) {
+  const mat3 primaries{{vec3{{41, 21, 2}}, vec3{{36, 72, 12}}, vec3{{18, 7, 95}}}};
+  const lut flat{{0, 0.1, 0.4, 0.7, 1}, {0, 0, 0.2, 0.6, 1}}, rising{{0, 0.5, 1}, {0, 0.2, 1}};
+  for (const lut& table : {rising, flat}) {
+    const auto syn = make_synthetic_monitor(std::string(257, 'n'), primaries, table, {{0.5, 0.25, 1}});
+    EXPECT_EQ(syn.name.size(), 256u);
+    EXPECT_EQ(syn_inp2out_vec(syn, {{1, 1, 1}}), (vec3{{95.5, 100.25, 110}}));
+    EXPECT_EQ(syn_whitepoint(syn), (vec3{{64, 120, 120}})) << "column sums";
+    const vec3 u{{0.25, 0.9, 0.6}};
+    const double off = dist2(syn_out2inp_vec(syn, syn_inp2out_vec(syn, u)), u);
+    EXPECT_TRUE(table == rising ? off < 1e-28 : off > 1e-9 && off < 1e-4) << off << ", a flat one is smoothed";
+  }
 }
 
 }  // namespace
