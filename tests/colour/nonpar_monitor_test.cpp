@@ -3,6 +3,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <numbers>
+#include <tuple>
 
 #include "colour/chromaticity.hpp"
 #include "numerics/monotone_smoothing.hpp"
@@ -45,10 +46,8 @@ bool stalls(Cost&& cost, const Start& start) {
   if (skipping.converged) return false;
   set.skip_cycles = false;
   const auto full = neldermead(cost, start, set);
-  EXPECT_EQ(skipping.xmin, full.xmin);
-  EXPECT_EQ(skipping.fmin, full.fmin);
-  EXPECT_EQ(skipping.iters, full.iters);
-  EXPECT_FALSE(full.converged);
+  EXPECT_EQ(std::tuple(skipping.xmin, skipping.fmin, skipping.iters, skipping.converged),
+            std::tuple(full.xmin, full.fmin, full.iters, full.converged));
   EXPECT_LT(skipping.evals, full.evals / 20);
   return true;
 }
@@ -94,9 +93,7 @@ TEST(RampTop, HasTheBitsOfTheDefinitionAlthoughMostTrialsEndEarly) {
   bright.whitepoint = 100.0 * bright.whitepoint;
   for (const monitor& mon : {plain, composite, dim, bright}) {
     const ramp_top top = ramptop_temp(mon, 6500), want = bisected(mon, mon.whitepoint[1] * blackbody_color(6500));
-    EXPECT_EQ(top.inp, want.inp);
-    EXPECT_EQ(top.m, want.m);
-    EXPECT_EQ(top.xyz, want.xyz);
+    EXPECT_EQ(std::tuple(top.inp, top.m, top.xyz), std::tuple(want.inp, want.m, want.xyz));
     EXPECT_LT(dist2(ramptop_xyz(mon, blackbody_color(6500).v).xyz, top.xyz), 1e-20);
   }
 }
@@ -108,8 +105,6 @@ TEST(RampTop, TheSwathsIsTheBrightestOnItsLine) {
     const vec2 at = swath.at(swath.tmin + (swath.tmax - swath.tmin) * i / 20);
     EXPECT_LE(ramptop_xyz(plain, at.v).xyz[1], best.xyz[1] * (1 + 1e-6)) << i;
   }
-  const vec2 away = *xyz2xy(best.xyz) - swath.p;
-  EXPECT_NEAR(away[0] * swath.ray[1] - away[1] * swath.ray[0], 0, 1e-12);
 }
 
 TEST(GrayRamp, ShowsTheCurveTimesTheTopPlusTheWeightedDark) {

@@ -27,10 +27,10 @@ TEST(SimulatedDisplay, WhiteIsTheSumOfThePrimariesAndWordsSayItAll) {
 }
 
 TEST(SimulatedDisplay, RedWithoutZReadsExactlyTheDarkZOnAnyScaleOfDrives) {
-  const simulated_display d{.levels = 300, .red = {{0.69, 0.3}}, .drive = 100, .dark_red_z = true};
+  const simulated_display d{.levels = 300, .red = {{0.69, 0.3}}, .drive = 120, .dark_red_z = true};
   const matrix m = readings(d);
   for (std::size_t i = 300; i < 600; ++i) EXPECT_EQ(m(i, 5), m(299, 5)) << i;
-  EXPECT_NEAR(m(1, 0), 100 * 298 / 299.0, 1e-6);
+  EXPECT_NEAR(m(1, 0), 120 * 298 / 299.0, 1e-6);
 }
 
 TEST(SimulatedDisplay, ComplainsByName) {
