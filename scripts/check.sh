@@ -12,10 +12,10 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 jobs=$(nproc)
 
-build_and_test() {  # PRESET
+build_and_test() {  # PRESET [ARGUMENT of ctest ...]
   cmake --preset "$1" >/dev/null &&
     cmake --build --preset "$1" --parallel "$jobs" &&
-    ctest --preset "$1" --parallel "$jobs"
+    ctest --preset "$1" --parallel "$jobs" "${@:2}"
 }
 
 sources() {  # PATTERN...: tracked files, and new ones that git would track
@@ -55,9 +55,11 @@ cppcheck() {
 
 coverage() {
   scripts/setup.sh gcovr
-  export GCOV_ERROR_FILE=/dev/null  # tests of full disks and read-only folders are no place for its own complaints
   find build/coverage -name '*.gcda' -delete 2>/dev/null || true
-  build_and_test coverage >build/coverage.log || { tail -40 build/coverage.log; return 1; }
+  # Full disks and other users' rights hurt the counting, too, which then complains where a test expects the program's
+  # own words only: that test is run for its coverage and not judged here.
+  build_and_test coverage -E '^driver/faults$' >build/coverage.log || { tail -40 build/coverage.log; return 1; }
+  ctest --preset coverage -R '^driver/faults$' >/dev/null 2>&1 || true
   gcovr --root . --filter src/ --exclude-unreachable-branches --exclude-throw-branches -j "$jobs" build/coverage
 }
 
