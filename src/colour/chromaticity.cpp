@@ -70,9 +70,8 @@ matrix uv2xy_mat(const matrix& uv) { return each_row(uv2xy_vec, uv); }
 vec3 xy2xyz(const vec2& xy, double Y) { return Y * vec3{{xy[0] / xy[1], 1.0, (1 - xy[0] - xy[1]) / xy[1]}}; }
 
 std::optional<vec2> xyz2xy(const vec3& xyz) {
-  const double s = xyz[0] + xyz[1] + xyz[2];
-  if (s == 0) return std::nullopt;
-  return vec2{{xyz[0] / s, xyz[1] / s}};
+  if (xyz[0] + xyz[1] + xyz[2] == 0) return std::nullopt;
+  return chromaticity(xyz);
 }
 
 vec3 blkbod(double T) {

@@ -23,7 +23,13 @@ matrix uv2xy_mat(const matrix& uv);
 /// Tristimulus values of chromaticity `xy` at luminance `Y`. y = 0 gives a non-finite result.
 vec3 xy2xyz(const vec2& xy, double Y = 1.0);
 
-/// x = X / (X + Y + Z), y = Y / (X + Y + Z); nothing when the sum is zero.
+/// x = X / (X + Y + Z), y = Y / (X + Y + Z). A zero sum gives NaN or infinity.
+inline vec2 chromaticity(const vec3& xyz) {
+  const double s = xyz[0] + xyz[1] + xyz[2];
+  return {{xyz[0] / s, xyz[1] / s}};
+}
+
+/// The same; nothing when the sum is zero.
 std::optional<vec2> xyz2xy(const vec3& xyz);
 
 /// The wavelengths of the colour-matching table, in nm: 380, 385, ..., 780.

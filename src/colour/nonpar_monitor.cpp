@@ -4,6 +4,9 @@
 #include <array>
 #include <cmath>
 #include <numbers>
+#include <optional>
+#include <span>
+#include <vector>
 
 #include "colour/chromaticity.hpp"
 #include "numerics/neldmead.hpp"
@@ -72,12 +75,9 @@ ramp_top ramptop(const prepared_monitor& mon, const vec3& base) {
 }
 
 // The monitor's white luminance times the XYZ of a chromaticity, at Y = 1.
-vec3 base_of_temperature(const monitor& mon, double T) {
-  const vec3 b = blkbod(T);
-  return mon.whitepoint[1] * (b / b[1]);
-}
+vec3 base_of_temperature(const monitor& mon, double T) { return mon.whitepoint[1] * blackbody_color(T); }
 vec3 base_of_chromaticity(const monitor& mon, std::span<const double> c) {
-  if (c.size() == 2) return mon.whitepoint[1] * vec3{{c[0] / c[1], 1.0, (1 - c[0] - c[1]) / c[1]}};
+  if (c.size() == 2) return xy2xyz({{c[0], c[1]}}, mon.whitepoint[1]);
   return mon.whitepoint[1] * vec3{{c[0] / c[1], 1.0, c[2] / c[1]}};
 }
 

@@ -54,11 +54,12 @@ inversion out2mon(const monitor& mon, const vec3& xyz, const std::optional<vec3>
 struct ramp_top {
   vec3 inp;  ///< drive values that show it
   vec3 m;    ///< their monitor values
-  vec3 xyz;  ///< the colour itself; off what `inp` shows by less than 2e-8 of it, being one bisection step further
+  vec3 xyz;  ///< the colour itself, at the scale after the last trial; `inp` shows it to some 3e-4 of the XYZ unit
 };
 
 /// The top for the chromaticity of a blackbody at `T` kelvin: the largest scale in [0.1, 2] times the monitor's white
-/// luminance that an inversion reaches within a squared XYZ distance of 1e-7, by 28 bisections.
+/// luminance that an inversion reaches within a squared XYZ distance of 1e-7, by 28 bisections. That bound is
+/// absolute: it is meant for measurements in cd/m2, or with white near 100, and too wide for white at 1.
 ramp_top ramptop_temp(const monitor& mon, double T);
 
 /// The top for a chromaticity given as x, y or as X, Y, Z.

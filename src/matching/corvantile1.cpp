@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 #include "colour/chromaticity.hpp"
@@ -12,9 +11,7 @@ double blend(double t) { return t * t * (3 - 2 * t); }
 
 int cv1(const monitor& mon, const gray_ramp_params& params, const lut& gammalut, matrix& tab) {
   if (params.temp < 0) {
-    const vec3& w = mon.whitepoint;
-    const double sum = w[0] + w[1] + w[2];
-    chromaticity_lut(tab, mon, std::array{w[0] / sum, w[1] / sum}, gammalut, params.alpha);
+    chromaticity_lut(tab, mon, chromaticity(mon.whitepoint).v, gammalut, params.alpha);
     return 0;
   }
   const double wptemp = params.wptemp == 0 ? xyz2cct(mon.whitepoint.v) : params.wptemp;

@@ -1,5 +1,6 @@
 #include <cmath>
 #include <limits>
+#include <optional>
 
 #include "colour/chromaticity.hpp"
 #include "matching/matching.hpp"
@@ -8,11 +9,6 @@
 namespace corvantile {
 
 namespace {
-
-vec2 chromaticity(const vec3& xyz) {
-  const double s = xyz[0] + xyz[1] + xyz[2];
-  return {{xyz[0] / s, xyz[1] / s}};
-}
 
 double length(const vec2& d) { return std::sqrt(d[0] * d[0] + d[1] * d[1]); }
 

@@ -74,8 +74,9 @@ struct adjusted_primaries {
 };
 
 /// Moves each primary of `target` that lies outside the triangle `gamut` (in x, y) to where the line towards the
-/// target's white enters it. A `margin` above 0 first shrinks the gamut by that much, measured in uv. The white's
-/// chromaticity stays; a primary whose line to the white crosses no edge stays where it is.
+/// target's white enters it (with the white outside, too: to the first edge that the line crosses, in the order
+/// red-green, green-blue, blue-red). A `margin` above 0 first shrinks the gamut by that much, measured in uv. The
+/// white's chromaticity stays; a primary whose line to the white crosses no edge stays where it is.
 adjusted_primaries adjust_primaries(const mat3& target, const triangle& gamut, double margin = 0.0);
 
 // ---- The single-table gray match (corvantile1.cpp) ----
@@ -103,12 +104,12 @@ int cv1(const monitor& mon, const gray_ramp_params& params, const lut& gammalut,
 /// What the solutions are told besides monitor and target. `lut` maps drive 0..1 to luminance 0..1; while it is not
 /// valid, the power law with `gamma` stands in for it.
 struct gspec {
-  double boundary_tol = 0.001;
-  double lumfrac = 0.95;
-  double rowsum_margin = 0.05;
-  double gamma = 2.2;
+  double boundary_tol = 0.001;  ///< margin by which the gamut triangle is shrunk, in CIE 1960 uv
+  double lumfrac = 0.95;        ///< target white luminance as a fraction of the brightest such gray's, above 0
+  double rowsum_margin = 0.05;  ///< head-room of the matrix, below 1
+  double gamma = 2.2;           ///< exponent, above 0
   corvantile::lut lut;
-  double minslope = 0;
+  double minslope = 0;  ///< least slope of the curves that the post-tables invert; 0: the monitor's own curves
 };
 
 /// A front end in its three parts, and what it amounts to.
@@ -120,7 +121,7 @@ struct two_table_solution {
   synthetic_monitor ref_smon;  ///< the target as asked for, at the luminance of the solution
   synthetic_monitor mod_smon;  ///< the target as clipped to the monitor's gamut
   vec3 distances;              ///< how far each primary was moved, in CIE 1960 uv
-  int status = 1;              ///< 0 when the matrix has a negative entry
+  int status = 1;              ///< 1 for success, other than elsewhere; 0 when the matrix has a negative entry
 };
 
 /// Solves for the front end that makes `mon` show the primaries and white `target`, clipped to its gamut. The

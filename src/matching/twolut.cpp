@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <vector>
 
 #include "colour/nonpar_monitor.hpp"
 #include "matching/matching.hpp"

@@ -1,3 +1,6 @@
+#include <array>
+#include <utility>
+
 #include "monitor/monitor.hpp"
 #include "monitor/prepared.hpp"
 #include "numerics/linsolv.hpp"

@@ -3,8 +3,12 @@
 #include <cmath>
 #include <cstdint>
 #include <iostream>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "monitor/monitor.hpp"
 #include "numerics/linsolv.hpp"

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <optional>
 
 #include "monitor/monitor.hpp"
 #include "monitor/prepared.hpp"
@@ -78,6 +79,7 @@ vec3 inp2out_vec(const monitor& mon, const vec3& inp) { return mon2out_vec(mon, 
 matrix inp2out_mat(const monitor& mon, const matrix& inp) { return mon2out_mat(mon, inp2mon_mat(mon, inp)); }
 
 vec3 mon2inp_vec(const monitor& mon, const vec3& m) { return apply(mon2inp(mon), m); }
+// A batch is worth the packing of the curves; a single triple is not.
 matrix mon2inp_mat(const monitor& mon, const matrix& m) {
   return apply([prepared = prepared_monitor(mon)](const vec3& v) { return prepared.mon2inp(v); }, m);
 }

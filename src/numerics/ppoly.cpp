@@ -188,7 +188,6 @@ ppoly real_times_pp(double r, const ppoly& pp) {
   return on_pieces(pp, [r](const polynomial& p) { return r * p; });
 }
 ppoly pp_times_real(const ppoly& pp, double r) { return real_times_pp(r, pp); }
-// Merged knots are values and always there, so there is no "Unallocated return from merge-knots!" to report.
 ppoly pp_times_pp(const ppoly& a, const ppoly& b) { return on_common_pieces(a, b, poly_times_poly); }
 
 ppoly pp_over_real(const ppoly& pp, double r) { return pp_times_real(pp, 1.0 / r); }

@@ -17,8 +17,8 @@ matrix transpose(const matrix& a) {
   return t;
 }
 
-/// True when `v` vanishes beside `scale` in the working precision. The sum is rounded to double by every compiler
-/// that these flags allow.
+/// True when `v` vanishes beside `scale` in the working precision. Holds where sums are
+/// rounded to double (SSE2, AArch64).
 bool negligible(double v, double scale) { return scale + std::abs(v) == scale; }
 
 /// Turns columns p and q of `m` by the angle with cosine c and sine s.
