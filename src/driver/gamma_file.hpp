@@ -18,7 +18,8 @@ struct gamma_file {
 /// Nothing when the file cannot be opened, which is no error in itself.
 std::optional<gamma_file> open_gamma_file(const std::string& name);
 
-/// The normalised curve: p from 0 to 1, rising (neighbours a rounding error apart may meet); L from 0 to 1.
+/// The normalised curve, two equal lengths of at least 2: p from 0 to 1, rising (neighbours a rounding error apart
+/// may meet); L from 0 to 1.
 struct gamma_curve {
   std::vector<double> p;
   std::vector<double> L;

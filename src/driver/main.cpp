@@ -7,6 +7,7 @@
 #include <iostream>
 #include <new>
 #include <ostream>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -20,6 +21,8 @@
 namespace corvantile {
 namespace {
 
+constexpr std::string_view no_memory_message = "Allocation would exceed memory limit";
+
 // A closed standard stream would give its number to the next file that is opened, and its text to that file. A
 // reading end in its place makes every write fail instead.
 void occupy_standard_descriptors() {
@@ -32,9 +35,9 @@ void occupy_standard_descriptors() {
 
 void tell_a_terminal() {
   if (::isatty(STDIN_FILENO) == 0) return;
-  std::cerr << "Waiting for settings on standard input, then a line with Ctrl-D. For example:\n"
-               "  &opts cvmode='CV1' wgfile='measurements.txt'\n"
-               "  temp=6500 outdir='tables' /\n";
+  std::cerr << "Waiting for settings on standard input, then Ctrl-D on a line of its own. For example:\n"
+               "  &opts cvmode='CV1' temp=6500\n"
+               "  wgfile='measurements.txt' /\n";
 }
 
 std::string all_of_standard_input() {
@@ -75,9 +78,9 @@ int main(std::span<const std::string_view> arguments) {
   } catch (const stop_run& reason) {
     return stop(reason.status, reason.message, reason.to == stop_run::stream::out ? out : std::cerr);
   } catch (const std::bad_alloc&) {
-    return stop(exit_status::no_memory, "Allocation would exceed memory limit", std::cerr);
+    return stop(exit_status::no_memory, no_memory_message, std::cerr);
   } catch (const std::length_error&) {  // a size that no memory could hold
-    return stop(exit_status::no_memory, "Allocation would exceed memory limit", std::cerr);
+    return stop(exit_status::no_memory, no_memory_message, std::cerr);
   }
 }
 

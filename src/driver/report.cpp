@@ -5,6 +5,8 @@
 #include <cmath>
 #include <limits>
 #include <ostream>
+#include <span>
+#include <vector>
 
 #include "colour/chromaticity.hpp"
 #include "colour/color_metrics.hpp"
@@ -17,28 +19,32 @@ namespace {
 
 constexpr double largest_code = 9e18;  // within 64 bits
 
-std::string as_text(const std::string& path, const matrix& table, const table_format& format,
-                    bool last_row_may_be_nan) {
-  int_matrix codes(format.nbits > 0 ? table.rows() : 0, table.cols());
+[[noreturn]] void refuse(const std::string& path, const matrix& table, std::size_t i, std::size_t j,
+                         const char* why) {
+  throw stop_run(exit_status::not_finite, path + " is not written: row " + std::to_string(i + 1) + ", column " +
+                                              std::to_string(j + 1) + " is" + free_format(table(i, j)) + why);
+}
+
+std::string as_reals(const std::string& path, const matrix& table, bool last_row_may_be_nan) {
   for (std::size_t j = 0; j < table.cols(); ++j) {
     for (std::size_t i = 0; i < table.rows(); ++i) {
-      const double v = table(i, j);
-      const bool excused = format.nbits == 0 && last_row_may_be_nan && i + 1 == table.rows() && std::isnan(v);
-      if (!std::isfinite(v) && !excused) {
-        throw stop_run(exit_status::not_finite, path + " is not written: row " + std::to_string(i + 1) + ", column " +
-                                                    std::to_string(j + 1) + " is" + free_format(v));
-      }
-      if (format.nbits == 0) continue;
-      const double code = std::round(v * static_cast<double>(format.maxcode));  // halves away from zero
-      if (!(std::abs(code) < largest_code)) {
-        throw stop_run(exit_status::not_finite, path + " is not written: row " + std::to_string(i + 1) + ", column " +
-                                                    std::to_string(j + 1) + " is" + free_format(v) +
-                                                    ", for which there is no code");
-      }
+      const bool excused = last_row_may_be_nan && i + 1 == table.rows() && std::isnan(table(i, j));
+      if (!std::isfinite(table(i, j)) && !excused) refuse(path, table, i, j, "");
+    }
+  }
+  return prtmat_real(table);
+}
+
+std::string as_codes(const std::string& path, const matrix& table, std::int64_t maxcode) {
+  int_matrix codes(table.rows(), table.cols());
+  for (std::size_t j = 0; j < table.cols(); ++j) {
+    for (std::size_t i = 0; i < table.rows(); ++i) {
+      const double code = std::round(table(i, j) * static_cast<double>(maxcode));  // halves away from zero
+      if (!(std::abs(code) < largest_code)) refuse(path, table, i, j, ", for which there is no code");
       codes(i, j) = static_cast<std::int64_t>(code);
     }
   }
-  return format.nbits == 0 ? prtmat_real(table) : prtmat_int(codes);
+  return prtmat_int(codes);
 }
 
 // Values of one report, one a line with 15 decimals under a title.
@@ -84,14 +90,14 @@ double largest(std::span<const double> values) {
 
 }  // namespace
 
-void write_table(const std::string& outdir, const std::string& name, const matrix& table, const table_format& format,
+void write_table(const std::string& outdir, const std::string& name, const matrix& table, std::int64_t maxcode,
                  bool last_row_may_be_nan) {
   const std::string path(cut(outdir + name, 256));
-  write_file(path, as_text(path, table, format, last_row_may_be_nan));
+  write_file(path, maxcode == 0 ? as_reals(path, table, last_row_may_be_nan) : as_codes(path, table, maxcode));
 }
 
-void write_table(const std::string& outdir, const std::string& name, const mat3& m, const table_format& format) {
-  write_table(outdir, name, to_matrix(m), format);
+void write_table(const std::string& outdir, const std::string& name, const mat3& m, std::int64_t maxcode) {
+  write_table(outdir, name, to_matrix(m), maxcode);
 }
 
 void report_gray_ramp(std::ostream& out, const monitor& mon, const matrix& inputs) {

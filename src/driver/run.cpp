@@ -1,13 +1,17 @@
 #include "driver/run.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <ctime>
 #include <optional>
 #include <ostream>
 #include <span>
+#include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "colour/chromaticity.hpp"
@@ -40,8 +44,7 @@ void require_printed(std::ostream& out) {
 void require_black_body(const char* key, double value, double T) {
   const vec3 b = blkbod(T);
   if (std::isfinite(b[0]) && std::isfinite(b[2])) return;
-  throw stop_run(exit_status::bad_settings, std::string("Settings: ") + key + " =" + free_format(value) +
-                                                ": expected a temperature at which a black body has a finite colour");
+  refuse_setting(key, free_format(value).substr(1), "a black body has no finite colour at" + free_format(T) + " K");
 }
 
 vec3 whitepoint_of(const measurements& samples) {
@@ -59,9 +62,8 @@ void check_gamut(const settings& set, const monitor& mon) {
   const auto c = rgb2c_type(mon.RGB2XYZ);
   const double radius = inradius({xy2uv_vec(c[0]), xy2uv_vec(c[1]), xy2uv_vec(c[2])});
   if (set.boundary_tol < radius) return;
-  throw stop_run(exit_status::bad_settings, "Settings: boundary_tol =" + free_format(set.boundary_tol) +
-                                                ": must be below" + free_format(radius) +
-                                                ", or nothing is left of the monitor's gamut");
+  refuse_setting("boundary_tol", free_format(set.boundary_tol).substr(1),
+                 "must be below" + free_format(radius) + ", or nothing is left of the monitor's gamut");
 }
 
 // The composition of two sampled tables: first `inner`, then `outer`.
@@ -79,7 +81,7 @@ matrix fold(const matrix& outer, const matrix& inner) {
 class job {
  public:
   job(const settings& set, bool verbose, std::ostream& out)
-      : set_(set), mode_(mode_of(set)), verbose_(verbose), out_(out), format_{set.nbits, maxcode(set)} {}
+      : set_(set), mode_(mode_of(set)), verbose_(verbose), out_(out), maxcode_(maxcode(set)) {}
 
   // Everything that can be wrong with the input is found here, before anything is written.
   void load() {
@@ -114,9 +116,9 @@ class job {
       report_ramps(out_, solution.cmon, solution.ref_smon);
       out_ << execution_time("CV2", end - start);
     }
-    if (mode_ == match_mode::cv2) write_table(set_.outdir, "preLUT.txt", solution.prelut, format_);
-    write_table(set_.outdir, "postLUT.txt", solution.postlut, format_);
-    write_table(set_.outdir, "matrix.txt", solution.matrix, format_);
+    if (mode_ == match_mode::cv2) write_table(set_.outdir, "preLUT.txt", solution.prelut, maxcode_);
+    write_table(set_.outdir, "postLUT.txt", solution.postlut, maxcode_);
+    write_table(set_.outdir, "matrix.txt", solution.matrix, maxcode_);
     prelut_ = std::move(solution.prelut);
     monitor_ = std::move(solution.cmon);
   }
@@ -131,9 +133,9 @@ class job {
     // Shading that begins at the very last row divides zero by zero there, and is meant to show it.
     const bool nan_row = set_.temp >= 0 && set_.wptemp >= 0 && set_.beta == 1;
     if (mode_ == match_mode::cv2_1) {
-      write_table(set_.outdir, "preLUT.txt", fold(prelut_, rlut_), format_, nan_row);
+      write_table(set_.outdir, "preLUT.txt", fold(prelut_, rlut_), maxcode_, nan_row);
     } else {
-      write_table(set_.outdir, "postLUT.txt", rlut_, format_, nan_row);
+      write_table(set_.outdir, "postLUT.txt", rlut_, maxcode_, nan_row);
     }
   }
 
@@ -148,7 +150,8 @@ class job {
       if (curve.start_was_moved && verbose_) out_ << " Setting gamma curve start pixel to 0\n";
       spec_.lut = smooth_gamma_curve(*gamma, curve, set_.numsegs);
     } else {
-      // The table is left unbuilt: the two-table solution then works from `spec_.gamma` alone.
+      // The table is left unbuilt: the two-table solution then works from `spec_.gamma` alone. The gray match cannot
+      // and stops, although the report has just promised a power law: its lines are the same in every mode.
       if (verbose_) {
         out_ << " Cannot open gamma file: " << set_.gamfile << '\n'
              << " Using power-law curve with gamma =" << free_format(set_.gamma) << '\n';
@@ -164,8 +167,8 @@ class job {
   match_mode mode_;
   bool verbose_;
   std::ostream& out_;
-  table_format format_;
-  monitor monitor_;  // as measured; after the two-table solution, as corrected
+  std::int64_t maxcode_;  // of the tables; 0: reals
+  monitor monitor_;       // as measured; after the two-table solution, as corrected
   gspec spec_;
   matrix prelut_;
   matrix rlut_;

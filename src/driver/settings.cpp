@@ -72,7 +72,7 @@ overload(F...) -> overload<F...>;
 // The eight entries of the 2 x 4 array in storage order: x and y of white, then of red, green, blue.
 constexpr int array_rows = 2;
 constexpr int array_columns = 4;
-constexpr std::size_t array_size = 8;
+constexpr std::size_t array_size = std::size_t{array_rows} * array_columns;
 double& entry(std::array<vec2, 4>& t, std::size_t i) { return t[i / 2][i % 2]; }
 
 // ---- The scanner ----
@@ -412,9 +412,7 @@ class reader {
 // ---- Judging ----
 
 void require(bool good, std::string_view name, const std::string& value, std::string_view why) {
-  if (!good)
-    throw stop_run(exit_status::bad_settings,
-                   "Settings: " + std::string(name) + " = " + value + ": " + std::string(why));
+  if (!good) refuse_setting(name, value, why);
 }
 void require(bool good, std::string_view name, int value, std::string_view why) {
   require(good, name, integer_field(value), why);
@@ -550,6 +548,12 @@ std::string echo(const settings& s) {
                k.kind);
   }
   return out + '\n';
+}
+
+void refuse_setting(std::string_view key, std::string_view value, std::string_view why) {
+  std::string message = "Settings: ";
+  message.append(key).append(" = ").append(value).append(": ").append(why);
+  throw stop_run(exit_status::bad_settings, message);
 }
 
 void check_settings(const settings& s, match_mode mode, bool power_law) {

@@ -74,6 +74,9 @@ std::int64_t maxcode(const settings& s);
 /// The lines that verbose mode prints about the settings.
 std::string echo(const settings& s);
 
+/// Throws stop_run (status 4): `key` has a `value`, given as text, that cannot give a result, and `why`.
+[[noreturn]] void refuse_setting(std::string_view key, std::string_view value, std::string_view why);
+
 /// Judges the values that a run in `mode` uses, as far as they can be judged without the monitor; `power_law` says
 /// whether `gamma` is among them. Expects a filled `xytable`. Throws stop_run (status 4), naming the key and its
 /// value, for one that cannot give a result.
