@@ -3,7 +3,7 @@
 set -euo pipefail
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
-cp "$2"/*.txt "$scratch"
+cp "$2"/{settings,measurements}.txt "$scratch"
 cd "$scratch"
 [[ $("$1" 2>&1 <settings.txt) == $' Corvantile 1.09\n normal exit' ]]
 rm settings.txt measurements.txt

@@ -15,7 +15,8 @@ TEST(Lut, IsBuiltOrSaysWhyNotOrIsRepaired) {
   EXPECT_EQ(makelut_stat(up, down).table, (lut{up, down})) << "ordinates may do as they like";
   EXPECT_EQ(makelut_stat(down, up).table, (lut{{1, 2, 3}, {4, 2, 1}})) << "falling: turned round";
   EXPECT_EQ(makelut_stat(one, up).stat, 1) << "lengths are looked at first";
-  EXPECT_EQ(makelut_stat(one, one).stat + makelut_stat({}, {}).stat, 4 + 4);
+  EXPECT_EQ(makelut_stat(one, one).stat, 4);
+  EXPECT_EQ(makelut_stat({}, {}).stat, 4);
   for (const values& x : {values{0, 1, 1, 2}, {2, 1, 1}, {0, 2, 1}, {0, nan, 2}})
     EXPECT_TRUE(makelut_stat(x, x).stat == 2 && !isvalid_lut({x, x})) << testing::PrintToString(x);
   EXPECT_TRUE(isvalid_lut({one, one}) && !isvalid_lut({}) && !isvalid_lut({one, {}}));
@@ -54,7 +55,8 @@ TEST(Lut, AnInterpolatorGivesTheBitsOfTheScan) {
 
 TEST(Grid, HasItsEndsExactAndItsPointsDirect) {
   EXPECT_EQ(linspace(0, 1, 1), (values{1})) << "the end is written last";
-  EXPECT_EQ(linspace(0, 1, 0).size() + oldlinspace(0, 1).size(), 0u + 100u);
+  EXPECT_TRUE(linspace(0, 1, 0).empty());
+  EXPECT_EQ(oldlinspace(0, 1).size(), 100u);
   const values g = linspace(0.1, 0.7, 50);
   EXPECT_EQ(g.back(), 0.7);
   for (std::size_t i = 0; i < 49; ++i) EXPECT_EQ(g[i], 0.1 + static_cast<double>(i) * (0.7 - 0.1) / 49);
