@@ -18,7 +18,7 @@ if [ ${#targets[@]} -eq 0 ]; then
   done
 fi
 
-scripts/setup.sh clang libclang-rt-14-dev
+scripts/setup.sh clang libclang-rt-dev
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz --parallel "$(nproc)" --target "${targets[@]/#/fuzz_}" >/dev/null
 
