@@ -4,6 +4,6 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/setup.sh
-cmake --preset release
+cmake --preset release -D CORVANTILE_TESTS=ON
 cmake --build --preset release --parallel "$(nproc)"
 ctest --preset release --parallel "$(nproc)"
