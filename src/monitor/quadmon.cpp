@@ -138,7 +138,8 @@ measurements parse_measurements(const std::string& filename, std::string_view te
   if (nramp < 2)
     bad_content(samples.name, at + "a ramp has " + std::to_string(nramp) + " levels, expected at least 2");
   if (nextra < 0) bad_content(samples.name, at + "the number of extra samples is " + std::to_string(nextra));
-  const auto most_rows = static_cast<std::int64_t>(text.size() / 6);  // a number takes more than one character
+  // A number takes more than one character. Repeat counts can say more in less, but no instrument writes them so.
+  const auto most_rows = static_cast<std::int64_t>(text.size() / 6);
   if (nramp > most_rows || nextra > most_rows || ramps * nramp + nextra > most_rows) {
     bad_content(samples.name, at + std::to_string(nramp) + " levels and " + std::to_string(nextra) +
                                   " extra samples are more than the file can hold");
@@ -158,7 +159,7 @@ measurements parse_measurements(const std::string& filename, std::string_view te
 
 monitor makemonitor(const measurements& samples, std::optional<int> numsegs, double minslope) {
   monitor mon;
-  mon.name = samples.name.empty() ? "monitor" : samples.name;
+  mon.name = samples.name.empty() ? "monitor" : cut(samples.name, 256);
   mon.numsegs = numsegs.value_or(5);
   mon.minslope = minslope;
   const std::size_t ramps = ramp_count(samples.version);
@@ -184,6 +185,12 @@ monitor makemonitor(const measurements& samples, std::optional<int> numsegs, dou
     mon.darklight[k] = sum / static_cast<double>(ramps);
   }
   mon.whitepoint = row3(mon.xyz, 0);
+  const vec3& white = mon.whitepoint;
+  if (!(white[1] > mon.darklight[1]) || !(white[0] + white[1] + white[2] > 0)) {
+    bad_content(samples.name, sample_text(samples, 0) + ": X, Y, Z are" + free_format(white[0]) +
+                                  free_format(white[1]) + free_format(white[2]) +
+                                  ", expected a white that is brighter than the dark");
+  }
 
   mon.rampin = mon.rampy = mon.rampx = mon.rampz = matrix(nramp, 3);
   for (std::size_t c = 0; c < 3; ++c) {

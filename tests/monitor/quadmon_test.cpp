@@ -75,6 +75,7 @@ TEST(MeasurementFile, IsRefusedWhereItGivesNoModel) {
       {"2 0 2\nNaN 9 9 9 9 9" + rest + r + g + b, "m: sample 1 (level 1 of the white ramp): R is NaN"},
       {"2 0 2\n" + w + r + "0 9 0 9 9 Inf" + rest + b, "m: sample 5 (level 1 of the green ramp): Z is Inf"},
       {"2 0 2\n" + w + r + g + off, "m: the blue channel gets no brighter than the dark"},
+      {"2 0 2\n" + off + r + g + b, "m: sample 1 (level 1 of the white ramp): X, Y, Z are 0 0 0, expected a white"},
       {"2 0 2\n" + off + off + off + off, "m: no drive value is above 0"},
       {"2 0 2\n" + w + r + g + "0 0 9 .5 .5 .2" + rest, "m: the three primaries lie on one line"}};
   for (const auto& [text, fragment] : rows) {
