@@ -13,6 +13,14 @@ namespace corvantile {
   throw stop_run(exit_status::bad_content, file.name + ": " + what);
 }
 
+static void require_rise(const gamma_file& file, const std::vector<double>& p) {
+  for (std::size_t i = 1; i < p.size(); ++i) {
+    if (p[i] > p[i - 1]) continue;
+    bad_content(file, "the drive value of point " + std::to_string(i + 1) + " is" + free_format(p[i]) +
+                          ", expected more than" + free_format(p[i - 1]));
+  }
+}
+
 std::optional<gamma_file> open_gamma_file(const std::string& name) {
   std::optional<std::string> text = read_file(name);
   if (!text) return std::nullopt;
@@ -49,13 +57,10 @@ gamma_curve read_gamma_curve(const gamma_file& file) {
                 "the last luminance less the first is" + free_format(range) + ", which is nothing to normalise by");
   }
   for (double& v : L) v /= range;
+  require_rise(file, p);
   start_was_moved = p.front() != 0;
   p.front() = 0;
-  for (std::size_t i = 1; i < p.size(); ++i) {
-    if (p[i] > p[i - 1]) continue;
-    bad_content(file, "the drive value of point " + std::to_string(i + 1) + " is" + free_format(p[i]) +
-                          ", expected more than" + free_format(p[i - 1]));
-  }
+  require_rise(file, p);  // no longer so where a drive value after the first is below 0
   const double full = p.back();
   for (double& v : p) v /= full;
   return curve;

@@ -11,7 +11,6 @@
 #include "colour/chromaticity.hpp"
 #include "colour/color_metrics.hpp"
 #include "utils/array_io.hpp"
-#include "utils/file_output.hpp"
 #include "utils/text.hpp"
 
 namespace corvantile {
@@ -90,14 +89,8 @@ double largest(std::span<const double> values) {
 
 }  // namespace
 
-void write_table(const std::string& outdir, const std::string& name, const matrix& table, std::int64_t maxcode,
-                 bool last_row_may_be_nan) {
-  const std::string path(cut(outdir + name, 256));
-  write_file(path, maxcode == 0 ? as_reals(path, table, last_row_may_be_nan) : as_codes(path, table, maxcode));
-}
-
-void write_table(const std::string& outdir, const std::string& name, const mat3& m, std::int64_t maxcode) {
-  write_table(outdir, name, to_matrix(m), maxcode);
+std::string table_text(const std::string& path, const matrix& table, std::int64_t maxcode, bool last_row_may_be_nan) {
+  return maxcode == 0 ? as_reals(path, table, last_row_may_be_nan) : as_codes(path, table, maxcode);
 }
 
 void report_gray_ramp(std::ostream& out, const monitor& mon, const matrix& inputs) {

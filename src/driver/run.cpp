@@ -19,6 +19,7 @@
 #include "driver/gamma_file.hpp"
 #include "driver/report.hpp"
 #include "matching/matching.hpp"
+#include "utils/file_output.hpp"
 #include "utils/text.hpp"
 
 namespace corvantile {
@@ -87,7 +88,8 @@ class job {
   void load() {
     const measurements samples = load_measurements(set_.wgfile);
     const std::optional<gamma_file> gamma = set_.gamfile.empty() ? std::nullopt : open_gamma_file(set_.gamfile);
-    check_settings(set_, mode_, !gamma);
+    const bool power_law = set_.gamfile.empty() || (!gamma && !matches_gray(mode_));
+    check_settings(set_, mode_, power_law);
     if (matches_gray(mode_)) check_temperatures(set_, whitepoint_of(samples));
     monitor_ = makemonitor(samples, set_.numsegs, set_.minslope);
     if (solves_two_tables(mode_)) check_gamut(set_, monitor_);
@@ -97,6 +99,7 @@ class job {
   void solve() {
     if (solves_two_tables(mode_)) solve_two_tables();
     if (matches_gray(mode_)) match_gray();
+    for (const file& f : files_) write_file(f.path, f.text);
     if (verbose_)
       report_gray_ramp(out_, monitor_, matches_gray(mode_) ? rlut_ : in_all_channels(linspace(0.0, 1.0, tlen())));
   }
@@ -116,9 +119,9 @@ class job {
       report_ramps(out_, solution.cmon, solution.ref_smon);
       out_ << execution_time("CV2", end - start);
     }
-    if (mode_ == match_mode::cv2) write_table(set_.outdir, "preLUT.txt", solution.prelut, maxcode_);
-    write_table(set_.outdir, "postLUT.txt", solution.postlut, maxcode_);
-    write_table(set_.outdir, "matrix.txt", solution.matrix, maxcode_);
+    if (mode_ == match_mode::cv2) keep("preLUT.txt", solution.prelut);
+    keep("postLUT.txt", solution.postlut);
+    keep("matrix.txt", to_matrix(solution.matrix));
     prelut_ = std::move(solution.prelut);
     monitor_ = std::move(solution.cmon);
   }
@@ -131,12 +134,20 @@ class job {
     const float end = cpu_seconds();
     if (verbose_) out_ << '\n' << execution_time("CV1", end - start);
     // Shading that begins at the very last row divides zero by zero there, and is meant to show it.
-    const bool nan_row = set_.temp >= 0 && set_.wptemp >= 0 && set_.beta == 1;
+    const auto rows = static_cast<double>(set_.tlen);
+    const bool nan_row = set_.temp >= 0 && set_.wptemp >= 0 && std::round(rows * set_.beta) == rows;
     if (mode_ == match_mode::cv2_1) {
-      write_table(set_.outdir, "preLUT.txt", fold(prelut_, rlut_), maxcode_, nan_row);
+      keep("preLUT.txt", fold(prelut_, rlut_), nan_row);
     } else {
-      write_table(set_.outdir, "postLUT.txt", rlut_, maxcode_, nan_row);
+      keep("postLUT.txt", rlut_, nan_row);
     }
+  }
+
+  // The tables are written in this order, but only once all of them are known to be good: no run leaves a set of
+  // which a part is old.
+  void keep(const char* name, const matrix& table, bool last_row_may_be_nan = false) {
+    const std::string path(cut(set_.outdir + name, 256));
+    files_.push_back({path, table_text(path, table, maxcode_, last_row_may_be_nan)});
   }
 
   std::size_t tlen() const { return static_cast<std::size_t>(set_.tlen); }
@@ -163,6 +174,10 @@ class job {
     }
   }
 
+  struct file {
+    std::string path, text;
+  };
+
   const settings& set_;
   match_mode mode_;
   bool verbose_;
@@ -172,6 +187,7 @@ class job {
   gspec spec_;
   matrix prelut_;
   matrix rlut_;
+  std::vector<file> files_;
 };
 
 }  // namespace

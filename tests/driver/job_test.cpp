@@ -172,12 +172,11 @@ TEST_F(Job, EverySettingReachesTheSolution) {
 
 TEST_F(Job, CodesRoundHalvesAwayFromZeroAndAreNotClamped) {
   matrix m = to_matrix({{{{{0.5, -0.5, 0}}, {{1.2, 1, 0.1}}, {{0, 0, 0.49}}}}});
-  write_table("out/", "matrix.txt", m, 5);
-  EXPECT_EQ(read_file("out/matrix.txt"), "    3    6    0\n   -3    5    0\n    0    1    2\n");
+  EXPECT_EQ(table_text("t", m, 5), "    3    6    0\n   -3    5    0\n    0    1    2\n");
   m(1, 0) = 1e19;
-  EXPECT_THROW(write_table("out/", "matrix.txt", m, 5), stop_run) << "more than 64 bits";
+  EXPECT_THROW(table_text("t", m, 5), stop_run) << "more than 64 bits";
   m(1, 0) = std::nan("");
-  EXPECT_THROW(write_table("out/", "matrix.txt", m, 0, true), stop_run) << "allowed in the last row only";
+  EXPECT_THROW(table_text("t", m, 0, true), stop_run) << "allowed in the last row only";
 }
 
 TEST_F(Job, ScaleAndStartOfTheGammaFileDoNotMatter) {
@@ -220,6 +219,7 @@ TEST_F(Job, GammaFilesThatGiveNoCurve) {
                             {"3 0 0\n1 x\n2 2", "line 2: expected the luminance of point 2, found 'x'"},
                             {"3 0 0 1 nan 2 2", "point 2 is not finite"},
                             {"3 0 0 2 1 2 2", "the drive value of point 3 is 2, expected more than 2"},
+                            {"3 5 0 3 1 7 2", "the drive value of point 2 is 3, expected more than 5"},
                             {"2 -5 0 -1 1", "the drive value of point 2 is -1, expected more than 0"},
                             {"3 0 -1e308 1 2 2 1e308", "gamma.txt: the last luminance less the first is Infinity"},
                             {"3 0 1 1 2 2 1", "nothing to normalise by"}};
@@ -245,6 +245,8 @@ TEST_F(Job, ValuesThatCannotGiveAResult) {
 TEST_F(Job, EndsOfTheShading) {
   const std::string from_the_top = "cvmode='CV1' temp=6500 wptemp=0 beta=1";
   expect_stop(from_the_top + " nbits=8", 8, "postLUT.txt is not written: row 17, column 1 is NaN");  // no such code
+  expect_stop("cvmode='CV2_1' temp=6500 wptemp=0 beta=1 nbits=8", 8, "preLUT.txt");  // none of the three is written
+  ASSERT_EQ(run_job("cvmode='CV1' temp=6500 wptemp=0 beta=.99").status, 0) << "rounds to the last row, too";
   ASSERT_EQ(run_job(from_the_top).status, 0);
   EXPECT_EQ(table("postLUT.txt").size(), 16u) << "numbers up to there";
   EXPECT_TRUE(read_file("out/postLUT.txt")->ends_with("NaN\n"));
