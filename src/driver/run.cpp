@@ -143,8 +143,7 @@ class job {
     }
   }
 
-  // The tables are written in this order, but only once all of them are known to be good: no run leaves a set of
-  // which a part is old.
+  // The tables are written in this order, but only once all of them are known to hold nothing but numbers.
   void keep(const char* name, const matrix& table, bool last_row_may_be_nan = false) {
     const std::string path(cut(set_.outdir + name, 256));
     files_.push_back({path, table_text(path, table, maxcode_, last_row_may_be_nan)});
