@@ -239,25 +239,19 @@ number_scanner::result number_scanner::take_item() {
   return result::number;
 }
 
-number_scanner::result number_scanner::next(double& v) {
+template <class T>
+number_scanner::result number_scanner::take_number(T& v, std::optional<T> (*parse)(std::string_view)) {
   const result r = take_item();
   if (r != result::number) return r;
-  const auto number = parse_real(value_);
+  const std::optional<T> number = parse(value_);
   if (!number) return result::bad;
   --repeats_;
   v = *number;
   return r;
 }
 
-number_scanner::result number_scanner::next(std::int64_t& v) {
-  const result r = take_item();
-  if (r != result::number) return r;
-  const auto number = parse_integer(value_);
-  if (!number) return result::bad;
-  --repeats_;
-  v = *number;
-  return r;
-}
+number_scanner::result number_scanner::next(double& v) { return take_number(v, parse_real); }
+number_scanner::result number_scanner::next(std::int64_t& v) { return take_number(v, parse_integer); }
 
 std::optional<std::string_view> number_scanner::next_line() {
   repeats_ = 0;

@@ -114,6 +114,8 @@ class number_scanner {
 
  private:
   result take_item();
+  template <class T>
+  result take_number(T& v, std::optional<T> (*parse)(std::string_view));
   void skip_blanks();
 
   std::string_view text_;
