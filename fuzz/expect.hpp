@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "utils/text.hpp"
+#include "utils/failure.hpp"
 
 namespace corvantile::fuzz {
 
@@ -20,11 +20,11 @@ inline void expect(bool holds, const std::string& what) {
 
 /// How `f` stopped the run; nothing where it did not. Any other exception ends the process.
 template <class F>
-std::optional<stop_run> stop_of(const F& f) {
+std::optional<failure> stop_of(const F& f) {
   try {
     f();
     return std::nullopt;
-  } catch (const stop_run& stop) {
+  } catch (const failure& stop) {
     expect(!stop.message.empty(), "a run that is stopped says why");
     return stop;
   }

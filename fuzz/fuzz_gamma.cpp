@@ -16,22 +16,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   if (size == 0) return 0;
   const int numsegs = data[0] >= '3' && data[0] <= '9' ? data[0] - '0' : -1;  // below 0: the default of the fit
-  const gamma_file file{"gamma.txt", std::string(as_text(data + 1, size - 1))};
-  gamma_curve curve;
+  const std::string_view text = as_text(data + 1, size - 1);
   lut table;
-  const auto stop = stop_of([&] {
-    curve = read_gamma_curve(file);
-    expect(curve.p.size() >= 2 && curve.p.size() == curve.L.size(), "a curve has two points");
-    expect(curve.p.front() == 0 && curve.p.back() == 1, "drive values run from 0 to 1");
-    expect(curve.L.front() == 0 && curve.L.back() == 1, "luminances run from 0 to 1");
-    expect(std::ranges::is_sorted(curve.p), "drive values rise");
-    table = smooth_gamma_curve(file, curve, numsegs);
-  });
+  const auto stop = stop_of([&] { table = tone_curve(parse_tone_samples("gamma.txt", text), numsegs); });
   if (stop) {
-    expect(stop->status == 5, "a file without a curve has status 5");
+    expect(stop->kind == fault::content, "a file without a curve is refused for its content");
     return 0;
   }
   expect(isvalid_lut(table), "the tone curve is a table");
+  expect(table.x.front() == 0 && table.x.back() == 1, "drive values run from 0 to 1");
+  expect(std::ranges::is_sorted(table.y), "the tone curve never falls");
   for (int i = 0; i <= 64; ++i) expect(std::isfinite(interp(table, i / 64.0)), "the tone curve is finite");
   return 0;
 }

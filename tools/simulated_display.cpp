@@ -204,7 +204,8 @@ std::string problem(const simulated_display& d) {
     return "black_luminance must be at least 0 and below white_luminance";
   }
   for (const vec2& xy : {d.red, d.green, d.blue, d.white}) {
-    if (!within(xy[0], 0, 1) || !within(xy[1], 1e-6, 1)) return "chromaticities must be 0 to 1, y above 0";
+    if (!within(xy[0], 0, 1) || !within(xy[1], 1e-6, 1) || !(xy[0] + xy[1] <= 1 + 1e-12))
+      return "chromaticities must be 0 to 1, y above 0, x + y at most 1";
   }
   const vec3 share = shares(d);
   for (std::size_t c = 0; c < 3; ++c) {

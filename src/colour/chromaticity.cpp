@@ -92,15 +92,8 @@ vec3 blackbody_color(double T) {
   return xyz / xyz[1];
 }
 
-double xyz2cct(std::span<const double> c) {
-  double x = c[0];
-  double y = c[1];
-  if (c.size() > 2) {
-    const double s = c[0] + c[1] + c[2];
-    x /= s;
-    y /= s;
-  }
-  const double n = (x - epicentre[0]) / (y - epicentre[1]);
+double xyz2cct(const vec2& xy) {
+  const double n = (xy[0] - epicentre[0]) / (xy[1] - epicentre[1]);
   return 6253.80338 * std::exp(-n / 0.92159) + 28.70599 * std::exp(-n / 0.20039) + 0.00004 * std::exp(-n / 0.07125) -
          949.86315;
 }

@@ -6,11 +6,17 @@
 
 #include <array>
 #include <optional>
-#include <span>
 
 #include "numerics/matrix.hpp"
 
 namespace corvantile {
+
+/// The chromaticities x, y (CIE 1931) of a display's primaries and white. By name, since orders differ: settings
+/// begin with the white, solvers end with it.
+struct chromaticity_table {
+  vec2 red, green, blue, white;
+  friend bool operator==(const chromaticity_table&, const chromaticity_table&) = default;
+};
 
 /// u = 4x / (12y - 2x + 3), v = 6y / (12y - 2x + 3). The `_mat` forms take and give n x 2 matrices.
 vec2 xy2uv_vec(const vec2& xy);
@@ -49,13 +55,12 @@ vec3 blkbod(double T);
 /// As `blkbod`, each component divided by the middle one.
 vec3 blackbody_color(double T);
 
-/// Correlated colour temperature, in kelvin, of a chromaticity. `c` holds x, y or X, Y, Z.
+/// Correlated colour temperature, in kelvin, of a chromaticity x, y or of a colour X, Y, Z.
 /// The formula's first range only: meant for 3 000 to 50 000 K, applied everywhere.
 /// A zero sum X + Y + Z, or y = 0.1735, gives a meaningless or non-finite result; nothing is reported.
 /// After Hernandez-Andres, Lee and Romero, Applied Optics 38 (1999).
-double xyz2cct(std::span<const double> c);
-inline double xyz2cct(const vec2& xy) { return xyz2cct(std::span<const double>(xy.v)); }
-inline double xyz2cct(const vec3& xyz) { return xyz2cct(std::span<const double>(xyz.v)); }
+double xyz2cct(const vec2& xy);
+inline double xyz2cct(const vec3& xyz) { return xyz2cct(chromaticity(xyz)); }
 
 /// A stretch of an iso-temperature line: the chromaticities p + t ray for t in [tmin, tmax].
 struct locus_swath {

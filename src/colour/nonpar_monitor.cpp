@@ -76,9 +76,9 @@ ramp_top ramptop(const prepared_monitor& mon, const vec3& base) {
 
 // The monitor's white luminance times the XYZ of a chromaticity, at Y = 1.
 vec3 base_of_temperature(const monitor& mon, double T) { return mon.whitepoint[1] * blackbody_color(T); }
-vec3 base_of_chromaticity(const monitor& mon, std::span<const double> c) {
-  if (c.size() == 2) return xy2xyz({{c[0], c[1]}}, mon.whitepoint[1]);
-  return mon.whitepoint[1] * vec3{{c[0] / c[1], 1.0, c[2] / c[1]}};
+vec3 base_of_chromaticity(const monitor& mon, const vec2& xy) { return xy2xyz(xy, mon.whitepoint[1]); }
+vec3 base_of_chromaticity(const monitor& mon, const vec3& xyz) {
+  return mon.whitepoint[1] * vec3{{xyz[0] / xyz[1], 1.0, xyz[2] / xyz[1]}};
 }
 
 // A ramp top before its last trial.
@@ -97,7 +97,7 @@ struct neglum {
   double operator()(std::span<const double> a) const {
     const double t = swath.tmin + (swath.tmax - swath.tmin) * square_of_sine(a[0]);
     const vec2 q = swath.p + t * swath.ray;
-    const vec3 base = base_of_chromaticity(mon.source(), q.v);
+    const vec3 base = base_of_chromaticity(mon.source(), q);
     latest = {base, all_but_last_step(mon, base)};
     // Drive values are not asked for here, so that even the last trial may end as soon as it knows.
     scale_search k = latest.k;
@@ -142,8 +142,11 @@ ramp_top ramptop_temp(const monitor& mon, double T) {
   return ramptop(prepared_monitor(mon), base_of_temperature(mon, T));
 }
 
-ramp_top ramptop_xyz(const monitor& mon, std::span<const double> c) {
-  return ramptop(prepared_monitor(mon), base_of_chromaticity(mon, c));
+ramp_top ramptop_xyz(const monitor& mon, const vec2& xy) {
+  return ramptop(prepared_monitor(mon), base_of_chromaticity(mon, xy));
+}
+ramp_top ramptop_xyz(const monitor& mon, const vec3& xyz) {
+  return ramptop(prepared_monitor(mon), base_of_chromaticity(mon, xyz));
 }
 
 ramp_top bcgtw(const monitor& mon, double T, double hwid) { return bcgtw(prepared_monitor(mon), T, hwid); }
@@ -161,9 +164,15 @@ void colortemp_lut(matrix& tab, const monitor& mon, double T, const lut& curve, 
   gray_ramp(tab, prepared, top, curve, g0);
 }
 
-void chromaticity_lut(matrix& tab, const monitor& mon, std::span<const double> c, const lut& curve, double g0) {
+static void lut_of_base(matrix& tab, const monitor& mon, const vec3& base, const lut& curve, double g0) {
   const prepared_monitor prepared(mon);
-  gray_ramp(tab, prepared, ramptop(prepared, base_of_chromaticity(mon, c)), curve, g0);
+  gray_ramp(tab, prepared, ramptop(prepared, base), curve, g0);
+}
+void chromaticity_lut(matrix& tab, const monitor& mon, const vec2& xy, const lut& curve, double g0) {
+  lut_of_base(tab, mon, base_of_chromaticity(mon, xy), curve, g0);
+}
+void chromaticity_lut(matrix& tab, const monitor& mon, const vec3& xyz, const lut& curve, double g0) {
+  lut_of_base(tab, mon, base_of_chromaticity(mon, xyz), curve, g0);
 }
 
 }  // namespace corvantile

@@ -62,8 +62,9 @@ struct ramp_top {
 /// absolute: it is meant for measurements in cd/m2, or with white near 100, and too wide for white at 1.
 ramp_top ramptop_temp(const monitor& mon, double T);
 
-/// The top for a chromaticity given as x, y or as X, Y, Z.
-ramp_top ramptop_xyz(const monitor& mon, std::span<const double> c);
+/// The top for a chromaticity x, y, or for that of a colour X, Y, Z of any luminance.
+ramp_top ramptop_xyz(const monitor& mon, const vec2& xy);
+ramp_top ramptop_xyz(const monitor& mon, const vec3& xyz);
 
 /// The brightest top on the line of constant colour temperature `T` within `hwid` (CIE 1960 uv)
 /// of the blackbody locus. It is that of the search's last evaluation, not of its best point:
@@ -81,7 +82,8 @@ lut make_gamma_table(double gamma, int n);
 /// target, all of it at s = 0.
 void colortemp_lut(matrix& tab, const monitor& mon, double T, const lut& curve, double g0, double hwid);
 
-/// The same for a constant chromaticity given as x, y or as X, Y, Z.
-void chromaticity_lut(matrix& tab, const monitor& mon, std::span<const double> c, const lut& curve, double g0);
+/// The same for a constant chromaticity x, y, or for that of a colour X, Y, Z.
+void chromaticity_lut(matrix& tab, const monitor& mon, const vec2& xy, const lut& curve, double g0);
+void chromaticity_lut(matrix& tab, const monitor& mon, const vec3& xyz, const lut& curve, double g0);
 
 }  // namespace corvantile

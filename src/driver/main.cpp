@@ -1,27 +1,41 @@
-// Arguments and standard input in, exit status out. Nothing else ends the process or catches anything.
+// Arguments and standard input in, exit status out. Nothing else ends the process.
 
-#include <cerrno>
+#include <algorithm>
 #include <csignal>
-#include <cstring>
 #include <fcntl.h>
 #include <iostream>
 #include <new>
 #include <ostream>
 #include <span>
 #include <stdexcept>
-#include <string>
 #include <string_view>
 #include <unistd.h>
 #include <vector>
 
+#include "driver/exit_status.hpp"
 #include "driver/run.hpp"
+#include "driver/standard_input.hpp"
 #include "driver/standard_output.hpp"
-#include "utils/text.hpp"
+#include "utils/failure.hpp"
 
 namespace corvantile {
 namespace {
 
 constexpr std::string_view no_memory_message = "Allocation would exceed memory limit";
+constexpr std::string_view help =
+    "Corvantile turns colourimetric measurements of a display into its correction tables.\n"
+    "\n"
+    "Usage: Corvantile [-v | -verbose] < settings.txt\n"
+    "\n"
+    "  -v, -verbose  report settings, colour differences, times and the gray ramp on\n"
+    "                standard output\n"
+    "  --help        print this text\n"
+    "  --version     print the version\n"
+    "\n"
+    "The settings are one group on standard input, for example\n"
+    "  &opts cvmode='CV1' wgfile='display.txt' outdir='tables' temp=6500 /\n"
+    "cvmode is 'CV1' (grays only), 'CV2' (primaries, white and tone curve) or 'CV2_1'\n"
+    "(both). The tables are written into outdir, which must exist.\n";
 
 // A closed standard stream would give its number to the next file that is opened, and its text to that file. A
 // reading end in its place makes every write fail instead.
@@ -40,21 +54,6 @@ void tell_a_terminal() {
                "  wgfile='measurements.txt' /\n";
 }
 
-std::string all_of_standard_input() {
-  std::string text;
-  std::vector<char> block(1 << 14);
-  while (true) {
-    const ssize_t n = ::read(STDIN_FILENO, block.data(), block.size());
-    if (n > 0) {
-      text.append(block.data(), static_cast<std::size_t>(n));
-    } else if (n == 0) {
-      return text;
-    } else if (errno != EINTR) {
-      throw stop_run(exit_status::bad_settings, std::string("Cannot read standard input: ") + std::strerror(errno));
-    }
-  }
-}
-
 int main(std::span<const std::string_view> arguments) {
   occupy_standard_descriptors();
   // A reader that leaves, or a file that grows too large, is an error of that write and not the end of the process.
@@ -71,12 +70,16 @@ int main(std::span<const std::string_view> arguments) {
     return exit_status::cannot_write;
   };
   try {
+    const auto given = [&](std::string_view word) { return std::ranges::count(arguments, word) > 0; };
+    if (given("--help")) return stop(exit_status::normal, help.substr(0, help.size() - 1), out);
+    if (given("--version")) return stop(exit_status::normal, banner, out);
     std::cerr << ' ' << banner << '\n';
     tell_a_terminal();
-    run_program(arguments, all_of_standard_input(), out, std::cerr);
+    run_program(arguments, settings_on_standard_input(), out, std::cerr);
     return exit_status::normal;
-  } catch (const stop_run& reason) {
-    return stop(reason.status, reason.message, reason.to == stop_run::stream::out ? out : std::cerr);
+  } catch (const failure& reason) {
+    const ending end = ending_of(reason);
+    return stop(end.status, end.line, end.on_standard_output ? out : std::cerr);
   } catch (const std::bad_alloc&) {
     return stop(exit_status::no_memory, no_memory_message, std::cerr);
   } catch (const std::length_error&) {  // a size that no memory could hold

@@ -6,45 +6,16 @@
 #include <limits>
 #include <ostream>
 #include <span>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "colour/chromaticity.hpp"
 #include "colour/color_metrics.hpp"
-#include "utils/array_io.hpp"
 #include "utils/text.hpp"
 
 namespace corvantile {
 namespace {
-
-constexpr double largest_code = 9e18;  // within 64 bits
-
-[[noreturn]] void refuse(const std::string& path, const matrix& table, std::size_t i, std::size_t j,
-                         const char* why) {
-  throw stop_run(exit_status::not_finite, path + " is not written: row " + std::to_string(i + 1) + ", column " +
-                                              std::to_string(j + 1) + " is" + free_format(table(i, j)) + why);
-}
-
-std::string as_reals(const std::string& path, const matrix& table, bool last_row_may_be_nan) {
-  for (std::size_t j = 0; j < table.cols(); ++j) {
-    for (std::size_t i = 0; i < table.rows(); ++i) {
-      const bool excused = last_row_may_be_nan && i + 1 == table.rows() && std::isnan(table(i, j));
-      if (!std::isfinite(table(i, j)) && !excused) refuse(path, table, i, j, "");
-    }
-  }
-  return prtmat_real(table);
-}
-
-std::string as_codes(const std::string& path, const matrix& table, std::int64_t maxcode) {
-  int_matrix codes(table.rows(), table.cols());
-  for (std::size_t j = 0; j < table.cols(); ++j) {
-    for (std::size_t i = 0; i < table.rows(); ++i) {
-      const double code = std::round(table(i, j) * static_cast<double>(maxcode));  // halves away from zero
-      if (!(std::abs(code) < largest_code)) refuse(path, table, i, j, ", for which there is no code");
-      codes(i, j) = static_cast<std::int64_t>(code);
-    }
-  }
-  return prtmat_int(codes);
-}
 
 // Values of one report, one a line with 15 decimals under a title.
 void print_column(std::ostream& out, const char* title, std::span<const double> values) {
@@ -89,8 +60,17 @@ double largest(std::span<const double> values) {
 
 }  // namespace
 
-std::string table_text(const std::string& path, const matrix& table, std::int64_t maxcode, bool last_row_may_be_nan) {
-  return maxcode == 0 ? as_reals(path, table, last_row_may_be_nan) : as_codes(path, table, maxcode);
+static std::string execution_time(std::string_view mode, double seconds) {
+  return std::string(mode) + " execution time = " + fixed_field(seconds, 0, 2) + " seconds\n\n";
+}
+
+void report_solution(std::ostream& out, const correction& result) {
+  if (result.two) {
+    report_ramps(out, result.two->cmon, result.two->mod_smon);
+    report_ramps(out, result.two->cmon, result.two->ref_smon);
+    out << execution_time("CV2", result.two_seconds);
+  }
+  if (matches_gray(result.mode)) out << '\n' << execution_time("CV1", result.gray_seconds);
 }
 
 void report_gray_ramp(std::ostream& out, const monitor& mon, const matrix& inputs) {

@@ -1,21 +1,18 @@
 #pragma once
-// What a job has to say: the text of its tables, and the reports of verbose mode.
+// What verbose mode says about a result.
 
-#include <cstdint>
 #include <iosfwd>
-#include <string>
 
+#include "job/correction.hpp"
 #include "monitor/monitor.hpp"
 #include "monitor/synthetic_monitor.hpp"
 #include "numerics/matrix.hpp"
 
 namespace corvantile {
 
-/// The text of a table's file, a line per row: entries as reals where `maxcode` is 0, else as integers in units of
-/// 1 / maxcode. `path` is for the message: an entry that is not finite or has no code stops the run with status 8.
-/// `last_row_may_be_nan` lets the last row of a table of reals be not a number.
-std::string table_text(const std::string& path, const matrix& table, std::int64_t maxcode,
-                       bool last_row_may_be_nan = false);
+/// Prints how the solutions went: for the two-table solution `report_ramps` against the clipped and against the
+/// wanted target, and for each solution its processor time.
+void report_solution(std::ostream& out, const correction& result);
 
 /// Prints the colour temperature and then the luminance of every row of a gray ramp: `inputs` as `mon` shows them.
 void report_gray_ramp(std::ostream& out, const monitor& mon, const matrix& inputs);

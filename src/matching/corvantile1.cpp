@@ -9,21 +9,32 @@ namespace corvantile {
 
 double blend(double t) { return t * t * (3 - 2 * t); }
 
-int cv1(const monitor& mon, const gray_ramp_params& params, const lut& gammalut, matrix& tab) {
-  if (params.temp < 0) {
-    chromaticity_lut(tab, mon, chromaticity(mon.whitepoint).v, gammalut, params.alpha);
-    return 0;
-  }
-  const double wptemp = params.wptemp == 0 ? xyz2cct(mon.whitepoint.v) : params.wptemp;
+static int status_of(const gray_ramp_params& params) {
+  if (params.temp < 0) return 0;
   if (params.alpha >= params.beta) return 1;
-  if (params.beta > 1) return 2;
-  colortemp_lut(tab, mon, params.temp, gammalut, params.alpha, params.hwid);
-  if (!(wptemp >= 0)) return 0;
+  return params.beta > 1 ? 2 : 0;
+}
+
+gray_temperatures temperatures_of(const gray_ramp_params& params, const monitor& mon) {
+  if (params.temp < 0 || status_of(params) != 0) return {};
+  const double wptemp = params.wptemp == 0 ? xyz2cct(mon.whitepoint) : params.wptemp;
+  return {params.temp, wptemp >= 0 ? std::optional(wptemp) : std::nullopt};
+}
+
+gray_match cv1(const monitor& mon, const gray_ramp_params& params, const lut& gammalut, matrix& tab) {
+  if (const int status = status_of(params); status != 0) return {.status = status};
+  const gray_temperatures temperatures = temperatures_of(params, mon);
+  if (!temperatures.ramp) {
+    chromaticity_lut(tab, mon, params.white.value_or(chromaticity(mon.whitepoint)), gammalut, params.alpha);
+    return {};
+  }
+  colortemp_lut(tab, mon, *temperatures.ramp, gammalut, params.alpha, params.hwid);
+  if (!temperatures.top) return {};
 
   matrix shaded(tab.rows(), 3);
-  colortemp_lut(shaded, mon, wptemp, gammalut, params.alpha, params.hwid);
-  // Rows are counted from 1 here, and a shading that would begin before the first begins there. beta = 1 makes t =
-  // 0/0 in the one row that is left, and the row not a number: kept so.
+  colortemp_lut(shaded, mon, *temperatures.top, gammalut, params.alpha, params.hwid);
+  // Rows are counted from 1 here, and a shading that would begin before the first begins there. One that begins in
+  // the last has t = 0/0 there, and the row is not a number: kept so.
   const auto R = static_cast<double>(tab.rows());
   const double k0 = std::max(1.0, std::round(R * params.beta));
   for (auto row = static_cast<std::size_t>(k0) - 1; row < tab.rows(); ++row) {
@@ -31,7 +42,7 @@ int cv1(const monitor& mon, const gray_ramp_params& params, const lut& gammalut,
     const double w = blend(t);
     for (std::size_t c = 0; c < 3; ++c) tab(row, c) = tab(row, c) * (1 - w) + shaded(row, c) * w;
   }
-  return 0;
+  return {.undefined_row = k0 == R ? std::optional(tab.rows() - 1) : std::nullopt};
 }
 
 }  // namespace corvantile

@@ -1,3 +1,4 @@
+#include <array>
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -52,24 +53,27 @@ chromaticity_table rgb2c_type(const mat3& rgb) {
 matrix rgb2c_mat(const matrix& rgb) {
   mat3 m;
   for (std::size_t c = 0; c < 3; ++c) m.col[c] = {{rgb(0, c), rgb(1, c), rgb(2, c)}};
-  const chromaticity_table table = rgb2c_type(m);
-  matrix xy(table.size(), 2);
-  for (std::size_t i = 0; i < table.size(); ++i)
-    for (std::size_t k = 0; k < 2; ++k) xy(i, k) = table[i][k];
+  const auto [red, green, blue, white] = rgb2c_type(m);
+  matrix xy(4, 2);
+  for (std::size_t k = 0; k < 2; ++k) {
+    xy(0, k) = red[k];
+    xy(1, k) = green[k];
+    xy(2, k) = blue[k];
+    xy(3, k) = white[k];
+  }
   return xy;
 }
 
 mat3 c2rgb_type(const chromaticity_table& c) {
-  mat3 p{{xy2xyz(c[0]), xy2xyz(c[1]), xy2xyz(c[2])}};
-  const vec3 scale = inv(p) * xy2xyz(c[3]);
+  mat3 p{{xy2xyz(c.red), xy2xyz(c.green), xy2xyz(c.blue)}};
+  const vec3 scale = inv(p) * xy2xyz(c.white);
   for (std::size_t i = 0; i < 3; ++i) p.col[i] = scale[i] * p.col[i];
   return p;
 }
 
 matrix c2rgb_mat(const matrix& c) {
-  chromaticity_table table;
-  for (std::size_t i = 0; i < table.size(); ++i) table[i] = {{c(i, 0), c(i, 1)}};
-  const mat3 m = c2rgb_type(table);
+  const auto row = [&](std::size_t i) { return vec2{{c(i, 0), c(i, 1)}}; };
+  const mat3 m = c2rgb_type({.red = row(0), .green = row(1), .blue = row(2), .white = row(3)});
   matrix rgb(3, 3);
   for (std::size_t i = 0; i < 3; ++i) set_row3(rgb, i, {{m(i, 0), m(i, 1), m(i, 2)}});
   return rgb;
@@ -121,13 +125,13 @@ adjusted_primaries adjust_primaries(const mat3& target, const triangle& gamut, d
     result.margin_ok = ok;
   }
   chromaticity_table c = rgb2c_type(target);
-  const vec2 white = c[3];
+  const std::array<vec2*, 3> primaries{&c.red, &c.green, &c.blue};
   for (std::size_t primary = 0; primary < 3; ++primary) {
-    const segment to_white{c[primary], white};
+    const segment to_white{*primaries[primary], c.white};
     for (std::size_t i = 0; i < 3; ++i) {
       const auto crossing = intersection_parameters(to_white, edge(tri, i));
       if (!crossing || !within_both(*crossing)) continue;
-      c[primary] = crossing->point;
+      *primaries[primary] = crossing->point;
       result.distances[primary] = uvdist(to_white.start, crossing->point);
       break;
     }

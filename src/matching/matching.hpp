@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <optional>
 
+#include "colour/chromaticity.hpp"
 #include "monitor/monitor.hpp"
 #include "monitor/synthetic_monitor.hpp"
 #include "numerics/matrix.hpp"
@@ -13,9 +14,6 @@
 namespace corvantile {
 
 // ---- Plane geometry of primaries (gamut_geometry.cpp) ----
-
-/// Chromaticities x, y (CIE 1931) in the order red, green, blue, white.
-using chromaticity_table = std::array<vec2, 4>;
 
 /// One vertex per element; of a gamut: red, green, blue. Either sense of rotation.
 using triangle = std::array<vec2, 3>;
@@ -83,21 +81,36 @@ adjusted_primaries adjust_primaries(const mat3& target, const triangle& gamut, d
 
 /// What the gray ramp is to look like. Positions on the ramp run from 0 (black) to 1.
 struct gray_ramp_params {
-  double temp = -1;    ///< colour temperature in kelvin; negative: the monitor's own white
+  double temp = -1;    ///< colour temperature in kelvin; negative: a constant chromaticity
   double wptemp = -1;  ///< temperature towards which the top shades; 0: the monitor's own; negative: no shading
   double alpha = 0.5;  ///< position below which the monitor's dark light is blended in; below `beta`
   double beta = 0.8;   ///< position where the shading starts, at most 1
   double hwid = 0;     ///< half-width, in CIE 1960 uv, of the swath searched for a brighter top
+  std::optional<vec2> white = {};  ///< the constant chromaticity, x and y; absent: the monitor's own white
 };
 
 /// The smooth step t^2 (3 - 2t), for t from 0 to 1.
 double blend(double t);
 
+/// The temperatures, in kelvin, that a gray match looks at. None with a negative `temp`, nor with `alpha` and `beta`
+/// out of order, for then nothing is searched.
+struct gray_temperatures {
+  std::optional<double> ramp;  ///< of the whole ramp
+  std::optional<double> top;   ///< towards which its top shades
+};
+gray_temperatures temperatures_of(const gray_ramp_params& params, const monitor& mon);
+
+/// How a gray match went.
+struct gray_match {
+  /// 0 done; 1 `alpha` is not below `beta`; 2 `beta` exceeds 1. Other than 0, the table was left as it was.
+  int status = 0;
+  /// The one row, counted from 0, that is 0/0 and so not a number: the shading begins in the last row.
+  std::optional<std::size_t> undefined_row = {};
+};
+
 /// Fills `tab` (tlen x 3, at least two rows) with the drive values of the gray ramp whose luminance follows
-/// `gammalut`. With `temp` >= 0, and only then, `alpha` and `beta` are looked at: 1 is returned when `alpha` is not
-/// below `beta`, else 2 when `beta` exceeds 1, `tab` being left as it was. 0 otherwise. With shading and `beta` = 1
-/// the last row is not a number.
-int cv1(const monitor& mon, const gray_ramp_params& params, const lut& gammalut, matrix& tab);
+/// `gammalut`. With `temp` >= 0, and only then, `alpha`, `beta`, `wptemp` and `hwid` are looked at.
+gray_match cv1(const monitor& mon, const gray_ramp_params& params, const lut& gammalut, matrix& tab);
 
 // ---- The two-table solution (twolut.cpp) ----
 

@@ -49,12 +49,12 @@ two_table_solution twolutsolution(const monitor& mon, const chromaticity_table& 
 
   // Primaries that the monitor can show, of a white with luminance 1
   const auto c = rgb2c_type(mon.RGB2XYZ);
-  const adjusted_primaries adjusted = adjust_primaries(wanted, {c[0], c[1], c[2]}, spec.boundary_tol);
+  const adjusted_primaries adjusted = adjust_primaries(wanted, {c.red, c.green, c.blue}, spec.boundary_tol);
   sol.distances = adjusted.distances;
   mat3 Ma = adjusted.rgb / white_luminance(adjusted.rgb);
 
   // ... and then with the target's share of the brightest gray
-  const double top = ramptop_xyz(mon, target[3].v).xyz[1];
+  const double top = ramptop_xyz(mon, target.white).xyz[1];
   Ma = Ma * top * spec.lumfrac;
 
   mat3 K = mon.XYZ2RGB * Ma;

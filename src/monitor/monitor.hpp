@@ -9,10 +9,11 @@
 // by row the same bits. None clamps its arguments: curves and tables continue beyond their ends.
 
 #include <array>
+#include <iosfwd>
 #include <optional>
 #include <string>
-#include <string_view>
 
+#include "monitor/measurements.hpp"
 #include "numerics/matrix.hpp"
 #include "numerics/ppoly.hpp"
 #include "utils/lut.hpp"
@@ -59,23 +60,6 @@ struct monitor {
 
 // ---- Making one (quadmon.cpp) ----
 
-/// The content of a measurement file: one sample a row, R, G, B (drive, any unit), X, Y, Z.
-/// The rows begin with the ramps, `nramp` each, from full drive down to zero: white, red, green, blue and, in version
-/// 1, three more that serve the dark light only.
-struct measurements {
-  std::string name;
-  matrix data;  ///< rows x 6
-  int nramp = 0;
-  int version = 2;  ///< 1: seven ramps, 2: four
-};
-
-/// Reads a measurement file. Stops the run with "Cannot open ..." or "improper version number" (both with status 0,
-/// as scripts have come to expect), else with status 5 where the content cannot give a result.
-measurements load_measurements(const std::string& filename);
-
-/// The same for the text of such a file; `filename` names it in messages.
-measurements parse_measurements(const std::string& filename, std::string_view text);
-
 /// Fits the model. `numsegs` pieces for every curve (5 when absent); `minslope` bounds the tone curves only.
 /// Stops the run with status 5 where the samples cannot give a model: not finite, a channel no brighter than the
 /// dark, primaries on one line. A component of a channel that has no range to form its ratio, or whose ratio curve is
@@ -89,8 +73,8 @@ monitor loadmonitor(const std::string& filename, std::optional<int> numsegs = {}
 /// A x^2 + B x^3 that meets sample 5 with the slope of the chord from sample 5 to 6. Held ready; no fit uses it.
 std::array<double, 5> fixlowend(const std::array<double, 6>& x, const std::array<double, 6>& y);
 
-/// Prints the record's name, colours and matrices on standard output.
-void dumpmon(const monitor& mon);
+/// Prints the record's name, colours and matrices on `out`.
+void dumpmon(std::ostream& out, const monitor& mon);
 
 // ---- Asking one (transforms.cpp) ----
 

@@ -2,8 +2,8 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <iostream>
 #include <optional>
+#include <ostream>
 #include <span>
 #include <string>
 #include <string_view>
@@ -16,22 +16,13 @@
 #include "numerics/neldmead.hpp"
 #include "numerics/nonlinfit.hpp"
 #include "utils/array_io.hpp"
+#include "utils/failure.hpp"
 #include "utils/text.hpp"
 
 namespace corvantile {
 namespace {
 
 constexpr std::array channel_names{"red", "green", "blue"};
-
-std::size_t ramp_count(int version) {
-  if (version == 1) return 7;
-  if (version == 2) return 4;
-  throw stop_run(exit_status::normal, "STOP improper version number");
-}
-
-[[noreturn]] void bad_content(const std::string& filename, const std::string& what) {
-  throw stop_run(exit_status::bad_content, filename + ": " + what);
-}
 
 // The samples of one channel's ramp, zero drive first.
 struct channel_ramp {
@@ -47,16 +38,6 @@ channel_ramp ramp_of_channel(const measurements& samples, std::size_t c) {
   return {samples, (c + 1) * n + n - 1};  // the white ramp comes first
 }
 
-std::string sample_text(const measurements& samples, std::size_t row) {
-  const auto n = static_cast<std::size_t>(samples.nramp);
-  static constexpr std::array names{"white", "red", "green", "blue", "fifth", "sixth", "seventh"};
-  if (row / n < ramp_count(samples.version)) {
-    return "sample " + std::to_string(row + 1) + " (level " + std::to_string(row % n + 1) + " of the " +
-           names[row / n] + " ramp)";
-  }
-  return "sample " + std::to_string(row + 1) + " (after the ramps)";
-}
-
 void require_finite(const measurements& samples) {
   const auto in_ramps = ramp_count(samples.version) * static_cast<std::size_t>(samples.nramp);
   for (std::size_t row = 0; row < samples.data.rows(); ++row) {
@@ -64,8 +45,8 @@ void require_finite(const measurements& samples) {
     for (std::size_t c = 0; c < columns; ++c) {
       if (std::isfinite(samples.data(row, c))) continue;
       static constexpr std::array names{"R", "G", "B", "X", "Y", "Z"};
-      bad_content(samples.name, sample_text(samples, row) + ": " + names[c] + " is" +
-                                    free_format(samples.data(row, c)) + ", expected a finite number");
+      refuse_content(samples.name, sample_text(samples, row) + ": " + names[c] + " is" +
+                                       free_format(samples.data(row, c)) + ", expected a finite number");
     }
   }
 }
@@ -84,9 +65,9 @@ void require_gamut(const monitor& mon) {
   const double edges = std::sqrt(dist2(r, {}) * dist2(g, {}) * dist2(b, {}));
   constexpr double flat = 1e-9;  // relative; real displays have some 0.1
   if (!(std::abs(volume) > flat * edges)) {
-    bad_content(mon.name,
-                "the three primaries lie on one line of the chromaticity diagram; expected ramps of a red, a "
-                "green and a blue channel");
+    refuse_content(mon.name,
+                   "the three primaries lie on one line of the chromaticity diagram; expected ramps of a red, a "
+                   "green and a blue channel");
   }
 }
 
@@ -108,55 +89,6 @@ component_fit fit_component(std::span<const double> m, std::vector<double> ratio
 
 }  // namespace
 
-measurements load_measurements(const std::string& filename) {
-  const auto text = read_file(filename);
-  if (!text)
-    throw stop_run(exit_status::normal, " Cannot open " + std::string(trim(filename)), stop_run::stream::out);
-  return parse_measurements(filename, *text);
-}
-
-measurements parse_measurements(const std::string& filename, std::string_view text) {
-  measurements samples;
-  samples.name = trim(filename);
-  number_scanner numbers(text);
-  std::optional<std::string_view> header_line = numbers.next_line();
-  std::size_t line = 1;
-  for (; header_line && header_line->starts_with(';'); ++line) header_line = numbers.next_line();
-
-  number_scanner header(header_line.value_or(""), line);
-  std::array<std::int64_t, 3> counts{};
-  for (std::int64_t& count : counts) {
-    if (header.next(count) != number_scanner::result::number) {
-      bad_content(samples.name,
-                  header.problem("the header's three integers (levels, extra samples, version 1 or 2)"));
-    }
-  }
-  const auto [nramp, nextra, version] = counts;
-  samples.version = version == 1 || version == 2 ? static_cast<int>(version) : 0;
-  const auto ramps = static_cast<std::int64_t>(ramp_count(samples.version));
-  const std::string at = "line " + std::to_string(line) + ": ";
-  if (nramp < 2)
-    bad_content(samples.name, at + "a ramp has " + std::to_string(nramp) + " levels, expected at least 2");
-  if (nextra < 0) bad_content(samples.name, at + "the number of extra samples is " + std::to_string(nextra));
-  // A number takes more than one character. Repeat counts can say more in less, but no instrument writes them so.
-  const auto most_rows = static_cast<std::int64_t>(text.size() / 6);
-  if (nramp > most_rows || nextra > most_rows || ramps * nramp + nextra > most_rows) {
-    bad_content(samples.name, at + std::to_string(nramp) + " levels and " + std::to_string(nextra) +
-                                  " extra samples are more than the file can hold");
-  }
-  samples.nramp = static_cast<int>(nramp);
-
-  samples.data = matrix(static_cast<std::size_t>(ramps * nramp + nextra), 6);
-  for (std::size_t row = 0; row < samples.data.rows(); ++row) {
-    for (std::size_t c = 0; c < 6; ++c) {
-      if (numbers.next(samples.data(row, c)) == number_scanner::result::number) continue;
-      bad_content(samples.name,
-                  numbers.problem("number " + std::to_string(c + 1) + " of 6 of " + sample_text(samples, row)));
-    }
-  }
-  return samples;
-}
-
 monitor makemonitor(const measurements& samples, std::optional<int> numsegs, double minslope) {
   monitor mon;
   mon.name = samples.name.empty() ? "monitor" : cut(samples.name, 256);
@@ -171,7 +103,7 @@ monitor makemonitor(const measurements& samples, std::optional<int> numsegs, dou
 
   double full_drive = samples.data(0, 0);
   for (std::size_t c = 0; c < 3; ++c) full_drive = std::max(full_drive, std::ranges::max(samples.data.col(c)));
-  if (!(full_drive > 0)) bad_content(samples.name, "no drive value is above 0, so that full drive is unknown");
+  if (!(full_drive > 0)) refuse_content(samples.name, "no drive value is above 0, so that full drive is unknown");
   mon.rgb = matrix(rows, 3);
   mon.xyz = matrix(rows, 3);
   for (std::size_t c = 0; c < 3; ++c) {
@@ -187,9 +119,9 @@ monitor makemonitor(const measurements& samples, std::optional<int> numsegs, dou
   mon.whitepoint = row3(mon.xyz, 0);
   const vec3& white = mon.whitepoint;
   if (!(white[1] > mon.darklight[1]) || !(white[0] + white[1] + white[2] > 0)) {
-    bad_content(samples.name, sample_text(samples, 0) + ": X, Y, Z are" + free_format(white[0]) +
-                                  free_format(white[1]) + free_format(white[2]) +
-                                  ", expected a white that is brighter than the dark");
+    refuse_content(samples.name, sample_text(samples, 0) + ": X, Y, Z are" + free_format(white[0]) +
+                                     free_format(white[1]) + free_format(white[2]) +
+                                     ", expected a white that is brighter than the dark");
   }
 
   mon.rampin = mon.rampy = mon.rampx = mon.rampz = matrix(nramp, 3);
@@ -202,10 +134,10 @@ monitor makemonitor(const measurements& samples, std::optional<int> numsegs, dou
     mon.Zmax[c] = full[2];
     mon.RGB2XYZ.col[c] = full;
     if (!(full[1] > 0)) {
-      bad_content(samples.name,
-                  std::string("the ") + channel_names[c] + " channel gets no brighter than the dark: Y is" +
-                      free_format(ramp.colour(nramp - 1, 1)) + " at the first level of its ramp and" +
-                      free_format(mon.darklight[1]) + " in the dark; ramps run from full drive down to zero");
+      refuse_content(samples.name,
+                     std::string("the ") + channel_names[c] + " channel gets no brighter than the dark: Y is" +
+                         free_format(ramp.colour(nramp - 1, 1)) + " at the first level of its ramp and" +
+                         free_format(mon.darklight[1]) + " in the dark; ramps run from full drive down to zero");
     }
 
     const auto rampin = mon.rampin.col(c);
@@ -225,8 +157,8 @@ monitor makemonitor(const measurements& samples, std::optional<int> numsegs, dou
 
     mon.inpcurve[c] = pp_iba(rampin, rampy, mon.numsegs, minslope);
     if (!is_finite(mon.inpcurve[c])) {
-      bad_content(samples.name, std::string("no tone curve fits the ") + channel_names[c] +
-                                    " ramp; expected luminances that fall from full drive down to zero");
+      refuse_content(samples.name, std::string("no tone curve fits the ") + channel_names[c] +
+                                       " ramp; expected luminances that fall from full drive down to zero");
     }
     const component_fit x = fit_component(rampy, std::move(x_ratio), mon.numsegs);
     mon.xcurve[c] = x.curve;
@@ -245,7 +177,7 @@ monitor loadmonitor(const std::string& filename, std::optional<int> numsegs, dou
   return makemonitor(load_measurements(filename), numsegs.value_or(8), minslope);
 }
 
-void dumpmon(const monitor& mon) {
+void dumpmon(std::ostream& out, const monitor& mon) {
   std::string text = std::string(trim(mon.name)) + '\n';
   if (mon.composite) text += "Composite\n" + prtmat_real(mon.fe.matrix, "with matrix: ");
   const auto triple = [&](const char* label, const vec3& v) {
@@ -266,7 +198,7 @@ void dumpmon(const monitor& mon) {
   };
   rows("RGB2XYZ:", mon.RGB2XYZ);
   rows("XYZ2RGB:", mon.XYZ2RGB);
-  std::cout << text;
+  out << text;
 }
 
 std::array<double, 5> fixlowend(const std::array<double, 6>& x, const std::array<double, 6>& y) {

@@ -1,8 +1,8 @@
 #pragma once
 // Arrays as text: matrices in columns fitted to their data, one real vector per file, memory-initialisation files.
 //
-// Routines that write a file replace it and throw stop_run (status 6, file name and the system's reason) when that
-// fails.
+// Routines that write a file replace it and throw `fault::unwritable` (file name and the system's reason) when
+// that fails.
 
 #include <iosfwd>
 #include <optional>

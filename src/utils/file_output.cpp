@@ -8,13 +8,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "utils/text.hpp"
+#include "utils/failure.hpp"
 
 namespace corvantile {
 namespace {
 
 [[noreturn]] void cannot_write(const std::string& path, int reason) {
-  throw stop_run(exit_status::cannot_write, "Cannot write " + path + ": " + std::strerror(reason));
+  throw failure(fault::unwritable, "Cannot write " + path + ": " + std::strerror(reason));
 }
 
 // An open file that is closed, and removed if it has a name to be removed by, unless all went well.
@@ -106,6 +106,10 @@ void write_file(const std::string& path, std::string_view text) {
     if (file.error() != 0) cannot_write(path, file.error());
     return;
   }
+}
+
+void write_files(std::span<const text_file> files) {
+  for (const text_file& f : files) write_file(f.path, f.text);
 }
 
 }  // namespace corvantile

@@ -8,6 +8,8 @@
 #include <limits>
 #include <memory>
 
+#include "utils/failure.hpp"
+
 namespace corvantile {
 namespace {
 
@@ -185,7 +187,23 @@ std::string_view without_byte_order_mark(std::string_view text) {
   return text.starts_with("\xEF\xBB\xBF") ? text.substr(3) : text;
 }
 
-std::optional<std::string> read_file(std::string_view name) {
+std::string printable(std::string_view s) {
+  constexpr std::string_view digits = "0123456789abcdef";
+  std::string shown;
+  for (const char c : s) {
+    const auto code = static_cast<unsigned char>(c);
+    if (c == '\n') {
+      shown += "\\n";
+    } else if (code < 0x20 || code == 0x7f) {
+      shown.append("\\x").append(1, digits[code >> 4U]).append(1, digits[code & 0xfU]);
+    } else {
+      shown += c;
+    }
+  }
+  return shown;
+}
+
+std::optional<std::string> read_file(std::string_view name, std::size_t most) {
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(std::string(trim(name)).c_str(), "rb"),
                                                              std::fclose);
   if (!file) return std::nullopt;
@@ -194,6 +212,7 @@ std::optional<std::string> read_file(std::string_view name) {
   do {  // grows by doubling, whatever the file claims to hold
     text.resize(std::max<std::size_t>(text.size() * 2, 16384));
     used += std::fread(text.data() + used, 1, text.size() - used, file.get());
+    if (used > most) refuse_content(printable(trim(name)), "more than " + std::to_string(most) + " bytes");
   } while (used == text.size());
   if (std::ferror(file.get()) != 0) return std::nullopt;
   text.resize(used);

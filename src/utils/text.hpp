@@ -1,45 +1,16 @@
 #pragma once
-// Numbers to text and back, padded text, whole text files, and the exception that ends a run.
+// Numbers to text and back, padded text, and whole text files.
 //
 // Number layouts are named by their Fortran-style edit descriptors: fw.d fixed point, gw.d fixed or exponent form,
 // iw integer, each right-aligned in w characters. A value that does not fit fills its field with `*`.
 
 #include <cstddef>
 #include <cstdint>
-#include <exception>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 
 namespace corvantile {
-
-/// What the process ends with. Scripts rely on the numbers.
-namespace exit_status {
-inline constexpr int normal = 0;  ///< also where a measurement file cannot be opened or has an unknown version
-inline constexpr int no_mode = 1;
-inline constexpr int unknown_mode = 2;
-inline constexpr int no_measurement_file = 3;
-inline constexpr int bad_settings = 4;
-inline constexpr int bad_content = 5;  ///< of a measurement or gamma file
-inline constexpr int cannot_write = 6;
-inline constexpr int no_memory = 7;
-inline constexpr int not_finite = 8;  ///< an entry of a table
-}  // namespace exit_status
-
-/// Ends the run: `message` goes to the stream `to`, one line end is added, and the process exits with `status`.
-/// Thrown by whatever finds that there can be no result; caught in one place only, the program's entry.
-class stop_run : public std::exception {
- public:
-  enum class stream { out, err };
-  stop_run(int status_, std::string message_, stream to_ = stream::err)
-      : status(status_), message(std::move(message_)), to(to_) {}
-  const char* what() const noexcept override { return message.c_str(); }
-
-  int status;
-  std::string message;
-  stream to;
-};
 
 /// fw.d: `v` with `digits` decimals, rounded from the exact value, right-aligned in `width` (0: the fewest
 /// characters). The zero before the point gives way when the field has no room for it: `.5000000`, `-.0200000`.
@@ -81,9 +52,13 @@ std::optional<std::int64_t> parse_integer(std::string_view s);
 /// Without the UTF-8 byte order mark that some editors put before the first character of a file.
 std::string_view without_byte_order_mark(std::string_view text);
 
+/// `s` for a message, with control characters spelled out: a line end as `\n`, others as `\x1b`.
+std::string printable(std::string_view s);
+
 /// Everything that the file holds; nothing when it cannot be opened or read (a directory, for example).
-/// Trailing blanks of the name are ignored.
-std::optional<std::string> read_file(std::string_view name);
+/// Trailing blanks of the name are ignored. Throws `fault::content` for a file (or an endless device) of more than
+/// `most` bytes.
+std::optional<std::string> read_file(std::string_view name, std::size_t most = std::size_t{1} << 30U);
 
 /// Reads numbers from text in free format: separated by blanks, tabs, line ends or one comma, with repeat counts
 /// (`3*0.5`), up to the end of the text or a slash. A value left out (two commas in a row, `3*`) is bad: whoever

@@ -94,7 +94,7 @@ TEST(RampTop, HasTheBitsOfTheDefinitionAlthoughMostTrialsEndEarly) {
   for (const monitor& mon : {plain, composite, dim, bright}) {
     const ramp_top top = ramptop_temp(mon, 6500), want = bisected(mon, mon.whitepoint[1] * blackbody_color(6500));
     EXPECT_EQ(std::tuple(top.inp, top.m, top.xyz), std::tuple(want.inp, want.m, want.xyz));
-    EXPECT_LT(dist2(ramptop_xyz(mon, blackbody_color(6500).v).xyz, top.xyz), 1e-20);
+    EXPECT_LT(dist2(ramptop_xyz(mon, blackbody_color(6500)).xyz, top.xyz), 1e-20);
   }
 }
 
@@ -103,7 +103,7 @@ TEST(RampTop, TheSwathsIsTheBrightestOnItsLine) {
   const locus_swath swath = cct_segment(6500, 0.01);
   for (int i = 0; i <= 20; ++i) {
     const vec2 at = swath.at(swath.tmin + (swath.tmax - swath.tmin) * i / 20);
-    EXPECT_LE(ramptop_xyz(plain, at.v).xyz[1], best.xyz[1] * (1 + 1e-6)) << i;
+    EXPECT_LE(ramptop_xyz(plain, at).xyz[1], best.xyz[1] * (1 + 1e-6)) << i;
   }
 }
 
@@ -114,10 +114,10 @@ TEST(GrayRamp, ShowsTheCurveTimesTheTopPlusTheWeightedDark) {
   matrix by_temperature(18, 3), by_swath(18, 3), by_chromaticity(18, 3);
   colortemp_lut(by_temperature, plain, 6500, curve, 0.5, 0);
   colortemp_lut(by_swath, plain, 6500, curve, 0.5, 0.005);
-  chromaticity_lut(by_chromaticity, plain, warm.v, curve, 0.5);
+  chromaticity_lut(by_chromaticity, plain, warm, curve, 0.5);
   const std::pair<matrix, ramp_top> ramps[] = {{by_temperature, ramptop_temp(plain, 6500)},
                                                {by_swath, bcgtw(plain, 6500, 0.005)},
-                                               {by_chromaticity, ramptop_xyz(plain, warm.v)}};
+                                               {by_chromaticity, ramptop_xyz(plain, warm)}};
   for (const auto& [tab, top] : ramps) {
     EXPECT_EQ(row3(tab, 17), top.inp) << "without any dark";
     for (std::size_t i = 0; i < 17; ++i) {

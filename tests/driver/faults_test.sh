@@ -96,7 +96,7 @@ if grep -q __asan_init "$program"; then
   skip "memory limits" "the address sanitizer reserves more than any limit"
 else
   limited() { ends "$@" bash -c 'ulimit -v 32000 && exec "$0"' "$program"; }
-  job "$gray tlen=2000000000" && limited "memory limit" 7 "Allocation would exceed memory limit"
+  job "$gray tlen=1000000" && limited "memory limit" 7 "Allocation would exceed memory limit"
   # A count that no file could hold is refused without room for it.
   sed 's/^17 0 2/2000000000 0 2/' m.txt >huge.txt
   echo "2000000000 0 0 1 1" >huge_gamma.txt
@@ -120,8 +120,11 @@ writes "CR LF and byte order marks" 0 ' normal exit' "$program"
 
 { yes '; a comment' | head -c 50000004 && cat m.txt; } >m_long.txt
 job "$both wgfile='m_long.txt'"
-{ yes '! a comment' | head -c 50000004 && cat settings; } >long && mv long settings
-writes "50 MB of comments" 0 ' normal exit' "$program"
+{ yes '! a comment' | head -c 15000000 && cat settings; } >long && mv long settings
+writes "50 MB of comments, and 15 MB in the settings" 0 ' normal exit' "$program"
+rm out/*
+{ yes '! a comment' | head -c 17000004 && cat settings; } >long && mv long settings
+ends "17 MB of settings" 4 "Settings: no closing * within 16777216 bytes" "$program"
 
 if command -v script >/dev/null; then
   is "a terminal is told what is awaited" "$(script -qec "'$program'" /dev/null <<<"&opts /")" '*&opts cvmode=*'

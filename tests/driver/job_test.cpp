@@ -11,8 +11,9 @@
 #include <unistd.h>
 
 #include "colour/nonpar_monitor.hpp"
-#include "driver/report.hpp"
+#include "driver/exit_status.hpp"
 #include "driver/run.hpp"
+#include "driver/tables.hpp"
 #include "tools/simulated_display.hpp"
 #include "utils/text.hpp"
 
@@ -50,9 +51,10 @@ outcome run_job(const std::string& options, bool verbose = false) {
   int status = 0;
   try {
     run_program(arguments, "&opts tlen=17 wgfile='m.txt' outdir='out' " + options + " /", out, err);
-  } catch (const stop_run& stop) {
-    status = stop.status;
-    err << stop.message;
+  } catch (const failure& stop) {
+    const ending end = ending_of(stop);
+    status = end.status;
+    err << end.line;
   }
   return {status, out.str(), err.str()};
 }
@@ -174,9 +176,9 @@ TEST_F(Job, CodesRoundHalvesAwayFromZeroAndAreNotClamped) {
   matrix m = to_matrix({{{{{0.5, -0.5, 0}}, {{1.2, 1, 0.1}}, {{0, 0, 0.49}}}}});
   EXPECT_EQ(table_text("t", m, 5), "    3    6    0\n   -3    5    0\n    0    1    2\n");
   m(1, 0) = 1e19;
-  EXPECT_THROW(table_text("t", m, 5), stop_run) << "more than 64 bits";
+  EXPECT_THROW(table_text("t", m, 5), failure) << "more than 64 bits";
   m(1, 0) = std::nan("");
-  EXPECT_THROW(table_text("t", m, 0, true), stop_run) << "allowed in the last row only";
+  EXPECT_THROW(table_text("t", m, 0, 2), failure) << "allowed in the last row only";
 }
 
 TEST_F(Job, ScaleAndStartOfTheGammaFileDoNotMatter) {

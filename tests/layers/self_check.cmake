@@ -20,7 +20,7 @@ expect("" driver/run.cpp "#include <cstdio>" "#include \"driver/run.hpp\"" "#inc
 expect("" numerics/sort.hpp "// never exit() here" "auto exits = count_exit(3)")
 expect("points up from numerics" numerics/wrong.hpp "#pragma once" "  #  include \"utils/lut.hpp\"")
 expect("points up from colour" colour/wrong.cpp "#include \"colour/a.hpp\"" "#include \"matching/matching.hpp\"")
-expect("points up from matching" matching/deep/wrong.cpp "#include \"driver/settings.hpp\"")
+expect("points up from matching" matching/deep/wrong.cpp "#include \"driver/profile.hpp\"")
 expect("not relative to src" monitor/wrong.cpp "#include \"monitor.hpp\"")
 expect("names no layer" utils/wrong.cpp "#include \"../numerics/matrix.hpp\"")
 expect("not in one of the layers" helpers/wrong.cpp "int x")

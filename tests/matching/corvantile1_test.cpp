@@ -14,12 +14,12 @@ const lut curve = make_gamma_table(2.2, 64);
 
 TEST(GrayMatch, LooksAtItsParametersInOrderUnlessTheDisplaysOwnWhiteIsKept) {
   matrix want(rows, 3), tab(rows, 3);
-  EXPECT_EQ(cv1(plain, {.temp = 6500, .alpha = 0.8, .beta = 0.8}, curve, tab), 1);
-  EXPECT_EQ(cv1(plain, {.temp = 6500, .alpha = 1.5, .beta = 1.2}, curve, tab), 1) << "both wrong: alpha first";
-  EXPECT_EQ(cv1(plain, {.temp = 6500, .alpha = 0.5, .beta = 1.2}, curve, tab), 2);
+  EXPECT_EQ(cv1(plain, {.temp = 6500, .alpha = 0.8, .beta = 0.8}, curve, tab).status, 1);
+  EXPECT_EQ(cv1(plain, {.temp = 6500, .alpha = 1.5, .beta = 1.2}, curve, tab).status, 1) << "both wrong: alpha first";
+  EXPECT_EQ(cv1(plain, {.temp = 6500, .alpha = 0.5, .beta = 1.2}, curve, tab).status, 2);
   EXPECT_EQ(tab, want) << "untouched";
-  chromaticity_lut(want, plain, xyz2xy(plain.whitepoint)->v, curve, 0.9);
-  EXPECT_EQ(cv1(plain, {.temp = -1, .wptemp = 5000, .alpha = 0.9, .beta = 0.1, .hwid = 0.01}, curve, tab), 0);
+  chromaticity_lut(want, plain, *xyz2xy(plain.whitepoint), curve, 0.9);
+  EXPECT_EQ(cv1(plain, {.temp = -1, .wptemp = 5000, .alpha = 0.9, .beta = 0.1, .hwid = 0.01}, curve, tab).status, 0);
   EXPECT_EQ(tab, want);
 }
 
@@ -36,7 +36,9 @@ TEST(GrayMatch, ShadesTheTopTowardsASecondTemperature) {
     matrix first(rows, 3), second(rows, 3), tab(rows, 3);
     colortemp_lut(first, plain, 6500, curve, c.alpha, 0.002);
     colortemp_lut(second, plain, c.second, curve, c.alpha, 0.002);
-    EXPECT_EQ(cv1(plain, {6500, c.wptemp, c.alpha, c.beta, 0.002}, curve, tab), 0);
+    const gray_match match = cv1(plain, {6500, c.wptemp, c.alpha, c.beta, 0.002}, curve, tab);
+    EXPECT_EQ(match.status, 0);
+    EXPECT_EQ(match.undefined_row, c.beta == 1 ? std::optional(rows - 1) : std::nullopt);
     for (std::size_t i = 0; i < rows; ++i) {
       const double t = (static_cast<double>(i + 1) - c.k0) / (rows - c.k0);
       const double w = t < 0 ? 0 : 3 * t * t - 2 * t * t * t;

@@ -7,7 +7,9 @@
 namespace corvantile {
 namespace {
 
-constexpr chromaticity_table srgb{{{{0.64, 0.33}}, {{0.30, 0.60}}, {{0.15, 0.06}}, {{0.3127, 0.3290}}}};
+constexpr chromaticity_table srgb{{{0.64, 0.33}}, {{0.30, 0.60}}, {{0.15, 0.06}}, {{0.3127, 0.3290}}};
+
+std::array<vec2, 4> each(const chromaticity_table& c) { return {c.red, c.green, c.blue, c.white}; }
 
 double distance(const vec2& a, const vec2& b) { return std::hypot(a[0] - b[0], a[1] - b[1]); }
 
@@ -17,9 +19,9 @@ TEST(Primaries, SrgbMatrixIsThePublishedOne) {
                         vec3{{0.1804807884018343, 0.07219231536073371, 0.9505321522496607}}}};
   const mat3 m = c2rgb_type(srgb);
   for (std::size_t c = 0; c < 3; ++c) EXPECT_LT(dist2(m.col[c], published.col[c]), 1e-24);
-  for (std::size_t i = 0; i < 4; ++i) EXPECT_LT(distance(rgb2c_type(m)[i], srgb[i]), 3e-16);
+  for (std::size_t i = 0; i < 4; ++i) EXPECT_LT(distance(each(rgb2c_type(m))[i], each(srgb)[i]), 3e-16);
   const matrix back = rgb2c_mat(to_matrix(m)), again = c2rgb_mat(back);
-  EXPECT_EQ((vec2{{back(2, 0), back(2, 1)}}), rgb2c_type(m)[2]);
+  EXPECT_EQ((vec2{{back(2, 0), back(2, 1)}}), rgb2c_type(m).blue);
   for (std::size_t i = 0; i < 3; ++i) EXPECT_LT(dist2(row3(again, i), row3(to_matrix(m), i)), 1e-30);
 }
 
@@ -45,16 +47,16 @@ TEST(InteriorTriangle, KeepsTheIncentreAndLosesTheMargin) {
 
 TEST(AdjustPrimaries, UnreachableOnesMoveTowardsWhiteOntoTheBoundary) {
   // Red and blue lie outside the gamut of sRGB, green inside it until it shrinks.
-  const chromaticity_table wide{{{{0.70, 0.29}}, {{0.31, 0.59}}, {{0.13, 0.04}}, srgb[3]}};
-  const triangle gamut{srgb[0], srgb[1], srgb[2]};
+  const chromaticity_table wide{{{0.70, 0.29}}, {{0.31, 0.59}}, {{0.13, 0.04}}, srgb.white};
+  const triangle gamut{srgb.red, srgb.green, srgb.blue};
   EXPECT_FALSE(adjust_primaries(c2rgb_type(wide), gamut, 0.2).margin_ok) << "more than the gamut has";
   for (const double margin : {0.0, 0.005}) {
     const auto got = adjust_primaries(c2rgb_type(wide), gamut, margin);
-    const chromaticity_table c = rgb2c_type(got.rgb);
-    EXPECT_LT(distance(c[3], srgb[3]), 3e-16) << "the white stays";
+    const std::array c = each(rgb2c_type(got.rgb)), from = each(wide);
+    EXPECT_LT(distance(c[3], srgb.white), 3e-16) << "the white stays";
     for (std::size_t i = 0; i < 3; ++i) {
-      EXPECT_NEAR(got.distances[i], uvdist(wide[i], c[i]), 1e-15);
-      EXPECT_NEAR(distance(wide[i], c[i]) + distance(c[i], srgb[3]), distance(wide[i], srgb[3]), 1e-15);
+      EXPECT_NEAR(got.distances[i], uvdist(from[i], c[i]), 1e-15);
+      EXPECT_NEAR(distance(from[i], c[i]) + distance(c[i], srgb.white), distance(from[i], srgb.white), 1e-15);
       double nearest = 1;  // distance in uv to the lines of the gamut
       for (std::size_t e = 0; e < 3; ++e) {
         const vec2 a = xy2uv_vec(gamut[e]), along = xy2uv_vec(gamut[(e + 1) % 3]) - a, to = xy2uv_vec(c[i]) - a;

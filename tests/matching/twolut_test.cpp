@@ -9,8 +9,8 @@ namespace corvantile {
 namespace {
 
 // The display's gamut is that of sRGB; the first target lies inside it, the second far outside.
-const chromaticity_table inside{{{{0.6, 0.34}}, {{0.31, 0.55}}, {{0.17, 0.1}}, {{0.32, 0.335}}}};
-const chromaticity_table outside{{{{0.7, 0.29}}, {{0.17, 0.78}}, {{0.13, 0.04}}, {{0.3127, 0.329}}}};
+const chromaticity_table inside{{{0.6, 0.34}}, {{0.31, 0.55}}, {{0.17, 0.1}}, {{0.32, 0.335}}};
+const chromaticity_table outside{{{0.7, 0.29}}, {{0.17, 0.78}}, {{0.13, 0.04}}, {{0.3127, 0.329}}};
 
 // Chromaticities do not depend on the level: what a matrix in linear light assumes.
 const monitor display = fitted({.gamma = {{2.1, 2.2, 2.4}}, .toe = 0.02, .digits = 12}, 8);
@@ -30,7 +30,7 @@ TEST(TwoTables, TheCorrectedDisplayShowsTheTarget) {
 }
 
 TEST(TwoTables, LuminanceIsAFractionOfTheBrightestGrayAndLeavesHeadroom) {
-  const double top = ramptop_xyz(display, inside[3].v).xyz[1];
+  const double top = ramptop_xyz(display, inside.white).xyz[1];
   for (const double lumfrac : {0.5, 0.95}) {  // room enough; the largest row sum meets the margin
     const auto sol = twolutsolution(display, inside, {0, lumfrac, 0.05, 2.2, make_gamma_table(2.2, 256)}, 65);
     const double white = luminance(sol.mod_smon.primaries);
@@ -44,7 +44,10 @@ TEST(TwoTables, UnreachablePrimariesAreMovedAndTheWhiteIsNot) {
   const auto sol = twolutsolution(display, outside, {}, 65);
   EXPECT_EQ(sol.status, 1) << "within the gamut, thanks to the margin no entry is negative";
   const auto moved = rgb2c_type(sol.mod_smon.primaries);
-  for (std::size_t i = 0; i < 4; ++i) EXPECT_NEAR(uvdist(moved[i], outside[i]), i < 3 ? sol.distances[i] : 0, 1e-14);
+  EXPECT_NEAR(uvdist(moved.red, outside.red), sol.distances[0], 1e-14);
+  EXPECT_NEAR(uvdist(moved.green, outside.green), sol.distances[1], 1e-14);
+  EXPECT_NEAR(uvdist(moved.blue, outside.blue), sol.distances[2], 1e-14);
+  EXPECT_NEAR(uvdist(moved.white, outside.white), 0, 1e-14);
   EXPECT_EQ(twolutsolution(display, outside, {.boundary_tol = 1, .lut = {}}, 65).status, 0)
       << "no gamut left: negative entries";
 }

@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "utils/failure.hpp"
 #include "utils/text.hpp"
 
 namespace corvantile {
@@ -26,9 +27,9 @@ class FileOutput : public ::testing::Test {
     try {
       write_file(path(name), "more than eight characters");
       ADD_FAILURE() << "written: " << name;
-    } catch (const stop_run& stop) {
+    } catch (const failure& stop) {
       EXPECT_EQ(stop.message, "Cannot write " + path(name) + ": " + reason);
-      EXPECT_EQ(stop.status, 6);
+      EXPECT_EQ(stop.kind, fault::unwritable);
     }
   }
   const fs::path dir_ = fs::path(::testing::TempDir()) / ("file_output." + std::to_string(::getpid()));

@@ -1,4 +1,4 @@
-#include "driver/settings.hpp"
+#include "driver/profile.hpp"
 
 #include <algorithm>
 #include <charconv>
@@ -7,6 +7,7 @@
 #include <ostream>
 #include <variant>
 
+#include "utils/failure.hpp"
 #include "utils/text.hpp"
 
 namespace corvantile {
@@ -15,50 +16,56 @@ namespace {
 // ---- The keys ----
 
 struct text_key {
-  std::string settings::*value;
+  std::string profile::*value;
   std::size_t length;
-  std::string_view initial;
 };
 struct integer_key {
   int settings::*value;
-  int initial;
+};
+struct switch_key {  // 0 or 1
+  bool settings::*value;
 };
 enum class edit { f0_7, g12_7, g10_4 };
 struct real_key {
   double settings::*value;
-  double initial;
   edit layout;
 };
 struct chromaticities_key {
-  std::array<vec2, 4> settings::*value;  // all zero at first
+  chromaticity_table settings::*value;
+};
+struct chromaticity_key {
+  std::optional<vec2> settings::*value;
 };
 
 struct key {
   std::string_view name;
   std::string_view echo;  // what the echo calls it
-  std::variant<text_key, integer_key, real_key, chromaticities_key> kind;
+  std::variant<text_key, integer_key, switch_key, real_key, chromaticities_key, chromaticity_key> kind;
 };
 
 // All there is to know about each key, in the order of the echo.
 constexpr key keys[] = {
-    {"cvmode", "CVMode", text_key{&settings::cvmode, 32, "unspecified"}},
-    {"outdir", "outdir", text_key{&settings::outdir, 256, "."}},
-    {"wgfile", "wgfile", text_key{&settings::wgfile, 256, ""}},
-    {"gamfile", "gamfile", text_key{&settings::gamfile, 256, ""}},
-    {"tlen", "tlen", integer_key{&settings::tlen, 256}},
-    {"nbits", "nbits", integer_key{&settings::nbits, 0}},
-    {"numsegs", "numsegs", integer_key{&settings::numsegs, 5}},
+    {"cvmode", "CVMode", text_key{&profile::cvmode, 32}},
+    {"outdir", "outdir", text_key{&profile::outdir, longest_path}},
+    {"wgfile", "wgfile", text_key{&profile::wgfile, longest_path}},
+    {"gamfile", "gamfile", text_key{&profile::gamfile, longest_path}},
+    {"tlen", "tlen", integer_key{&settings::tlen}},
+    {"nbits", "nbits", integer_key{&settings::nbits}},
+    {"numsegs", "numsegs", integer_key{&settings::numsegs}},
     {"xytable", "chromaticities (WRGB)", chromaticities_key{&settings::xytable}},
-    {"gamma", "gamma", real_key{&settings::gamma, 2.2, edit::f0_7}},
-    {"boundary_tol", "boundary_tol", real_key{&settings::boundary_tol, 0.001, edit::g12_7}},
-    {"lumfrac", "lumfrac", real_key{&settings::lumfrac, 0.95, edit::f0_7}},
-    {"rowsum_margin", "rowsum_margin", real_key{&settings::rowsum_margin, 0.05, edit::g12_7}},
-    {"minslope", "minslope", real_key{&settings::minslope, 0.0, edit::g10_4}},
-    {"alpha", "alpha", real_key{&settings::alpha, 0.5, edit::f0_7}},
-    {"beta", "beta", real_key{&settings::beta, 0.8, edit::f0_7}},
-    {"hwid", "hwid", real_key{&settings::hwid, 0.0, edit::f0_7}},
-    {"temp", "temp", real_key{&settings::temp, -1.0, edit::f0_7}},
-    {"wptemp", "wptemp", real_key{&settings::wptemp, -1.0, edit::f0_7}},
+    {"gamma", "gamma", real_key{&settings::gamma, edit::f0_7}},
+    {"boundary_tol", "boundary_tol", real_key{&settings::boundary_tol, edit::g12_7}},
+    {"lumfrac", "lumfrac", real_key{&settings::lumfrac, edit::f0_7}},
+    {"rowsum_margin", "rowsum_margin", real_key{&settings::rowsum_margin, edit::g12_7}},
+    {"minslope", "minslope", real_key{&settings::minslope, edit::g10_4}},
+    {"alpha", "alpha", real_key{&settings::alpha, edit::f0_7}},
+    {"beta", "beta", real_key{&settings::beta, edit::f0_7}},
+    {"hwid", "hwid", real_key{&settings::hwid, edit::f0_7}},
+    {"temp", "temp", real_key{&settings::temp, edit::f0_7}},
+    {"wptemp", "wptemp", real_key{&settings::wptemp, edit::f0_7}},
+    // Echoed only where they are set, as what came later than the others.
+    {"white", "white", chromaticity_key{&settings::white}},
+    {"restart", "restart", switch_key{&settings::restart}},
 };
 
 // One function per kind of key, for std::visit.
@@ -73,7 +80,9 @@ overload(F...) -> overload<F...>;
 constexpr int array_rows = 2;
 constexpr int array_columns = 4;
 constexpr std::size_t array_size = std::size_t{array_rows} * array_columns;
-double& entry(std::array<vec2, 4>& t, std::size_t i) { return t[i / 2][i % 2]; }
+constexpr std::array<vec2 chromaticity_table::*, array_columns> columns{
+    &chromaticity_table::white, &chromaticity_table::red, &chromaticity_table::green, &chromaticity_table::blue};
+double& entry(chromaticity_table& t, std::size_t i) { return (t.*columns[i / 2])[i % 2]; }
 
 // ---- The scanner ----
 
@@ -170,14 +179,14 @@ struct places {
 
 class reader {
  public:
-  explicit reader(std::string_view profile) : in_(without_byte_order_mark(profile)) {}
+  explicit reader(std::string_view text) : in_(without_byte_order_mark(text)) { p_.set.xytable = {}; }
 
-  settings read() {
+  profile read() {
     open_group();
     for (;;) {
       in_.skip_blanks();
       if (in_.accept(',')) continue;
-      if (in_.accept('/')) return s_;
+      if (in_.accept('/')) return p_;
       if (in_.at_end()) fail("the closing '/' of the group is missing");
       read_assignment();
     }
@@ -187,7 +196,7 @@ class reader {
   [[noreturn]] void fail(const std::string& what, std::size_t line) const {
     std::string where = "Settings, line " + integer_field(static_cast<std::int64_t>(line)) + ": ";
     if (key_ != nullptr) where.append(key_->name).append(": ");
-    throw stop_run(exit_status::bad_settings, where + what);
+    throw failure(fault::setting, where + what);
   }
   [[noreturn]] void fail(const std::string& what) const { fail(what, in_.line()); }
   [[noreturn]] void expected(std::string_view what) const {
@@ -228,24 +237,31 @@ class reader {
       in_.skip_blanks();
     }
     if (!in_.accept('=')) expected("'='");
+    settings& set = p_.set;
+    const auto read_one = [this](const auto& read, const auto& store) {
+      read_values(1, read, [&](std::size_t, const auto& v) { store(v); });
+    };
+    const auto real = [this] { return read_real(); };
     std::visit(overload{
                    [&](const text_key& t) {
-                     read_values(
-                         1, [&] { return read_text(t.length); },
-                         [&](std::size_t, const std::string& v) { s_.*t.value = v; });
+                     read_one([&] { return read_text(t.length); }, [&](const std::string& v) { p_.*t.value = v; });
                    },
                    [&](const integer_key& i) {
-                     read_values(
-                         1, [&] { return read_integer(); }, [&](std::size_t, int v) { s_.*i.value = v; });
+                     read_one([this] { return read_integer(); }, [&](int v) { set.*i.value = v; });
                    },
-                   [&](const real_key& r) {
-                     read_values(
-                         1, [&] { return read_real(); }, [&](std::size_t, double v) { s_.*r.value = v; });
+                   [&](const switch_key& b) {
+                     read_one([this] { return read_switch(); }, [&](bool v) { set.*b.value = v; });
                    },
+                   [&](const real_key& r) { read_one(real, [&](double v) { set.*r.value = v; }); },
                    [&](const chromaticities_key& c) {
-                     read_values(
-                         array.count, [&] { return read_real(); },
-                         [&](std::size_t n, double v) { entry(s_.*c.value, array.index[n]) = v; });
+                     read_values(array.count, real,
+                                 [&](std::size_t n, double v) { entry(set.*c.value, array.index[n]) = v; });
+                   },
+                   [&](const chromaticity_key& c) {
+                     read_values(2, real, [&](std::size_t n, double v) {
+                       if (!(set.*c.value)) (set.*c.value).emplace();
+                       (*(set.*c.value))[n] = v;
+                     });
                    },
                },
                k->kind);
@@ -303,6 +319,13 @@ class reader {
     if (!v || *v != static_cast<std::int32_t>(*v)) expected("an integer of 32 bits");
     in_.advance(in_.word().size());
     return static_cast<int>(*v);
+  }
+
+  bool read_switch() {
+    const std::string_view word = in_.word();
+    if (word != "0" && word != "1") expected("0 or 1");
+    in_.advance(1);
+    return word == "1";
   }
 
   double read_real() {
@@ -405,77 +428,49 @@ class reader {
   }
 
   scanner in_;
-  settings s_;
+  profile p_;
   const key* key_ = nullptr;  // whose values are being read
 };
 
-// ---- Judging ----
+// ---- The echo ----
 
-void require(bool good, std::string_view name, const std::string& value, std::string_view why) {
-  if (!good) refuse_setting(name, value, why);
-}
-void require(bool good, std::string_view name, int value, std::string_view why) {
-  require(good, name, integer_field(value), why);
-}
-void require(bool good, std::string_view name, double value, std::string_view why) {
-  require(good, name, free_format(value).substr(1), why);
-}
-
-void require_finite(std::string_view name, double value) {
-  require(std::isfinite(value), name, value, "must be a finite number");
-}
-
-// Twice the area of the triangle a, b, c, positive when it is run through counterclockwise.
-double turn(const vec2& a, const vec2& b, const vec2& c) {
-  return (b[0] - a[0]) * (c[1] - a[1]) - (b[1] - a[1]) * (c[0] - a[0]);
-}
-
-// The target's chromaticities must be those of a display: a triangle of primaries with the white inside.
-void require_gamut(const std::array<vec2, 4>& xytable) {
-  const auto& [white, red, green, blue] = xytable;
-  std::string given;
-  for (const vec2& xy : xytable) given += free_format(xy[0]) + free_format(xy[1]);
-  given.erase(0, 1);
-  for (const vec2& xy : xytable) {
-    require(std::isfinite(xy[0]) && std::isfinite(xy[1]), "xytable", given, "must be finite numbers");
-    require(xy[1] != 0, "xytable", given, "a y of 0 is no chromaticity");
+std::string real_text(double v, edit layout) {
+  switch (layout) {
+    case edit::f0_7:
+      return fixed_field(v, 0, 7);
+    case edit::g12_7:
+      return general_field(v, 12, 7);
+    case edit::g10_4:
+      return general_field(v, 10, 4);
   }
-  const double area = turn(red, green, blue);
-  constexpr double flat = 1e-9;  // well above rounding, well below any display's
-  require(std::abs(area) > flat, "xytable", given, "the primaries lie on one line");
-  require(
-      turn(red, green, white) * area > 0 && turn(green, blue, white) * area > 0 && turn(blue, red, white) * area > 0,
-      "xytable", given, "the white must lie inside the triangle of the primaries");
+  return {};
+}
+
+// Nothing where no entry is above 0.
+std::string chromaticities_text(std::string_view label, chromaticity_table t) {
+  std::string text = std::string(label) + '\n';
+  bool any = false;
+  for (std::size_t i = 0; i < array_size; ++i) {
+    const double v = entry(t, i);
+    any = any || v > 0;
+    if (i > 0 && i % 2 == 0) text.append(3, ' ');
+    append_fixed(text.append(2, ' '), v, 0, 4);
+  }
+  return any ? text + '\n' : "";
 }
 
 }  // namespace
 
-settings::settings() {
-  for (const key& k : keys)
-    std::visit(overload{[this](const chromaticities_key& c) { this->*c.value = {}; },
-                        [this](const auto& v) { this->*v.value = v.initial; }},
-               k.kind);
-}
+profile read_profile(std::string_view text) { return reader(text).read(); }
 
-bool verbose_requested(std::span<const std::string_view> arguments) {
-  return std::ranges::any_of(arguments, [](std::string_view a) {
-    const std::string_view text = trim(cut(a, 256));
-    return text == "-verbose" || text == "-v";
-  });
-}
-
-settings read_settings(std::string_view profile) { return reader(profile).read(); }
-
-match_mode mode_of(const settings& s) {
-  if (s.cvmode == "CV1" || s.cvmode == "cv1") return match_mode::cv1;
-  if (s.cvmode == "CV2" || s.cvmode == "cv2") return match_mode::cv2;
-  if (s.cvmode == "CV2_1" || s.cvmode == "cv2_1") return match_mode::cv2_1;
-  if (s.cvmode == "unspecified") throw stop_run(exit_status::no_mode, " CVMode unspecified");
-  throw stop_run(exit_status::unknown_mode, " illegal CVMode: " + s.cvmode);
-}
-
-void require_wgfile(const settings& s) {
-  if (s.wgfile.empty()) throw stop_run(exit_status::no_measurement_file, " profile file not specified");
+void name_mode(profile& p) {
+  if (const auto mode = mode_named(p.cvmode)) {
+    p.set.mode = *mode;
+  } else if (p.cvmode == profile().cvmode) {
+    throw failure(fault::no_mode, "CVMode unspecified");
+  } else {
+    throw failure(fault::unknown_mode, "illegal CVMode: " + printable(p.cvmode));
+  }
 }
 
 void fill_xytable(settings& s, std::ostream& out, std::string_view standard) {
@@ -488,105 +483,43 @@ void fill_xytable(settings& s, std::ostream& out, std::string_view standard) {
   }
   if (!any_number) return;
 
-  // White, red, green, blue.
-  constexpr std::array<vec2, 4> srgb{{{{0.3127, 0.329}}, {{0.64, 0.33}}, {{0.3, 0.6}}, {{0.15, 0.06}}}};
-  constexpr std::array<vec2, 4> adobe{{{{0.3127, 0.329}}, {{0.64, 0.34}}, {{0.21, 0.71}}, {{0.15, 0.06}}}};
-  constexpr std::array<vec2, 4> smpte{{{{0.3127, 0.329}}, {{0.63, 0.34}}, {{0.31, 0.595}}, {{0.155, 0.07}}}};
-  if (standard == "sRGB") {
-    s.xytable = srgb;
-  } else if (standard == "AdobeRGB98") {
-    s.xytable = adobe;
+  s.xytable = srgb;
+  if (standard == "AdobeRGB98") {
+    s.xytable.red = {{0.64, 0.34}};
+    s.xytable.green = {{0.21, 0.71}};
   } else if (standard == "SMPT-C") {  // the program's own spelling
-    s.xytable = smpte;
-  } else {
+    s.xytable.red = {{0.63, 0.34}};
+    s.xytable.green = {{0.31, 0.595}};
+    s.xytable.blue = {{0.155, 0.07}};
+  } else if (standard != "sRGB") {
     out << " unrecognized standard; using sRGB\n";
-    s.xytable = srgb;
     s.gamma = settings().gamma;
   }
 }
 
-void end_outdir_with_slash(settings& s) { s.outdir = cut(s.outdir + "/", 256); }
+void end_outdir_with_slash(profile& p) { p.outdir = cut(p.outdir + "/", longest_path); }
 
-std::int64_t maxcode(const settings& s) {
-  return s.nbits >= 0 && s.nbits <= 31 ? (std::int64_t{1} << s.nbits) - 1 : 0;
-}
-
-std::string echo(const settings& s) {
+std::string echo(const profile& p) {
   std::string out;
+  const settings& s = p.set;
   for (const key& k : keys) {
     const std::string label = std::string(k.echo) + " = ";
     std::visit(overload{
-                   [&](const text_key& t) { out += label + s.*t.value + '\n'; },
+                   [&](const text_key& t) { out += label + p.*t.value + '\n'; },
                    [&](const integer_key& i) { out += label + integer_field(s.*i.value) + '\n'; },
-                   [&](const real_key& r) {
-                     const double v = s.*r.value;
-                     out += label;
-                     switch (r.layout) {
-                       case edit::f0_7:
-                         out += fixed_field(v, 0, 7);
-                         break;
-                       case edit::g12_7:
-                         out += general_field(v, 12, 7);
-                         break;
-                       case edit::g10_4:
-                         out += general_field(v, 10, 4);
-                         break;
-                     }
-                     out += '\n';
+                   [&](const switch_key& b) {
+                     if (s.*b.value) out += label + "1\n";
                    },
-                   [&](const chromaticities_key& c) {
-                     const std::array<vec2, 4>& t = s.*c.value;
-                     if (std::ranges::none_of(t, [](const vec2& xy) { return xy[0] > 0 || xy[1] > 0; })) return;
-                     out.append(k.echo) += '\n';
-                     for (std::size_t p = 0; p < t.size(); ++p) {
-                       if (p > 0) out.append(3, ' ');
-                       for (const double v : t[p].v) append_fixed(out.append(2, ' '), v, 0, 4);
-                     }
-                     out += '\n';
+                   [&](const real_key& r) { out += label + real_text(s.*r.value, r.layout) + '\n'; },
+                   [&](const chromaticities_key& c) { out += chromaticities_text(k.echo, s.*c.value); },
+                   [&](const chromaticity_key& c) {
+                     if (const auto& xy = s.*c.value)
+                       out += label + fixed_field((*xy)[0], 0, 7) + ' ' + fixed_field((*xy)[1], 0, 7) + '\n';
                    },
                },
                k.kind);
   }
   return out + '\n';
-}
-
-void refuse_setting(std::string_view key, std::string_view value, std::string_view why) {
-  std::string message = "Settings: ";
-  message.append(key).append(" = ").append(value).append(": ").append(why);
-  throw stop_run(exit_status::bad_settings, message);
-}
-
-void check_settings(const settings& s, match_mode mode, bool power_law) {
-  require(s.tlen >= 2, "tlen", s.tlen, "a table has at least 2 entries");
-  require(s.nbits >= 0 && s.nbits <= 31, "nbits", s.nbits, "must be in 0..31");
-  require(s.numsegs < 0 || s.numsegs > 2, "numsegs", s.numsegs, "must be 3 or more, or negative for the default");
-  // A fit's time and memory grow with the square of its pieces: minutes beyond this, and in the end all there is.
-  constexpr int most_pieces = 256;
-  require(s.numsegs <= most_pieces, "numsegs", s.numsegs, "must be 256 or less");
-  require_finite("minslope", s.minslope);
-  if (power_law) {
-    require_finite("gamma", s.gamma);
-    require(s.gamma > 0, "gamma", s.gamma, "the power law needs an exponent above 0");
-  }
-
-  if (matches_gray(mode)) {
-    require_finite("temp", s.temp);
-    require_finite("alpha", s.alpha);
-    if (s.temp >= 0) {  // else these three are not looked at
-      require_finite("wptemp", s.wptemp);
-      require_finite("beta", s.beta);
-      require_finite("hwid", s.hwid);
-    }
-  }
-
-  if (solves_two_tables(mode)) {
-    require_gamut(s.xytable);
-    require_finite("boundary_tol", s.boundary_tol);
-    require_finite("lumfrac", s.lumfrac);
-    require(s.lumfrac > 0, "lumfrac", s.lumfrac, "must be above 0");
-    require_finite("rowsum_margin", s.rowsum_margin);
-    require(s.rowsum_margin < 1, "rowsum_margin", s.rowsum_margin, "must be below 1");
-  }
 }
 
 }  // namespace corvantile

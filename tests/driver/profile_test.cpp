@@ -1,14 +1,16 @@
-#include "driver/settings.hpp"
+#include "driver/profile.hpp"
 
 #include <gtest/gtest.h>
 #include <sstream>
 
-#include "utils/text.hpp"
+#include "driver/exit_status.hpp"
+#include "driver/run.hpp"
+#include "driver/tables.hpp"
 
 namespace corvantile {
 namespace {
 
-settings of(const std::string& assignments) { return read_settings("&opts " + assignments + "\n/"); }
+profile of(const std::string& assignments) { return read_profile("&opts " + assignments + "\n/"); }
 
 // How `f` stops the run: status and message.
 template <class F>
@@ -16,8 +18,9 @@ std::string stop_of(const F& f) {
   try {
     f();
     return "not at all";
-  } catch (const stop_run& stop) {
-    return std::to_string(stop.status) + (stop.to == stop_run::stream::err ? ": " : " on out: ") + stop.message;
+  } catch (const failure& reason) {
+    const ending stop = ending_of(reason);
+    return std::to_string(stop.status) + (stop.on_standard_output ? " on out: " : ": ") + stop.line;
   }
 }
 
@@ -54,11 +57,11 @@ TEST(Settings, EveryFormOfTheGroup) {
       {"&opts xytable(1,1)=.5 xytable(2,1)=.25/", "xytable=.5 .25 0 0 0 0 0 0", "one key twice in a row"},
   };
   for (const auto& [profile, plainly, why] : rows)
-    EXPECT_EQ(echo(read_settings(profile)), echo(of(plainly))) << why << ": " << profile;
+    EXPECT_EQ(echo(read_profile(profile)), echo(of(plainly))) << why << ": " << profile;
 }
 
 TEST(Settings, Texts) {
-  settings s = of("outdir='it''s \"a\"/!' wgfile=\"say \"\"x\"\"\" gamfile='ab \r\n  cd  '");
+  profile s = of("outdir='it''s \"a\"/!' wgfile=\"say \"\"x\"\"\" gamfile='ab \r\n  cd  '");
   EXPECT_EQ(s.outdir, "it's \"a\"/!");
   EXPECT_EQ(s.wgfile, "say \"x\"");
   EXPECT_EQ(s.gamfile, "ab   cd") << "over a line end, which is no part of it, and without trailing blanks";
@@ -90,7 +93,7 @@ TEST(Settings, ErrorsNameLineKeyAndWhatWasExpected) {
       {"&opts xytable(1:1,1)=5 6/", "xytable: expected another key or the closing '/' after 1 value, found '6'"},
   };
   for (const auto& [profile, message] : rows) {
-    const std::string said = stop_of([&, p = profile] { read_settings(p); });
+    const std::string said = stop_of([&, p = profile] { read_profile(p); });
     EXPECT_TRUE(said.starts_with("4: Settings, line ") && said.find(message) != said.npos) << profile << ": " << said;
   }
 }
@@ -98,10 +101,18 @@ TEST(Settings, ErrorsNameLineKeyAndWhatWasExpected) {
 TEST(Settings, ModeMeasurementFileAndVerboseSwitch) {
   for (const auto& [name, mode] :
        {std::pair("1'", match_mode::cv1), {"2'", match_mode::cv2}, {"2_1'", match_mode::cv2_1}})
-    for (const std::string prefix : {"cvmode='CV", "cvmode='cv"}) EXPECT_EQ(mode_of(of(prefix + name)), mode) << name;
-  EXPECT_EQ(stop_of([] { mode_of(of("")); }), "1:  CVMode unspecified");
-  EXPECT_EQ(stop_of([] { mode_of(of("cvmode='Cv1'")); }), "2:  illegal CVMode: Cv1");
-  EXPECT_EQ(stop_of([] { require_wgfile(of("wgfile='  '")); }), "3:  profile file not specified");
+    for (const std::string prefix : {"cvmode='CV", "cvmode='cv"}) {
+      profile p = of(prefix + name);
+      name_mode(p);
+      EXPECT_EQ(p.set.mode, mode) << name;
+    }
+  std::ostringstream none;
+  const auto run_of = [&](const std::string& given) {
+    return stop_of([&] { run_program({}, "&opts " + given + " /", none, none); });
+  };
+  EXPECT_EQ(run_of(""), "1:  CVMode unspecified");
+  EXPECT_EQ(run_of("cvmode='Cv1'"), "2:  illegal CVMode: Cv1");
+  EXPECT_EQ(run_of("cvmode='CV1' wgfile='  '"), "3:  profile file not specified");
   const auto verbose = [](std::vector<std::string_view> a) { return verbose_requested(a); };
   EXPECT_TRUE(verbose({"x", "-v"}));
   EXPECT_TRUE(verbose({"-verbose  "})) << "compared as padded text";
@@ -119,9 +130,9 @@ TEST(Settings, BuiltInStandardsFillATableOfZeros) {
       {"xytable=nan 7*-0", "sRGB", "xytable=.3127 .329 .64 .33 .3 .6 .15 .06"},  // such entries do not count
       {"xytable=8*nan", "sRGB", "xytable=8*nan"}};
   for (const auto& [given, standard, filled] : rows) {
-    settings s = of(given);
+    profile s = of(given);
     std::ostringstream out;
-    fill_xytable(s, out, standard);
+    fill_xytable(s.set, out, standard);
     EXPECT_EQ(echo(s), echo(of(filled))) << given << ' ' << standard;
     EXPECT_EQ(out.str(), std::string_view(standard) == "PAL" ? " unrecognized standard; using sRGB\n" : "");
   }
@@ -130,8 +141,9 @@ TEST(Settings, BuiltInStandardsFillATableOfZeros) {
 TEST(Settings, ValuesAreJudgedWhereTheModeUsesThem) {
   constexpr auto one = match_mode::cv1, two = match_mode::cv2, both = match_mode::cv2_1;
   const auto judge = [](match_mode mode, const std::string& given) {
-    const settings s = of("temp=6500 xytable=.3127,.329,.64,.33,.3,.6,.15,.06 " + given);
-    return stop_of([&] { check_settings(s, mode, s.gamfile.empty()); });
+    profile p = of("temp=6500 xytable=.3127,.329,.64,.33,.3,.6,.15,.06 " + given);
+    p.set.mode = mode;
+    return stop_of([&] { check_settings(p.set, p.gamfile.empty()); });
   };
   const std::pair<match_mode, std::vector<std::string>> refused[] = {
       {one, {"tlen=1", "nbits=32", "nbits=-1", "numsegs=2", "numsegs=257", "gamma=0", "temp=Infinity", "wptemp=NaN"}},
@@ -152,7 +164,7 @@ TEST(Settings, ValuesAreJudgedWhereTheModeUsesThem) {
     EXPECT_NE(judge(two, std::string("xytable=") + xytable).find(why), std::string::npos) << xytable;
   const std::string unused = "temp=-1 beta=nan wptemp=nan hwid=nan lumfrac=0 rowsum_margin=1 xytable=.3,0";
   EXPECT_EQ(judge(one, "nbits=31 numsegs=256 " + unused), "not at all");
-  EXPECT_EQ(maxcode(of("nbits=31")), 2147483647);
+  EXPECT_EQ(maxcode(of("nbits=31").set), 2147483647);
   EXPECT_EQ(judge(one, "numsegs=-1 gamma=nan gamfile='g'"), "not at all");
   EXPECT_EQ(judge(two, "temp=nan alpha=nan xytable=.3127,.329,.64,.33,.15,.06,.3,.6"), "not at all");
 }

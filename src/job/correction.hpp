@@ -1,0 +1,45 @@
+#pragma once
+// One call from measurements to tables.
+
+#include <optional>
+
+#include "job/settings.hpp"
+#include "job/tone_samples.hpp"
+#include "job/warning.hpp"
+#include "matching/matching.hpp"
+#include "monitor/measurements.hpp"
+#include "monitor/monitor.hpp"
+#include "numerics/matrix.hpp"
+
+namespace corvantile {
+
+/// What a job gives. Tables have `tlen` rows, row i for the input i / (tlen - 1), and columns red, green, blue; their
+/// entries are drive values or linear values, 0 to 1.
+struct correction {
+  match_mode mode = match_mode::cv1;
+  monitor measured;  ///< the display as measured: the model that was fitted
+
+  /// CV2 and CV2_1: pre-table, matrix, post-table, the display behind them, target and clipped target, distances
+  /// moved. In CV2_1 `prelut` includes the gray match, while `cmon` stands behind the two-table solution alone.
+  std::optional<two_table_solution> two;
+
+  /// The gray ramp: what to put into `display`. In CV1 it is the table that a device loads (drive to drive), in
+  /// CV2_1 what the gray match adds before the pre-table, in CV2 the plain ramp. Zeros where the gray match was kept
+  /// from it by `alpha` and `beta`.
+  matrix gray;
+  monitor display;  ///< what `gray` drives: the display as measured, or `two->cmon`
+
+  /// The row of `gray` (and of CV2_1's `prelut`) that is not a number, if there is one: see `gray_match`.
+  std::optional<std::size_t> undefined_row;
+
+  std::vector<warning> warnings;  ///< what is not to be trusted, in the order in which it was found
+  double two_seconds = 0;         ///< CPU time of this process during the two-table solution
+  double gray_seconds = 0;        ///< and during the gray match
+};
+
+/// Fits the display, solves in the mode that the settings name, and judges the result. The target tone curve is that
+/// of `tone`, else the power law of `gamma`. Reads and writes nothing and keeps no state: several threads may call it
+/// at once. Throws `fault::setting` or `fault::content`.
+correction solve(const settings& set, const measurements& samples, const std::optional<tone_samples>& tone = {});
+
+}  // namespace corvantile

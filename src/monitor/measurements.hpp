@@ -1,0 +1,36 @@
+#pragma once
+// What was measured: the ramps of one display, in memory and as a file.
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "numerics/matrix.hpp"
+
+namespace corvantile {
+
+/// One sample a row: R, G, B (drive, any unit; the largest number in the table is full drive), then X, Y, Z (CIE
+/// 1931, in cd/m2 or with white near 100). The rows begin with the ramps, `nramp` each, from full drive down to zero:
+/// white, red, green, blue and, in version 1, three more that serve the dark light only. Rows after them are extra
+/// samples, which no fit uses.
+struct measurements {
+  std::string name;  ///< of the file, for messages
+  matrix data;       ///< rows x 6
+  int nramp = 0;     ///< levels in each ramp, at least 2
+  int version = 2;   ///< 1: seven ramps, 2: four
+};
+
+/// Ramps of a table of that version: 7 or 4. Throws `fault::version` for any other.
+std::size_t ramp_count(int version);
+
+/// A row in words: "sample 20 (level 3 of the red ramp)". Counts from 1.
+std::string sample_text(const measurements& samples, std::size_t row);
+
+/// Reads a measurement file. Throws `fault::no_measurements` where it cannot be opened, `fault::version` for a
+/// version that is neither 1 nor 2, else `fault::content` where the content cannot give a result.
+measurements load_measurements(const std::string& filename);
+
+/// The same for the text of such a file; `filename` names it in messages.
+measurements parse_measurements(const std::string& filename, std::string_view text);
+
+}  // namespace corvantile
