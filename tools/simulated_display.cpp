@@ -11,6 +11,8 @@
 #include <variant>
 #include <vector>
 
+#include "colour/chromaticity.hpp"
+
 namespace corvantile {
 namespace {
 
@@ -38,8 +40,6 @@ struct generator {
 
 constexpr std::uint64_t extra_stream = 0x5eed'0f'e17a'5a3bu;  // keeps the ramps the same whatever `extra` is
 
-vec3 xyz_of(const vec2& xy) { return {{xy[0] / xy[1], 1, (1 - xy[0] - xy[1]) / xy[1]}}; }
-
 double determinant(const vec3& a, const vec3& b, const vec3& c) {
   return a[0] * (b[1] * c[2] - b[2] * c[1]) - b[0] * (a[1] * c[2] - a[2] * c[1]) + c[0] * (a[1] * b[2] - a[2] * b[1]);
 }
@@ -49,7 +49,7 @@ vec2 red_xy(const simulated_display& d) { return d.dark_red_z ? vec2{{d.red[0], 
 
 /// Luminance of each primary in a white of luminance 1.
 vec3 shares(const simulated_display& d) {
-  const vec3 r = xyz_of(red_xy(d)), g = xyz_of(d.green), b = xyz_of(d.blue), w = xyz_of(d.white);
+  const vec3 r = xy2xyz(red_xy(d)), g = xy2xyz(d.green), b = xy2xyz(d.blue), w = xy2xyz(d.white);
   const double whole = determinant(r, g, b);
   return {{determinant(w, g, b) / whole, determinant(r, w, b) / whole, determinant(r, g, w) / whole}};
 }
@@ -230,12 +230,12 @@ double tone(const simulated_display& d, std::size_t c, double u) {
 mat3 primaries(const simulated_display& d) {
   const vec3 share = shares(d);
   const double full = d.white_luminance - d.black_luminance;
-  mat3 m{{full * share[0] * xyz_of(red_xy(d)), full * share[1] * xyz_of(d.green), full * share[2] * xyz_of(d.blue)}};
+  mat3 m{{full * share[0] * xy2xyz(red_xy(d)), full * share[1] * xy2xyz(d.green), full * share[2] * xy2xyz(d.blue)}};
   if (d.dark_red_z) m(2, 0) = 0;  // 1 - x - y may leave a rounding error
   return m;
 }
 
-vec3 dark_light(const simulated_display& d) { return d.black_luminance * xyz_of(d.white); }
+vec3 dark_light(const simulated_display& d) { return d.black_luminance * xy2xyz(d.white); }
 
 /// The light above the dark.
 static vec3 light(const simulated_display& d, const mat3& full, const vec3& drive) {

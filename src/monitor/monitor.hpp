@@ -5,6 +5,11 @@
 //   input          drive value, 0 (off) to 1 (full drive)
 //   monitor value  the channel's dark-corrected Y over its dark-corrected Y at full drive, 0 to 1
 //   output         CIE 1931 XYZ in the units of the measurements, dark light included
+// For inputs u_c, behind a front end where there is one, the model is, with c over red, green and blue,
+//   m_c = inpcurve_c(u_c)
+//   X   = sum of Xmax_c xcurve_c(m_c) + darklight_X
+//   Y   = sum of Ymax_c m_c           + darklight_Y
+//   Z   = sum of Zmax_c zcurve_c(m_c) + darklight_Z
 // A transform comes as a pair: `_vec` for one triple and `_mat` for an n x 3 batch, one triple a row, which gives row
 // by row the same bits. None clamps its arguments: curves and tables continue beyond their ends.
 
@@ -69,13 +74,6 @@ monitor makemonitor(const measurements& samples, std::optional<int> numsegs = {}
 /// Both steps. 8 pieces when `numsegs` is absent: not the default of `makemonitor`, and meant so.
 monitor loadmonitor(const std::string& filename, std::optional<int> numsegs = {}, double minslope = 0.0);
 
-/// Repairs the dark end of a sampled curve: for six samples (x, y), the values at the first five of the cubic
-/// A x^2 + B x^3 that meets sample 5 with the slope of the chord from sample 5 to 6. Held ready; no fit uses it.
-std::array<double, 5> fixlowend(const std::array<double, 6>& x, const std::array<double, 6>& y);
-
-/// Prints the record's name, colours and matrices on `out`.
-void dumpmon(std::ostream& out, const monitor& mon);
-
 // ---- Asking one (transforms.cpp) ----
 
 vec3 inp2mon_vec(const monitor& mon, const vec3& inp);
@@ -91,6 +89,30 @@ matrix inp2out_mat(const monitor& mon, const matrix& inp);
 vec3 mon2inp_vec(const monitor& mon, const vec3& m);
 matrix mon2inp_mat(const monitor& mon, const matrix& m);
 
+// ---- Front ends (front_end.cpp) ----
+
+vec3 femap_vec(const front_end& fe, const vec3& u);
+matrix femap_mat(const front_end& fe, const matrix& u);
+
+/// Fills the parts given and leaves the others. `pre` and `post` are sampled tables of at least two rows.
+void set3chluts(front_end& fe, const matrix* pre, const matrix* post = nullptr, const mat3* matrix3 = nullptr);
+
+/// The chain that undoes `fe`: tables with their axes exchanged, in the opposite order, and the inverse matrix.
+/// Exact up to interpolation where the tables rise strictly; a singular matrix gives values that are not finite.
+front_end make_inverse_frontend(const front_end& fe);
+
+/// A copy of `mon` with `fe` before it.
+monitor monwfe(const monitor& mon, const front_end& fe);
+
+// ---- Held ready: no job calls these ----
+
+/// Repairs the dark end of a sampled curve: for six samples (x, y), the values at the first five of the cubic
+/// A x^2 + B x^3 that meets sample 5 with the slope of the chord from sample 5 to 6.
+std::array<double, 5> fixlowend(const std::array<double, 6>& x, const std::array<double, 6>& y);
+
+/// Prints the record's name, colours and matrices on `out`.
+void dumpmon(std::ostream& out, const monitor& mon);
+
 /// As `mon2out`, with the one-parameter quadratics in place of the curves.
 vec3 quadmon2out_vec(const monitor& mon, const vec3& m);
 matrix quadmon2out_mat(const monitor& mon, const matrix& m);
@@ -99,11 +121,6 @@ matrix quadmon2out_mat(const monitor& mon, const matrix& m);
 /// kept in [0, 1]; the third follows from Y and is clamped. `error`, when given, receives the squared distance in
 /// XYZ. A blue channel with Ymax = 0 gives values that are not finite.
 vec3 quad_out2mon(const monitor& mon, const vec3& xyz, double* error = nullptr);
-
-// ---- Front ends (front_end.cpp) ----
-
-vec3 femap_vec(const front_end& fe, const vec3& u);
-matrix femap_mat(const front_end& fe, const matrix& u);
 
 /// Maps through a sampled table: n x 3, row i for the input i / (n - 1). Builds its tables anew on every call.
 vec3 lutmap_vec(const matrix& table, const vec3& u);
@@ -114,17 +131,7 @@ matrix lutmap_mat(const matrix& table, const matrix& u);
 vec3 invlutmap_vec(const matrix& table, const vec3& u);
 matrix invlutmap_mat(const matrix& table, const matrix& u);
 
-/// Fills the parts given and leaves the others. `pre` and `post` are sampled tables of at least two rows.
-void set3chluts(front_end& fe, const matrix* pre, const matrix* post = nullptr, const mat3* matrix3 = nullptr);
-
 /// The parts asked for, as sampled tables with as many rows as the first channel's table has points.
 void get3chluts(const front_end& fe, matrix* pre, matrix* post = nullptr, mat3* matrix3 = nullptr);
-
-/// The chain that undoes `fe`: tables with their axes exchanged, in the opposite order, and the inverse matrix.
-/// Exact up to interpolation where the tables rise strictly; a singular matrix gives values that are not finite.
-front_end make_inverse_frontend(const front_end& fe);
-
-/// A copy of `mon` with `fe` before it.
-monitor monwfe(const monitor& mon, const front_end& fe);
 
 }  // namespace corvantile
