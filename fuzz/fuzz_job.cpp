@@ -20,7 +20,6 @@
 #include "driver/run.hpp"
 #include "fuzz/expect.hpp"
 #include "fuzz/number_mutator.hpp"
-#include "fuzz/profile.hpp"
 #include "utils/file_output.hpp"
 #include "utils/text.hpp"
 
@@ -120,7 +119,7 @@ void run_job(std::string_view input) {
   std::ostringstream out;
   std::ostringstream err;
   try {
-    const auto stop = stop_of([&] { run_program(std::array{argument}, text_of(p), out, err); });
+    const auto stop = stop_of([&] { run_program(std::array{argument}, profile_text(p), out, err); });
     look_at_tables(p.outdir, set, !stop);
     if (!stop) {
       name_mode(p);

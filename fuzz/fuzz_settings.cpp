@@ -7,7 +7,6 @@
 #include "driver/profile.hpp"
 #include "driver/tables.hpp"
 #include "fuzz/expect.hpp"
-#include "fuzz/profile.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace corvantile;
@@ -20,8 +19,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return stop.has_value();
   };
   if (refused_as_setting([&] { p = read_profile(as_text(data, size)); })) return 0;
-  const std::string text = text_of(p);
-  expect(text_of(read_profile(text)) == text, "settings written out are read as the same");
+  const std::string text = profile_text(p);
+  expect(profile_text(read_profile(text)) == text, "settings written out are read as the same");
 
   if (const auto stop = stop_of([&] { name_mode(p); }))
     expect(stop->kind == fault::no_mode || stop->kind == fault::unknown_mode, "a mode is missing or unknown");

@@ -67,6 +67,11 @@ vec2 uv2xy_vec(const vec2& uv) {
 }
 matrix uv2xy_mat(const matrix& uv) { return each_row(uv2xy_vec, uv); }
 
+vec2 xy2uv1976(const vec2& xy) {
+  const vec2 uv = xy2uv_vec(xy);
+  return {{uv[0], 1.5 * uv[1]}};
+}
+
 vec3 xy2xyz(const vec2& xy, double Y) { return Y * vec3{{xy[0] / xy[1], 1.0, (1 - xy[0] - xy[1]) / xy[1]}}; }
 
 std::optional<vec2> xyz2xy(const vec3& xyz) {

@@ -1,7 +1,7 @@
 #pragma once
 // Chromaticity coordinates, the colour of a black body, and correlated colour temperature.
 //
-// xy is always CIE 1931; uv is always the CIE 1960 UCS (not the u'v' of 1976); XYZ carries its luminance in Y.
+// xy is always CIE 1931; uv is always the CIE 1960 UCS (the u'v' of 1976 is called so); XYZ carries its luminance in Y.
 // Batches hold one sample per row and agree with the single form bit for bit.
 
 #include <array>
@@ -25,6 +25,9 @@ matrix xy2uv_mat(const matrix& xy);
 /// The inverse of `xy2uv_vec`: x = 3u / (2u - 8v + 4), y = 2v / (2u - 8v + 4).
 vec2 uv2xy_vec(const vec2& uv);
 matrix uv2xy_mat(const matrix& uv);
+
+/// CIE 1976 u' = u and v' = 1.5 v.
+vec2 xy2uv1976(const vec2& xy);
 
 /// Tristimulus values of chromaticity `xy` at luminance `Y`. y = 0 gives a non-finite result.
 vec3 xy2xyz(const vec2& xy, double Y = 1.0);

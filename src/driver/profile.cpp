@@ -459,6 +459,38 @@ std::string chromaticities_text(std::string_view label, chromaticity_table t) {
   return any ? text + '\n' : "";
 }
 
+// ---- The group as text ----
+
+std::string quoted(const std::string& s) {
+  std::string q = "'";
+  for (const char c : s) q.append(c == '\'' ? 2 : 1, c);
+  return q + "'";
+}
+
+std::string pair_text(const vec2& xy) { return free_format(xy[0]).substr(1) + ',' + free_format(xy[1]); }
+
+// Nothing for a key that is not set.
+std::string value_text(const profile& p, const key& k) {
+  const settings& s = p.set;
+  return std::visit(overload{
+                        [&](const text_key& t) { return quoted(p.*t.value); },
+                        [&](const integer_key& i) { return integer_field(s.*i.value); },
+                        [&](const switch_key& b) { return std::string(s.*b.value ? "1" : ""); },
+                        [&](const real_key& r) { return free_format(s.*r.value).substr(1); },
+                        [&](const chromaticities_key& c) {
+                          std::string text;
+                          for (const auto column : columns)
+                            text += (text.empty() ? "" : ",  ") + pair_text(s.*c.value.*column);
+                          return text;
+                        },
+                        [&](const chromaticity_key& c) {
+                          const auto& xy = s.*c.value;
+                          return xy ? pair_text(*xy) : std::string();
+                        },
+                    },
+                    k.kind);
+}
+
 }  // namespace
 
 profile read_profile(std::string_view text) { return reader(text).read(); }
@@ -520,6 +552,21 @@ std::string echo(const profile& p) {
                k.kind);
   }
   return out + '\n';
+}
+
+std::string profile_text(const profile& p, const std::map<std::string, std::string, std::less<>>& why) {
+  std::string text = "&opts\n";
+  for (const key& k : keys) {
+    const std::string value = value_text(p, k);
+    if (value.empty()) continue;
+    std::string line = "  " + std::string(k.name) + " = " + value;
+    if (const auto comment = why.find(k.name); comment != why.end()) {
+      line.resize(std::max<std::size_t>(line.size() + 2, 32), ' ');
+      line += "! " + comment->second;
+    }
+    text += line + '\n';
+  }
+  return text + "/\n";
 }
 
 }  // namespace corvantile

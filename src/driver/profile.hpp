@@ -8,7 +8,9 @@
 // left out keeps what the key had; n*value stands for n values.
 
 #include <cstddef>
+#include <functional>
 #include <iosfwd>
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -47,5 +49,9 @@ void end_outdir_with_slash(profile& p);
 
 /// The lines that verbose mode prints about the settings.
 std::string echo(const profile& p);
+
+/// The group as text, a key a line, which `read_profile` reads as the same record. `why` gives comments for the end
+/// of a line, by key.
+std::string profile_text(const profile& p, const std::map<std::string, std::string, std::less<>>& why = {});
 
 }  // namespace corvantile

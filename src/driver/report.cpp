@@ -73,12 +73,19 @@ void report_solution(std::ostream& out, const correction& result) {
   if (matches_gray(result.mode)) out << '\n' << execution_time("CV1", result.gray_seconds);
 }
 
-void report_gray_ramp(std::ostream& out, const monitor& mon, const matrix& inputs) {
+void report_gray_ramp(std::ostream& out, const monitor& mon, const matrix& inputs, const std::optional<vec2>& white) {
   const matrix xyz = inp2out_mat(mon, inputs);
   std::vector<double> cct(xyz.rows());
   for (std::size_t i = 0; i < cct.size(); ++i) cct[i] = xyz2cct(row3(xyz, i));
   print_column(out, "CCT", cct);
   print_column(out, "output luminance", xyz.col(1));
+  if (!white) return;
+  std::vector<double> distance(xyz.rows());
+  for (std::size_t i = 0; i < distance.size(); ++i) {
+    const vec2 d = xy2uv1976(chromaticity(row3(xyz, i))) - xy2uv1976(*white);
+    distance[i] = std::sqrt(d[0] * d[0] + d[1] * d[1]);
+  }
+  print_column(out, "distance from white in u'v'", distance);
 }
 
 void report_ramps(std::ostream& out, const monitor& mon, const synthetic_monitor& syn) {

@@ -2,6 +2,7 @@
 // What verbose mode says about a result.
 
 #include <iosfwd>
+#include <optional>
 
 #include "job/correction.hpp"
 #include "monitor/monitor.hpp"
@@ -15,7 +16,9 @@ namespace corvantile {
 void report_solution(std::ostream& out, const correction& result);
 
 /// Prints the colour temperature and then the luminance of every row of a gray ramp: `inputs` as `mon` shows them.
-void report_gray_ramp(std::ostream& out, const monitor& mon, const matrix& inputs);
+/// Then, where a `white` (x, y) is wanted, each row's distance from it in CIE 1976 u'v'.
+void report_gray_ramp(std::ostream& out, const monitor& mon, const matrix& inputs,
+                      const std::optional<vec2>& white = {});
 
 /// Drives seven ramps of 200 samples through both displays, and prints each ramp's largest CIEDE2000 difference and
 /// then all 200. Reference white of the Lab values is `syn_whitepoint`, for both displays: not the white they show.

@@ -81,7 +81,7 @@ void run_program(std::span<const std::string_view> arguments, std::string_view t
   for (const warning& w : result.warnings) err << "Warning: " << w.message << '\n';
   if (verbose) report_solution(out, result);
   write_files(table_files(result, p));
-  if (verbose) report_gray_ramp(out, result.display, result.gray);
+  if (verbose) report_gray_ramp(out, result.display, result.gray, p.set.white);
   require_printed(out);
   err << " normal exit\n";
 }

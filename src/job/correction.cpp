@@ -93,6 +93,7 @@ correction solve(const settings& set, const measurements& samples, const std::op
   } else {
     result.gray = in_all_channels(linspace(0.0, 1.0, static_cast<std::size_t>(set.tlen)));
   }
+  result.tone = spec.lut;
   return result;
 }
 

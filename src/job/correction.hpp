@@ -10,6 +10,7 @@
 #include "monitor/measurements.hpp"
 #include "monitor/monitor.hpp"
 #include "numerics/matrix.hpp"
+#include "utils/lut.hpp"
 
 namespace corvantile {
 
@@ -18,6 +19,7 @@ namespace corvantile {
 struct correction {
   match_mode mode = match_mode::cv1;
   monitor measured;  ///< the display as measured: the model that was fitted
+  lut tone;          ///< the target tone curve: drive 0..1 to luminance 0..1
 
   /// CV2 and CV2_1: pre-table, matrix, post-table, the display behind them, target and clipped target, distances
   /// moved. In CV2_1 `prelut` includes the gray match, while `cmon` stands behind the two-table solution alone.

@@ -143,6 +143,21 @@ TEST_F(Job, ReportTellsWhatTheTablesDo) {
   }
 }
 
+TEST_F(Job, GraysTakeAnyWhite) {
+  for (const std::string mode : {"cvmode='CV1'", "cvmode='CV2_1'"}) {
+    const std::string out = run_job(mode + " white=.3127 .3290", true).out;
+    EXPECT_NE(out.find("\nwptemp = -1.0000000\nwhite = .3127000 .3290000\n\n"), out.npos);
+    std::size_t at = 0;
+    const std::vector<double> distance = below("\n distance from white in u'v'\n", out, at);
+    ASSERT_EQ(distance.size(), 17u);
+    for (std::size_t i = 8; i < 17; ++i) EXPECT_LT(distance[i], 2e-5) << "where no dark is blended in";
+  }
+  expect_stop("cvmode='CV1' temp=6500 white=.3 .3", 4, "white = 0.3 0.3: goes without temp",
+              {"postLUT.txt", "preLUT.txt", "matrix.txt"});
+  for (const char* none : {".3,0", ".8,.3", "NaN,.3"})
+    EXPECT_EQ(run_job(std::string("cvmode='CV1' white=") + none).status, 4) << none;
+}
+
 TEST_F(Job, CorrectedDisplayLooksLikeItsTargets) {
   const std::string out = run_job("cvmode='CV2' tlen=4096", true).out;
   for (std::size_t k = 0; k < 3; ++k) EXPECT_GT(table("matrix.txt").at(k)[k], 0.7) << "a channel for its own";
