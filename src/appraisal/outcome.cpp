@@ -1,0 +1,82 @@
+#include "appraisal/outcome.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "colour/color_metrics.hpp"
+
+namespace corvantile {
+namespace {
+
+vec2 wanted_white(const correction& result, const settings& set) {
+  if (!matches_gray(result.mode)) return set.xytable.white;
+  const gray_temperatures at = temperatures_of(gray_ramp_of(set), result.display);
+  if (at.top) return chromaticity(blackbody_color(*at.top));
+  if (at.ramp) return chromaticity(blackbody_color(*at.ramp));
+  return set.white.value_or(chromaticity(result.display.whitepoint));
+}
+
+// How much of the dark light a gray match puts into its target at position `s` of the ramp.
+double weight_of_dark(double s, double alpha) {
+  if (s > alpha) return 0;
+  return s == 0 ? 1 : (std::cos(std::numbers::pi * s / alpha) + 1) / 2;
+}
+
+vec3 shown(const correction& result, const vec3& inp) { return inp2out_vec(result.display, inp); }
+
+outcome::primaries primaries_of(const correction& result, const settings& set) {
+  const two_table_solution& two = *result.two;
+  mat3 through_tables;
+  for (std::size_t c = 0; c < 3; ++c) {
+    vec3 full;
+    full[c] = 1;
+    through_tables.col[c] = inp2out_vec(two.cmon, full) - two.cmon.darklight;
+  }
+  return {.asked = set.xytable,
+          .reachable = rgb2c_type(two.mod_smon.primaries),
+          .shown = rgb2c_type(through_tables),
+          .moved = two.distances};
+}
+
+}  // namespace
+
+matrix gray_targets(const correction& result, const settings& set) {
+  const std::size_t n = result.gray.rows();
+  const std::vector<double> s = linspace(0.0, 1.0, n);
+  if (!matches_gray(result.mode)) return syn_inp2out_mat(result.two->mod_smon, in_all_channels(s));
+  const vec3 top = shown(result, row3(result.gray, n - 1));
+  const interpolator tone(result.tone);
+  matrix targets(n, 3);
+  for (std::size_t i = 0; i < n; ++i)
+    set_row3(targets, i, tone(s[i]) * top + weight_of_dark(s[i], set.alpha) * result.display.darklight);
+  return targets;
+}
+
+outcome outcome_of(const correction& result, const settings& set) {
+  const std::size_t n = result.gray.rows();
+  const matrix grays = inp2out_mat(result.display, result.gray);
+  outcome figures{.white_before = result.measured.whitepoint,
+                  .white_after = row3(grays, n - 1),
+                  .black_before = result.measured.darklight,
+                  .black_after = row3(grays, 0),
+                  .white_wanted = wanted_white(result, set),
+                  .gamut = {},
+                  .gray_differences = {}};
+  if (result.two) figures.gamut = primaries_of(result, set);
+
+  const matrix lab = xyz2lab_mat(grays, figures.white_after);
+  figures.gray_differences = deltae2000_mat(xyz2lab_mat(gray_targets(result, set), figures.white_after), lab);
+  double sum = 0;
+  std::size_t count = 0;
+  for (const double d : figures.gray_differences) {
+    if (!std::isfinite(d)) continue;
+    sum += d;
+    ++count;
+    figures.gray_largest = std::max(figures.gray_largest, d);
+  }
+  figures.gray_mean = count > 0 ? sum / static_cast<double>(count) : 0;
+  return figures;
+}
+
+}  // namespace corvantile

@@ -1,0 +1,26 @@
+#pragma once
+// Files and standard streams, as the verbs name them.
+
+#include <string>
+#include <string_view>
+
+namespace corvantile::kit {
+
+/// What the file holds; "-" is standard input. Throws `fault::content` where it cannot be opened: a missing input is
+/// an error here.
+std::string read_input(const std::string& name);
+
+/// Writes a text as the whole content of a file, or to standard output where the name is empty or "-". Throws
+/// `fault::unwritable` where it fails, and for a file that is there already unless `force`.
+void write_output(const std::string& name, std::string_view text, bool force);
+
+/// Throws `fault::unwritable` for a file or folder that is there already, unless `force`. To be asked early.
+void refuse_to_replace(const std::string& name, bool force);
+
+/// Makes a folder and those above it. Throws `fault::unwritable`.
+void make_folder(const std::string& name);
+
+/// "xxh3:" and the 64 bits of the XXH3 checksum of a text, as 16 hexadecimal digits.
+std::string checksum(std::string_view text);
+
+}  // namespace corvantile::kit

@@ -1,0 +1,190 @@
+#include "kit/job_folder.hpp"
+
+#include <cmath>
+#include <string_view>
+#include <utility>
+
+#include "driver/gamma_file.hpp"
+#include "driver/tables.hpp"
+#include "kit/files.hpp"
+#include "utils/failure.hpp"
+#include "utils/text.hpp"
+#include "utils/version.hpp"
+
+namespace corvantile::kit {
+namespace {
+
+using json = nlohmann::ordered_json;
+
+constexpr const char* settings_name = "settings.txt";
+constexpr const char* record_name = "job.json";
+constexpr const char* measurements_name = "measurements.txt";
+constexpr const char* gamma_name = "gamma.txt";
+
+// JSON has no number for what is not one.
+json number(double v) { return std::isfinite(v) ? json(v) : json(nullptr); }
+json pair(const vec2& v) { return {number(v[0]), number(v[1])}; }
+json triple(const vec3& v) { return {number(v[0]), number(v[1]), number(v[2])}; }
+
+json colour(const vec3& xyz) {
+  const vec2 xy = chromaticity(xyz);
+  return {{"XYZ", triple(xyz)}, {"xy", pair(xy)}, {"CCT", number(xyz2cct(xy))}};
+}
+
+json chromaticities_of(const chromaticity_table& t) {
+  return {{"white", pair(t.white)}, {"red", pair(t.red)}, {"green", pair(t.green)}, {"blue", pair(t.blue)}};
+}
+
+json settings_record(const profile& p) {
+  const settings& s = p.set;
+  json record = {{"tlen", s.tlen},
+                 {"nbits", s.nbits},
+                 {"numsegs", s.numsegs},
+                 {"minslope", s.minslope},
+                 {"gamma", s.gamma},
+                 {"gamfile", p.gamfile},
+                 {"xytable", chromaticities_of(s.xytable)},
+                 {"boundary_tol", s.boundary_tol},
+                 {"lumfrac", s.lumfrac},
+                 {"rowsum_margin", s.rowsum_margin},
+                 {"temp", s.temp},
+                 {"wptemp", s.wptemp},
+                 {"alpha", s.alpha},
+                 {"beta", s.beta},
+                 {"hwid", s.hwid},
+                 {"restart", s.restart}};
+  record["white"] = s.white ? pair(*s.white) : json(nullptr);
+  return record;
+}
+
+json figures_record(const outcome& figures) {
+  json record = {
+      {"white",
+       {{"measured", colour(figures.white_before)},
+        {"corrected", colour(figures.white_after)},
+        {"wanted_xy", pair(figures.white_wanted)}}},
+      {"luminance", {{"before", number(figures.white_before[1])}, {"after", number(figures.white_after[1])}}},
+      {"black", {{"before", number(figures.black_before[1])}, {"after", number(figures.black_after[1])}}},
+      {"gray_ciede2000", {{"mean", number(figures.gray_mean)}, {"max", number(figures.gray_largest)}}}};
+  if (figures.gamut) {
+    record["primaries"] = {{"asked", chromaticities_of(figures.gamut->asked)},
+                           {"reachable", chromaticities_of(figures.gamut->reachable)},
+                           {"reached", chromaticities_of(figures.gamut->shown)},
+                           {"moved_uv1960", triple(figures.gamut->moved)}};
+  }
+  return record;
+}
+
+json warnings_record(const correction& result) {
+  json list = json::array();
+  for (const warning& w : result.warnings) list.push_back({{"name", name_of(w.kind)}, {"message", w.message}});
+  return list;
+}
+
+// The files that a folder holds besides its record, in an order that does not matter.
+std::vector<text_file> input_files(const job_inputs& inputs) {
+  std::vector<text_file> files{{settings_name, profile_text(inputs.names, inputs.why)},
+                               {measurements_name, inputs.measurements}};
+  if (inputs.gamma) files.push_back({gamma_name, *inputs.gamma});
+  return files;
+}
+
+// Table files by their plain names.
+std::vector<text_file> tables_of(const solved_job& job) {
+  std::vector<text_file> files = table_files(job.result, job.names);
+  for (text_file& f : files) f.path.erase(0, job.names.outdir.size());
+  return files;
+}
+
+json checksums(const std::vector<text_file>& files) {
+  json sums = json::object();
+  for (const text_file& f : files) sums[f.path] = checksum(f.text);
+  return sums;
+}
+
+std::string input_of(const std::string& folder, const char* name) { return read_input(folder + '/' + name); }
+
+json read_record(const std::string& folder) {
+  const std::string name = folder + '/' + record_name;
+  json record = json::parse(read_input(name), nullptr, false);
+  if (record.is_object() && record.contains("inputs") && record.contains("tables") && record["inputs"].is_object() &&
+      record["tables"].is_object())
+    return record;
+  refuse_content(printable(name), "not the record of a job; 'corvantile-kit solve' makes such a folder");
+}
+
+void require_listed_files(const std::string& folder, const json& record) {
+  for (const char* part : {"inputs", "tables"}) {
+    for (const auto& [name, sum] : record[part].items()) {
+      const bool plain = name.find('/') == std::string::npos;
+      if (plain && sum == checksum(input_of(folder, name.c_str()))) continue;
+      refuse_content(printable(folder + '/' + name),
+                     "not the file that job.json lists: another job has written here, or somebody has edited it; "
+                     "solve again");
+    }
+  }
+}
+
+}  // namespace
+
+solved_job solve_job(const job_inputs& inputs) {
+  solved_job job{.names = inputs.names,
+                 .samples = parse_measurements(inputs.names.wgfile, inputs.measurements),
+                 .result = {},
+                 .figures = {}};
+  std::optional<tone_samples> tone;
+  if (inputs.gamma) tone = parse_tone_samples(inputs.names.gamfile, *inputs.gamma);
+  job.result = solve(job.names.set, job.samples, tone);
+  job.figures = outcome_of(job.result, job.names.set);
+  return job;
+}
+
+nlohmann::ordered_json record_of(const job_inputs& inputs, const solved_job& job) {
+  return {{"program", "corvantile-kit " CORVANTILE_VERSION},
+          {"mode", name_of(job.names.set.mode)},
+          {"settings", settings_record(job.names)},
+          {"inputs", checksums(input_files(inputs))},
+          {"tables", checksums(tables_of(job))},
+          {"warnings", warnings_record(job.result)},
+          {"figures", figures_record(job.figures)}};
+}
+
+std::vector<text_file> files_of(const job_inputs& inputs, const solved_job& job) {
+  std::vector<text_file> files = input_files(inputs);
+  for (text_file& table : tables_of(job)) files.push_back(std::move(table));
+  files.push_back({record_name, record_of(inputs, job).dump(2) + '\n'});
+  return files;
+}
+
+void write_job_folder(const std::string& folder, const job_inputs& inputs, const solved_job& job) {
+  std::vector<text_file> files = files_of(inputs, job);
+  for (text_file& f : files) f.path.insert(0, folder + '/');
+  make_folder(folder);
+  write_files(files);
+}
+
+solved_job open_job_folder(const std::string& folder) {
+  const json record = read_record(folder);
+  require_listed_files(folder, record);
+  job_inputs inputs{.names = read_profile(input_of(folder, settings_name)),
+                    .measurements = input_of(folder, measurements_name),
+                    .gamma = {},
+                    .why = {}};
+  name_mode(inputs.names);
+  if (!inputs.names.gamfile.empty()) inputs.gamma = input_of(folder, gamma_name);
+  solved_job job = solve_job(inputs);
+  // The same program gives the same bytes; another version, or another machine's sine, may not.
+  if (checksums(tables_of(job)) != record["tables"]) {
+    refuse_content(printable(folder),
+                   "its job gives other tables with this program than job.json lists; solve again");
+  }
+  return job;
+}
+
+std::vector<std::string> warning_lines(const correction& result) {
+  std::vector<std::string> lines;
+  for (const warning& w : result.warnings) lines.push_back("Warning: " + w.message);
+  return lines;
+}
+
+}  // namespace corvantile::kit

@@ -1,0 +1,60 @@
+#pragma once
+// A solved job as a folder: tables, settings, measurements, and a record that says that they belong together.
+//
+// The folder holds
+//   settings.txt      with which `Corvantile`, run in the folder, gives the same tables again
+//   measurements.txt  and, where the settings name one, gamma.txt: copies of the inputs
+//   preLUT.txt, matrix.txt, postLUT.txt: those that the mode has, byte for byte as `Corvantile` writes them
+//   job.json          program and version, mode, settings as understood, checksums, warnings, figures
+
+#include <functional>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "appraisal/outcome.hpp"
+#include "driver/profile.hpp"
+#include "job/correction.hpp"
+#include "utils/file_output.hpp"
+
+namespace corvantile::kit {
+
+/// The inputs of a job as texts. In `names`, file names are those of the folder.
+struct job_inputs {
+  profile names;
+  std::string measurements;
+  std::optional<std::string> gamma;
+  /// Comments for settings.txt, by key.
+  std::map<std::string, std::string, std::less<>> why;
+};
+
+/// A job and what came of it.
+struct solved_job {
+  profile names;
+  measurements samples;
+  correction result;
+  outcome figures;
+};
+
+/// Reads the texts and solves. Throws `failure`.
+solved_job solve_job(const job_inputs& inputs);
+
+/// Every file of the folder, `path`-less, job.json last.
+std::vector<text_file> files_of(const job_inputs& inputs, const solved_job& job);
+
+/// The record alone.
+nlohmann::ordered_json record_of(const job_inputs& inputs, const solved_job& job);
+
+/// Makes the folder and writes all files, or none.
+void write_job_folder(const std::string& folder, const job_inputs& inputs, const solved_job& job);
+
+/// Reads a folder back and solves its job again. Throws `fault::content` where the record is missing or the files are
+/// not those that it lists: after another job in the same folder, an old table may still lie there.
+solved_job open_job_folder(const std::string& folder);
+
+/// Warnings as people read them, a line each.
+std::vector<std::string> warning_lines(const correction& result);
+
+}  // namespace corvantile::kit

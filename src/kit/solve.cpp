@@ -1,0 +1,70 @@
+// corvantile-kit solve: a job from its settings file to its folder.
+
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "driver/profile.hpp"
+#include "kit/files.hpp"
+#include "kit/job_folder.hpp"
+#include "kit/verb.hpp"
+#include "utils/failure.hpp"
+#include "utils/text.hpp"
+
+namespace corvantile::kit {
+namespace {
+
+struct options : common_options {
+  std::string settings;
+};
+
+// The settings, and the texts of the files that they name, as a folder of its own.
+job_inputs inputs_of(const profile& given) {
+  job_inputs inputs{.names = given, .measurements = read_input(given.wgfile), .gamma = {}, .why = {}};
+  inputs.names.wgfile = "measurements.txt";
+  inputs.names.outdir = ".";
+  if (!given.gamfile.empty()) {
+    inputs.gamma = read_input(given.gamfile);
+    inputs.names.gamfile = "gamma.txt";
+  }
+  return inputs;
+}
+
+profile complete_profile(const std::string& settings_file) {
+  profile p = read_profile(read_input(settings_file));
+  name_mode(p);
+  if (p.wgfile.empty()) throw failure(fault::setting, "Settings: wgfile, the measurement file, is missing");
+  fill_xytable(p.set, std::cerr);
+  return p;
+}
+
+int run(const options& o) {
+  const profile given = complete_profile(o.settings);
+  const std::string folder = o.output.empty() ? given.outdir : o.output;
+  refuse_to_replace(folder + "/job.json", o.force);
+  const job_inputs inputs = inputs_of(given);
+  const solved_job job = solve_job(inputs);
+  write_job_folder(folder, inputs, job);
+
+  for (const std::string& line : warning_lines(job.result)) say(o, line);
+  say(o, std::string(name_of(job.names.set.mode)) + " solved into " + folder + ": gray CIEDE2000 mean " +
+             decimals(job.figures.gray_mean, 2) + ", largest " + decimals(job.figures.gray_largest, 2) +
+             "; luminance " + decimals(job.figures.white_before[1], 1) + " before, " +
+             decimals(job.figures.white_after[1], 1) + " after");
+  if (o.json) write_output("-", record_of(inputs, job).dump(2) + '\n', true);
+  return status::done;
+}
+
+}  // namespace
+
+verb solve_verb(CLI::App& kit) {
+  auto o = std::make_shared<options>();
+  CLI::App& command = *kit.add_subcommand("solve", "Run a job from a settings file and keep it in a folder");
+  command.add_option("SETTINGS", o->settings, "Settings as Corvantile reads them; - for standard input")->required();
+  add_common(command, *o, "The folder (default: outdir of the settings)");
+  command.footer("Example:\n  corvantile-kit solve settings.txt -o my-display");
+  return {&command, [o] { return run(*o); }};
+}
+
+}  // namespace corvantile::kit
