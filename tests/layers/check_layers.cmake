@@ -1,7 +1,8 @@
 # Fails when a file under `tree` includes from a layer above its own, or does what its layer may not.
 # Usage: cmake -D tree=SRC -P check_layers.cmake
 cmake_minimum_required(VERSION 3.25)
-set(layers numerics utils monitor colour matching job library readings appraisal formats report driver kit)  # a folder uses itself and those before it
+# A folder uses itself and those before it.
+set(layers numerics utils monitor colour matching job library readings formats appraisal report driver kit)
 set(faults "")
 
 file(GLOB_RECURSE files RELATIVE ${tree} ${tree}/*.hpp ${tree}/*.cpp)
