@@ -1,0 +1,95 @@
+#include "formats/calibration.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "formats/text_lines.hpp"
+#include "utils/failure.hpp"
+#include "utils/text.hpp"
+
+namespace corvantile {
+namespace {
+
+constexpr std::array<std::string_view, 4> column_names{"RGB_I", "RGB_R", "RGB_G", "RGB_B"};
+
+void append_keyword(std::string& out, std::string_view key, std::string_view value) {
+  if (value.empty()) return;
+  std::string text = ascii(value);
+  std::ranges::replace(text, '"', '\'');
+  out.append(key).append(" \"").append(text).append("\"\n");
+}
+
+}  // namespace
+
+calibration_curves read_calibration(std::string_view name, std::string_view text) {
+  const std::vector<cgats_table> tables = parse_cgats(name, text);
+  const auto table = std::ranges::find(tables, std::string_view("CAL"), &cgats_table::identifier);
+  if (table == tables.end())
+    refuse_line(name, 1, expected_found("a calibration, which begins with CAL", tables[0].identifier));
+  return calibration_from(name, *table);
+}
+
+calibration_curves calibration_from(std::string_view name, const cgats_table& table) {
+  std::array<std::size_t, 4> columns{};
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    const auto at = find_field(table, column_names[i]);
+    if (!at) {
+      refuse_line(name, table.line,
+                  "the calibration has no column " + std::string(column_names[i]) +
+                      "; expected RGB_I, RGB_R, RGB_G and RGB_B");
+    }
+    columns[i] = *at;
+  }
+  if (table.rows.size() < 2) {
+    refuse_line(name, table.line,
+                "the calibration has " + std::to_string(table.rows.size()) + " rows, expected at least 2");
+  }
+  calibration_curves curves;
+  cgats_columns reader(name, table, columns);
+  for (const cgats_row& row : table.rows) {
+    const auto values = reader.read(row);
+    for (const double v : values) {
+      if (!(v >= 0 && v <= 1))
+        refuse_line(name, row.line, expected_found("calibration values from 0 to 1", number_text(v)));
+    }
+    if (!curves[0].x.empty() && !(values[0] > curves[0].x.back())) {
+      refuse_line(name, row.line,
+                  "the calibration's inputs must rise, but " + number_text(values[0]) + " follows " +
+                      number_text(curves[0].x.back()));
+    }
+    for (std::size_t c = 0; c < 3; ++c) {
+      curves[c].x.push_back(values[0]);
+      curves[c].y.push_back(values[c + 1]);
+    }
+  }
+  return curves;
+}
+
+bool is_identity(const calibration_curves& curves) {
+  constexpr double rounding = 1e-4;
+  return std::ranges::all_of(curves, [](const lut& curve) {
+    return std::ranges::equal(curve.x, curve.y, [](double x, double y) { return std::abs(x - y) <= rounding; });
+  });
+}
+
+std::string write_calibration(const calibration_curves& curves, std::string_view title, std::string_view date) {
+  std::string out = "CAL    \n\n";
+  append_keyword(out, "DESCRIPTOR", title.empty() ? "Argyll Device Calibration Curves" : title);
+  append_keyword(out, "ORIGINATOR", "corvantile-kit");
+  append_keyword(out, "CREATED", date);
+  out += "DEVICE_CLASS \"DISPLAY\"\nCOLOR_REP \"RGB\"\n\n";
+  out += "NUMBER_OF_FIELDS 4\nBEGIN_DATA_FORMAT\nRGB_I RGB_R RGB_G RGB_B\nEND_DATA_FORMAT\n\n";
+  out += "NUMBER_OF_SETS " + std::to_string(curves[0].x.size()) + "\nBEGIN_DATA\n";
+  for (const double input : curves[0].x) {
+    append_fixed(out, input, 0, 9);
+    for (const lut& curve : curves) {
+      out += ' ';
+      append_fixed(out, std::clamp(interp(curve, input), 0.0, 1.0), 0, 9);
+    }
+    out += '\n';
+  }
+  return out + "END_DATA\n";
+}
+
+}  // namespace corvantile
