@@ -41,20 +41,16 @@ calibration_curves calibration_from(std::string_view name, const cgats_table& ta
     }
     columns[i] = *at;
   }
-  if (table.rows.size() < 2) {
-    refuse_line(name, table.line,
-                "the calibration has " + std::to_string(table.rows.size()) + " rows, expected at least 2");
-  }
   calibration_curves curves;
-  cgats_columns reader(name, table, columns);
-  for (const cgats_row& row : table.rows) {
-    const auto values = reader.read(row);
+  cgats_rows rows(name, table, columns);
+  while (rows.next()) {
+    const auto values = rows.values();
     for (const double v : values) {
       if (!(v >= 0 && v <= 1))
-        refuse_line(name, row.line, expected_found("calibration values from 0 to 1", number_text(v)));
+        refuse_line(name, rows.line(), expected_found("calibration values from 0 to 1", number_text(v)));
     }
     if (!curves[0].x.empty() && !(values[0] > curves[0].x.back())) {
-      refuse_line(name, row.line,
+      refuse_line(name, rows.line(),
                   "the calibration's inputs must rise, but " + number_text(values[0]) + " follows " +
                       number_text(curves[0].x.back()));
     }
@@ -62,6 +58,10 @@ calibration_curves calibration_from(std::string_view name, const cgats_table& ta
       curves[c].x.push_back(values[0]);
       curves[c].y.push_back(values[c + 1]);
     }
+  }
+  if (curves[0].x.size() < 2) {
+    refuse_line(name, table.line,
+                "the calibration has " + std::to_string(curves[0].x.size()) + " rows, expected at least 2");
   }
   return curves;
 }
@@ -82,10 +82,10 @@ std::string write_calibration(const calibration_curves& curves, std::string_view
   out += "NUMBER_OF_FIELDS 4\nBEGIN_DATA_FORMAT\nRGB_I RGB_R RGB_G RGB_B\nEND_DATA_FORMAT\n\n";
   out += "NUMBER_OF_SETS " + std::to_string(curves[0].x.size()) + "\nBEGIN_DATA\n";
   for (const double input : curves[0].x) {
-    append_fixed(out, input, 0, 9);
+    append_fixed(out, input, 11, 9);
     for (const lut& curve : curves) {
       out += ' ';
-      append_fixed(out, std::clamp(interp(curve, input), 0.0, 1.0), 0, 9);
+      append_fixed(out, std::clamp(interp(curve, input), 0.0, 1.0), 11, 9);
     }
     out += '\n';
   }

@@ -96,10 +96,10 @@ std::optional<double> to_absolute(readings& into, const cgats_table& table) {
 // DisplayCAL leaves the display's name in the options that it hands to colprof: -M "DELL U2718Q".
 std::string display_in_remarks(const cgats_table& table) {
   constexpr std::string_view option = "-M \"";
-  for (const cgats_row& remark : table.remarks) {
-    const std::size_t at = remark.text.find(option);
+  for (const std::string_view remark : table.remarks) {
+    const std::size_t at = remark.find(option);
     if (at == std::string_view::npos) continue;
-    const std::string_view behind = remark.text.substr(at + option.size());
+    const std::string_view behind = remark.substr(at + option.size());
     return ascii(behind.substr(0, std::min<std::size_t>(behind.find('"'), 80)));
   }
   return {};
@@ -115,12 +115,12 @@ void describe(readings& into, const cgats_table& table) {
   into.display = display_in_remarks(table);
 }
 
-void note_counts(readings& into, const cgats_table& table) {
+void note_counts(readings& into, const cgats_table& table, std::size_t rows) {
   const cgats_keyword* sets = find_keyword(table, "NUMBER_OF_SETS");
   const auto promised = sets ? cell_number(sets->value) : std::nullopt;
-  if (promised && *promised != static_cast<double>(table.rows.size())) {
+  if (promised && *promised != static_cast<double>(rows)) {
     into.notes.push_back("Line " + std::to_string(sets->line) + " promises " + number_text(*promised) +
-                         " rows; there are " + std::to_string(table.rows.size()) + ".");
+                         " rows; there are " + std::to_string(rows) + ".");
   }
 }
 
@@ -128,15 +128,16 @@ void read_rows(readings& into, const cgats_table& table) {
   const colour_columns columns = find_columns(into.source, table);
   const auto factor = to_absolute(into, table);
   into.absolute = factor.has_value();
-  cgats_columns reader(into.source, table, columns.position);
   std::vector<raw_reading> rows;
-  rows.reserve(table.rows.size());
-  for (const cgats_row& row : table.rows) {
-    const auto v = reader.read(row);
+  cgats_rows cells(into.source, table, columns.position);
+  while (cells.next()) {
+    const auto v = cells.values();
     const vec3 light = columns.chromaticity ? xyz_of_xyY(v[3], v[4], v[5]) : vec3{{v[3], v[4], v[5]}};
-    rows.push_back({{{v[0], v[1], v[2]}}, light, row.line});
+    rows.push_back({{{v[0], v[1], v[2]}}, light, cells.line()});
   }
-  append_rows(into, rows, guess_drive_scale(into, rows));
+  note_counts(into, table, rows.size());
+  const drive_scale usual = table.identifier == "CTI3" ? drive_scale{0, 100} : drive_scale{0, 0};
+  append_rows(into, rows, guess_drive_scale(into, rows, usual));
   for (reading& r : into.rows) r.xyz = factor.value_or(1.0) * r.xyz;
 }
 
@@ -166,7 +167,6 @@ readings read_cgats(std::string_view name, std::string_view text) {
   readings found;
   found.source = name;
   describe(found, *measured);
-  note_counts(found, *measured);
   read_rows(found, *measured);
   for (const cgats_table& table : tables) {
     if (&table == &*measured) continue;

@@ -17,12 +17,18 @@ class cgats_parser {
 
   std::vector<cgats_table> tables() {
     std::vector<cgats_table> found;
-    while (auto table = next_table()) found.push_back(std::move(*table));
+    while (auto table = next_table()) {
+      found.push_back(std::move(*table));
+      if (found.size() > most_names) refuse_line(name_, lines_.number(), "too many tables for a CGATS text");
+    }
     if (found.empty()) refuse_content(name_, "the file is empty; expected tables of a CGATS text");
     return found;
   }
 
  private:
+  // No program writes more of them into one table.
+  static constexpr std::size_t most_names = 100000;
+
   // The first cell of the next line that has any; `line_` then holds the whole line.
   std::optional<std::string_view> next_word() {
     while (const auto line = lines_.next()) {
@@ -50,7 +56,7 @@ class cgats_parser {
       if (!next_word()) cut_short("the table's BEGIN_DATA_FORMAT");
     }
     read_header(table);
-    read_rows(table);
+    read_data(table);
     return table;
   }
 
@@ -66,6 +72,8 @@ class cgats_parser {
         skip_block(table, word.substr(6));
       } else {
         table.keywords.push_back({word, value_behind(word), lines_.number()});
+        if (table.keywords.size() > most_names)
+          refuse_line(name_, lines_.number(), "too many keywords for a CGATS text");
       }
     } while (next_word());
     cut_short(table.fields.empty() ? "BEGIN_DATA_FORMAT" : "BEGIN_DATA");
@@ -85,6 +93,7 @@ class cgats_parser {
       while (const auto field = cells.next()) {
         if (*field == "END_DATA_FORMAT") return;
         table.fields.push_back(*field);
+        if (table.fields.size() > most_names) refuse_line(name_, lines_.number(), "too many fields for a CGATS text");
       }
       if (!next_word()) cut_short("END_DATA_FORMAT (the format begins in line " + std::to_string(begin) + ")");
       cells = blank_cells(line_);
@@ -94,22 +103,21 @@ class cgats_parser {
   // What stands in such a block is not ours to read: it may hold quotes, `#`, or words that look like keywords.
   void skip_block(cgats_table& table, std::string_view block) {
     const std::size_t begin = lines_.number();
-    while (const auto line = lines_.next()) {
-      const std::string_view text = without_margins(*line);
-      if (text.starts_with("END_") && text.substr(4) == block) return;
-      table.remarks.push_back({text, lines_.number()});
-    }
-    cut_short("END_" + ascii(block.substr(0, 60)) + " (the block begins in line " + std::to_string(begin) + ")");
+    const std::string end = "END_" + std::string(block);
+    const auto inside = lines_.skip_to(end);
+    if (!inside) cut_short(ascii(end.substr(0, 60)) + " (the block begins in line " + std::to_string(begin) + ")");
+    table.remarks.push_back(*inside);
   }
 
-  void read_rows(cgats_table& table) {
-    while (const auto word = next_word()) {
-      if (*word == "END_DATA") return;
-      table.rows.push_back({line_, lines_.number()});
+  void read_data(cgats_table& table) {
+    table.data_line = lines_.number() + 1;
+    const auto data = lines_.skip_to("END_DATA");
+    if (!data) {
+      const std::string_view promised = keyword_value(table, "NUMBER_OF_SETS");
+      cut_short("END_DATA, with " + std::to_string(lines_.number() + 1 - table.data_line) + " rows" +
+                (promised.empty() ? "" : " of " + ascii(promised.substr(0, 20))));
     }
-    const std::string_view promised = keyword_value(table, "NUMBER_OF_SETS");
-    cut_short("END_DATA, with " + std::to_string(table.rows.size()) + " rows" +
-              (promised.empty() ? "" : " of " + ascii(promised.substr(0, 20))));
+    table.data = *data;
   }
 
   std::string_view name_;
@@ -139,28 +147,36 @@ std::optional<std::size_t> find_field(const cgats_table& table, std::string_view
   return static_cast<std::size_t>(at - table.fields.begin());
 }
 
-cgats_columns::cgats_columns(std::string_view name, const cgats_table& table, std::span<const std::size_t> columns)
-    : name_(name), table_(table), slot_(table.fields.size(), columns.size()), values_(columns.size()) {
+cgats_rows::cgats_rows(std::string_view name, const cgats_table& table, std::span<const std::size_t> columns)
+    : name_(name),
+      table_(table),
+      lines_(table.data, table.data_line),
+      slot_(table.fields.size(), columns.size()),
+      values_(columns.size()) {
   for (std::size_t i = 0; i < columns.size(); ++i) slot_[columns[i]] = i;
 }
 
-std::span<const double> cgats_columns::read(const cgats_row& row) {
-  blank_cells cells(row.text);
+bool cgats_rows::next() {
   std::size_t column = 0;
-  for (auto cell = cells.next(); cell; cell = cells.next(), ++column) {
-    if (column >= slot_.size() || slot_[column] == values_.size()) continue;
-    const auto v = cell_number(*cell);
-    if (!v) {
-      refuse_line(name_, row.line,
-                  expected_found("a number as " + ascii(table_.fields[column].substr(0, 40)), *cell));
+  while (column == 0) {  // blank lines and comments have no cell
+    const auto line = lines_.next();
+    if (!line) return false;
+    blank_cells cells(*line);
+    for (auto cell = cells.next(); cell; cell = cells.next(), ++column) {
+      if (column >= slot_.size() || slot_[column] == values_.size()) continue;
+      const auto v = cell_number(*cell);
+      if (!v) {
+        refuse_line(name_, lines_.number(),
+                    expected_found("a number as " + ascii(table_.fields[column].substr(0, 40)), *cell));
+      }
+      values_[slot_[column]] = *v;
     }
-    values_[slot_[column]] = *v;
   }
   if (column != slot_.size()) {
-    refuse_line(name_, row.line,
+    refuse_line(name_, lines_.number(),
                 "expected " + std::to_string(slot_.size()) + " values, one a field, found " + std::to_string(column));
   }
-  return values_;
+  return true;
 }
 
 }  // namespace corvantile

@@ -17,6 +17,7 @@
 namespace corvantile {
 namespace {
 
+constexpr std::size_t longest_line = 1000000;
 constexpr std::string_view expected_table =
     "a header that names R, G, B and X, Y, Z (or x, y, Y), or rows of 6 or 12 numbers";
 
@@ -33,11 +34,13 @@ class table_reader {
   bool next() {
     while (const auto line = lines_.next()) {
       const std::string_view row = without_margins(*line);
-      if (row.empty() || take_separator(row)) continue;
+      if (row.empty()) continue;
       if (is_comment(row)) {
         comment_ = row;
         continue;
       }
+      if (row.size() > longest_line) refuse("a line of more than a million characters");
+      if (take_separator(row)) continue;
       if (separator_ == '\0') separator_ = separator_of(row);
       split_cells(*line, separator_, cells);
       if (cells.size() > most_cells) refuse("more than " + std::to_string(most_cells) + " cells in one line");

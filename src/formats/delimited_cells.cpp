@@ -15,14 +15,18 @@ std::string_view without_quotes(std::string_view cell) {
 
 // Where the cell that begins at `begin` ends; a separator in quotes does not end it.
 std::size_t end_of_cell(std::string_view line, std::size_t begin, char separator) {
-  const std::size_t first = line.find_first_not_of(' ', begin);
-  if (first != std::string_view::npos && line[first] == '"') begin = std::min(line.find('"', first + 1), line.size());
-  return std::min(line.find(separator, begin), line.size());
+  std::size_t at = begin;
+  while (at < line.size() && line[at] == ' ') ++at;
+  if (at < line.size() && line[at] == '"') at = std::min(line.find('"', at + 1), line.size());
+  while (at < line.size() && line[at] != separator) ++at;
+  return at;
 }
 
 }  // namespace
 
 char separator_of(std::string_view line) {
+  constexpr std::size_t enough = 65536;  // no line of names is longer
+  line = line.substr(0, enough);
   for (const char c : {';', '\t'})
     if (line.find(c) != std::string_view::npos) return c;
   if (line.find(',') == std::string_view::npos) return ' ';

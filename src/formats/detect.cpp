@@ -8,7 +8,6 @@
 #include "formats/delimited.hpp"
 #include "formats/hcfr.hpp"
 #include "formats/own_file.hpp"
-#include "formats/text_lines.hpp"
 #include "utils/failure.hpp"
 #include "utils/text.hpp"
 
@@ -19,7 +18,7 @@ namespace {
 void refuse_what_is_no_text(const source& from) {
   constexpr std::size_t look_at = 4096;
   const std::string_view head = std::string_view(from.text).substr(0, look_at);
-  if (without_margins(head).empty() && from.text.size() <= look_at) refuse_content(from.name, "the file is empty");
+  if (from.text.find_first_not_of(" \t\r\n") == std::string::npos) refuse_content(from.name, "the file is empty");
   if (head.starts_with("\xFF\xFE") || head.starts_with("\xFE\xFF"))
     refuse_content(from.name, "the text is in UTF-16; save it as UTF-8");
   if (head.substr(0, 40).ends_with("acsp")) {
@@ -43,11 +42,12 @@ std::optional<source_kind> kind_named(std::string_view name) {
 }
 
 source_kind kind_of(std::string_view text) {
-  const std::string_view content = without_byte_order_mark(text);
+  constexpr std::size_t enough = 1000000;  // no header is longer
+  const std::string_view content = without_byte_order_mark(text).substr(0, enough);
   if (content.starts_with("CTI3")) return source_kind::ti3;
   if (content.starts_with("CGATS") || content.find("BEGIN_DATA") != std::string_view::npos) return source_kind::cgats;
-  if (hcfr_sheet_of(text)) return source_kind::hcfr;
-  return is_own_file(text) ? source_kind::corvantile : source_kind::csv;
+  if (hcfr_sheet_of(content)) return source_kind::hcfr;
+  return is_own_file(content) ? source_kind::corvantile : source_kind::csv;
 }
 
 readings read_readings(const source& first, const std::optional<source>& second, const reading_options& options) {

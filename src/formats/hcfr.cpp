@@ -19,18 +19,17 @@ struct sheet_row {
   std::size_t line = 0;
 };
 
-// Of every row only as many cells as anything could need: the grays of one series.
 std::vector<sheet_row> rows_of(const source& from) {
+  constexpr std::size_t most_rows = 20000;  // a save appends nine
   std::vector<sheet_row> rows;
   line_reader lines(from.text);
   char separator = '\0';
   while (const auto line = lines.next()) {
-    if (without_margins(*line).empty()) continue;
     if (separator == '\0') separator = separator_of(*line);
-    sheet_row row;
-    row.line = lines.number();
+    sheet_row row{{}, lines.number()};
     split_cells(*line, separator, row.cells);
     rows.push_back(std::move(row));
+    if (rows.size() > most_rows) refuse_line(from.name, lines.number(), "too many rows for a sheet of HCFR");
   }
   return rows;
 }
@@ -41,8 +40,7 @@ bool names_delta_e(std::string_view cell) { return same_word(cell.substr(0, 5), 
 bool is_series(const std::vector<sheet_row>& rows, std::size_t x_row) {
   static constexpr std::array labels{"X", "Y", "Z"};
   for (std::size_t k = 0; k < 3; ++k) {
-    if (x_row + k >= rows.size() || rows[x_row + k].cells.empty() || rows[x_row + k].cells[0] != labels[k])
-      return false;
+    if (x_row + k >= rows.size() || rows[x_row + k].cells[0] != labels[k]) return false;
   }
   return true;
 }
@@ -59,7 +57,7 @@ std::size_t last_series(readings& into, const source& from, const std::vector<sh
   std::size_t found = 0;
   std::size_t count = 0;
   for (std::size_t i = 1; i < rows.size(); ++i) {
-    if (rows[i].cells.empty() || rows[i].cells[0] != "X") continue;
+    if (rows[i].cells[0] != "X") continue;
     if (!is_series(rows, i)) {
       refuse_line(from.name, rows[i].line,
                   "expected the rows X, Y and Z of a series; the sheet was cut short, save it again");
@@ -111,7 +109,6 @@ std::vector<raw_reading> color_checker(readings& into, const source& from) {
   std::vector<raw_reading> found;
   std::size_t nameless = 0;
   for (const sheet_row& row : rows_of(from)) {
-    if (row.cells.empty()) continue;
     const auto drive = drive_of_hcfr_name(row.cells[0]);
     if (drive) {
       found.push_back(
@@ -144,7 +141,9 @@ void append_sheet(readings& into, const source& from, hcfr_sheet sheet) {
 }
 
 std::string percent(double drive) {
-  return fixed_field(100 * drive, 8, 3).substr(fixed_field(100 * drive, 8, 3).find_first_not_of(' '));
+  std::string text;
+  append_fixed(text, 100 * drive, 0, 3);
+  return text.starts_with('.') ? "0" + text : text;
 }
 
 // Three decimals of a percentage are enough to tell the video codes 16 to 235 apart, but do not spell them.

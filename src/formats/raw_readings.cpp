@@ -66,7 +66,7 @@ class dropped_notes {
 
 }  // namespace
 
-drive_scale guess_drive_scale(readings& into, std::span<const raw_reading> rows) {
+drive_scale guess_drive_scale(readings& into, std::span<const raw_reading> rows, const drive_scale& usual) {
   const raw_reading* largest = nullptr;
   double most = 0;
   double least = 0;
@@ -91,6 +91,7 @@ drive_scale guess_drive_scale(readings& into, std::span<const raw_reading> rows)
                   expected_found("a largest drive above 0 and up to 65535", number_text(most)));
     }
   }
+  if (*scale == usual) return usual;
   into.notes.push_back("Drive values are taken as " + number_text(scale->off) + " to " + number_text(scale->full) +
                        ": the largest is " + number_text(most) + " (" + in_line(largest->line) + ").");
   return *scale;

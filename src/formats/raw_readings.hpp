@@ -28,8 +28,9 @@ struct drive_scale {
 
 /// The usual scale that the rows fill: 0 to 1, 100, 255, 1023, 4095 or 65535, whichever is the first to hold the
 /// largest value; the video codes 16 to 235 and 64 to 940 where these are exactly the smallest and the largest. Says
-/// in `into.notes` what it took. Throws `fault::content` where no scale can hold the values, or none is above 0.
-drive_scale guess_drive_scale(readings& into, std::span<const raw_reading> rows);
+/// in `into.notes` what it took, unless it is `usual`. Throws `fault::content` where no scale can hold the values, or
+/// none is above 0.
+drive_scale guess_drive_scale(readings& into, std::span<const raw_reading> rows, const drive_scale& usual = {0, 0});
 
 /// Appends the rows, their drives brought to 0..1. What strays from there by up to 0.1 % of full drive is put to the
 /// end of the range; more than that is refused with its line, and so is a drive that is no number.

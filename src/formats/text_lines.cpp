@@ -11,8 +11,6 @@
 namespace corvantile {
 namespace {
 
-constexpr std::string_view blanks = " \t\r\f\v";
-
 constexpr bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\f' || c == '\v'; }
 
 constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
@@ -38,8 +36,10 @@ std::optional<double> plain_number(std::string_view s) {
 
 }  // namespace
 
-line_reader::line_reader(std::string_view text)
-    : rest_(without_byte_order_mark(text)), end_(rest_.find('\n') == std::string_view::npos ? '\r' : '\n') {}
+line_reader::line_reader(std::string_view text, std::size_t first_line)
+    : rest_(without_byte_order_mark(text)),
+      end_(rest_.find('\n') == std::string_view::npos ? '\r' : '\n'),
+      number_(first_line - 1) {}
 
 std::optional<std::string_view> line_reader::next() {
   if (rest_.empty()) return std::nullopt;
@@ -49,6 +49,27 @@ std::optional<std::string_view> line_reader::next() {
   rest_.remove_prefix(length == std::string_view::npos ? rest_.size() : length + 1);
   if (line.ends_with('\r')) line.remove_suffix(1);
   return line;
+}
+
+std::optional<std::string_view> line_reader::skip_to(std::string_view word) {
+  const std::string_view text = rest_;
+  const auto ends_line = [this](char c) { return c == end_; };
+  for (std::size_t at = text.find(word); at != std::string_view::npos; at = text.find(word, at + 1)) {
+    const std::size_t behind = at + word.size();
+    std::size_t begin = at;
+    while (begin > 0 && is_blank(text[begin - 1]) && !ends_line(text[begin - 1])) --begin;
+    if (begin > 0 && !ends_line(text[begin - 1])) continue;
+    if (behind < text.size() && !is_blank(text[behind]) && !ends_line(text[behind])) continue;
+    number_ += static_cast<std::size_t>(
+        std::count_if(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(begin), ends_line));
+    rest_.remove_prefix(begin);
+    next();
+    return text.substr(0, begin);
+  }
+  number_ += static_cast<std::size_t>(std::ranges::count_if(text, ends_line)) +
+             (text.empty() || text.ends_with(end_) ? 0 : 1);
+  rest_ = {};
+  return std::nullopt;
 }
 
 std::optional<std::string_view> blank_cells::next() {
@@ -70,22 +91,22 @@ std::optional<std::string_view> blank_cells::next() {
 }
 
 std::optional<double> cell_number(std::string_view s) {
+  constexpr std::size_t longest = 512;  // a double with all its digits has some 330
+  if (s.size() > longest) return std::nullopt;
   if (s.starts_with('+') && !s.starts_with("+-")) s.remove_prefix(1);
   if (const auto v = plain_number(s)) return v;
   if (s.find(".#") != std::string_view::npos) return std::numeric_limits<double>::quiet_NaN();
-  constexpr std::size_t longest = 64;
   const std::size_t comma = s.find(',');
-  if (s.size() > longest || comma == std::string_view::npos || s.find('.') != std::string_view::npos)
-    return std::nullopt;
+  if (comma == std::string_view::npos || s.find('.') != std::string_view::npos) return std::nullopt;
   std::string with_point(s);
   with_point[comma] = '.';
   return plain_number(with_point);
 }
 
 std::string_view without_margins(std::string_view s) {
-  const std::size_t begin = s.find_first_not_of(blanks);
-  if (begin == std::string_view::npos) return {};
-  return s.substr(begin, s.find_last_not_of(blanks) + 1 - begin);
+  while (!s.empty() && is_blank(s.front())) s.remove_prefix(1);
+  while (!s.empty() && is_blank(s.back())) s.remove_suffix(1);
+  return s;
 }
 
 bool same_word(std::string_view a, std::string_view b) {

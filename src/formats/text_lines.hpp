@@ -12,18 +12,23 @@ namespace corvantile {
 /// text must outlive the reader and what it gave. Nothing is allocated.
 class line_reader {
  public:
-  explicit line_reader(std::string_view text);
+  /// `first_line` is the number of the text's first line, for a reader over a part of a file.
+  explicit line_reader(std::string_view text, std::size_t first_line = 1);
 
   /// The next line without its end; nothing at the end of the text.
   std::optional<std::string_view> next();
 
-  /// Of the line that `next` gave last, counted from 1; at the end of the text still that of the last line.
+  /// Of the line that `next` gave last; at the end of the text still that of the last line.
   std::size_t number() const { return number_; }
+
+  /// Goes on behind the next line whose first word is `word`, and gives the lines before it; nothing where there is
+  /// no such line, and the reader is then at its end.
+  std::optional<std::string_view> skip_to(std::string_view word);
 
  private:
   std::string_view rest_;
   char end_;
-  std::size_t number_ = 0;
+  std::size_t number_;
 };
 
 /// The cells of one line, separated by any number of blanks and tabs. A cell in double quotes keeps its blanks and
