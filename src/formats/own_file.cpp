@@ -8,7 +8,7 @@
 
 #include "formats/raw_readings.hpp"
 #include "formats/text_lines.hpp"
-#include "monitor/monitor.hpp"
+#include "monitor/measurements.hpp"
 #include "utils/failure.hpp"
 #include "utils/text.hpp"
 
