@@ -19,7 +19,8 @@ enum class fault {
   version,              ///< the measurement file has an unknown version
   no_gamma,             ///< the gamma file cannot be opened and nothing can stand in for it
   unwritable,           ///< a file that cannot be written
-  not_finite            ///< a table would hold an entry that is not a finite number
+  not_finite,           ///< a table would hold an entry that is not a finite number
+  inexpressible         ///< cannot be expressed in that format
 };
 
 /// The kind, and a message for people: one sentence or line, without a line end, that names what, where and which
