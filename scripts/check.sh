@@ -7,6 +7,7 @@
 #   tidy       clang-tidy finds nothing (.clang-tidy says what it looks for)
 #   cppcheck   cppcheck finds nothing (.cppcheck-suppressions says what is let pass)
 #   coverage   lines of src/ that the tests reach; reports, judges nothing
+#   interop    other people's programs read what the format writers write (scripts/interop.sh)
 #   fuzz       each fuzz target for FUZZ_SECONDS (default 20) seconds
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -63,11 +64,15 @@ coverage() {
   gcovr --root . --filter src/ --exclude-unreachable-branches --exclude-throw-branches -j "$jobs" build/coverage
 }
 
+interop() {
+  scripts/interop.sh
+}
+
 fuzz() {
   scripts/fuzz.sh "${FUZZ_SECONDS:-20}"
 }
 
-all=(format clang sanitize tidy cppcheck coverage fuzz)
+all=(format clang sanitize tidy cppcheck coverage interop fuzz)
 steps=("$@")
 [ ${#steps[@]} -gt 0 ] || steps=("${all[@]}")
 for step in "${steps[@]}"; do

@@ -29,13 +29,15 @@ std::string spimtx(const mat3& m) {
 std::string config(const std::vector<file_content>& steps, const description& about) {
   std::string what = about.title;
   for (const std::string& line : about.comments) what.append(what.empty() ? "" : " ").append(line);
-  std::string out = "ocio_profile_version: 1\ndescription: " + yaml_quoted(what) +
-                    "\nsearch_path: .\nroles:\n  default: drive\ndisplays:\n  display:\n"
-                    "    - !<View> {name: corrected, colorspace: corrected}\n"
-                    "active_displays: [display]\nactive_views: [corrected]\ncolorspaces:\n"
-                    "  - !<ColorSpace>\n    name: drive\n    isdata: false\n"
-                    "  - !<ColorSpace>\n    name: corrected\n    isdata: false\n"
-                    "    from_reference: !<GroupTransform>\n      children:\n";
+  std::string out =
+      "ocio_profile_version: 1\ndescription: " + yaml_quoted(what) +
+      "\nsearch_path: .\nroles:\n  default: drive\n"
+      "  scene_linear: drive  # there is but this one; OpenColorIO asks for the role\ndisplays:\n  display:\n"
+      "    - !<View> {name: corrected, colorspace: corrected}\n"
+      "active_displays: [display]\nactive_views: [corrected]\ncolorspaces:\n"
+      "  - !<ColorSpace>\n    name: drive\n    isdata: false\n"
+      "  - !<ColorSpace>\n    name: corrected\n    isdata: false\n"
+      "    from_reference: !<GroupTransform>\n      children:\n";
   for (const file_content& step : steps)
     out += "        - !<FileTransform> {src: " + step.name + ", interpolation: linear}\n";
   return out;
