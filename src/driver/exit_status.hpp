@@ -43,6 +43,7 @@ inline ending ending_of(const failure& f) {
     case fault::version:
       return {normal, false, "STOP " + f.message};
     case fault::setting:
+    case fault::inexpressible:  // a word of other programs than this one
       return {bad_settings, false, f.message};
     case fault::content:
     case fault::no_gamma:

@@ -31,6 +31,8 @@ int status_of(fault kind) {
       return status::cannot_write;
     case fault::not_finite:
       return status::not_finite;
+    case fault::inexpressible:
+      return status::cannot_express;
   }
   return status::bad_input;
 }
