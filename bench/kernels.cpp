@@ -20,7 +20,7 @@ namespace corvantile::bench {
 namespace {
 
 const monitor& display() {
-  static const monitor mon = makemonitor({.name = "subject", .data = readings(subject(17)), .nramp = 17});
+  static const monitor mon = makemonitor({.name = "subject", .data = sample_rows(subject(17)), .nramp = 17});
   return mon;
 }
 

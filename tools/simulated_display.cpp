@@ -250,7 +250,7 @@ static vec3 light(const simulated_display& d, const mat3& full, const vec3& driv
 
 vec3 shown(const simulated_display& d, const vec3& drive) { return light(d, primaries(d), drive) + dark_light(d); }
 
-matrix readings(const simulated_display& d) {
+matrix sample_rows(const simulated_display& d) {
   constexpr std::array<vec3, 7> ramps{{{{1, 1, 1}},
                                        {{1, 0, 0}},
                                        {{0, 1, 0}},
@@ -299,7 +299,7 @@ std::string measurement_file(const simulated_display& d) {
   out += "; Next line: levels in a ramp, extra samples, version. Then R G B X Y Z, XYZ in cd/m2.\n";
   out += std::to_string(d.levels) + " " + std::to_string(d.extra) + " " + std::to_string(d.version) + "\n";
 
-  const matrix all = readings(d);
+  const matrix all = sample_rows(d);
   const int decimals = whole_drives(d) ? 0 : 6;
   for (std::size_t i = 0; i < all.rows(); ++i) {
     for (std::size_t j = 0; j < 3; ++j) out += fixed(all(i, j), decimals) + " ";

@@ -56,7 +56,7 @@ vec3 shown(const simulated_display& d, const vec3& drive);
 
 /// The readings as they stand in the file, one sample a row: R, G, B, X, Y, Z. The ramps come first (white, red,
 /// green, blue; in version 1 also yellow, magenta, cyan), each from full drive down to zero, then the extra samples.
-matrix readings(const simulated_display& d);
+matrix sample_rows(const simulated_display& d);
 
 /// The text of a measurement file: comment lines that name it as simulated, with every parameter, then the readings.
 std::string measurement_file(const simulated_display& d);

@@ -16,7 +16,7 @@ TEST(SimulatedDisplay, WhiteIsTheSumOfThePrimariesAndWordsSayItAll) {
     EXPECT_EQ(measurement_file(again), measurement_file(d));
     d.noise = 0;
     d.digits = 15;
-    const matrix m = readings(d);
+    const matrix m = sample_rows(d);
     const auto n = static_cast<std::size_t>(d.levels);
     const vec3 dark = reading(m, n - 1), white = reading(m, 0);
     EXPECT_EQ(m.rows(), (d.version == 1 ? 7 : 4) * n);
@@ -28,7 +28,7 @@ TEST(SimulatedDisplay, WhiteIsTheSumOfThePrimariesAndWordsSayItAll) {
 
 TEST(SimulatedDisplay, RedWithoutZReadsExactlyTheDarkZOnAnyScaleOfDrives) {
   const simulated_display d{.levels = 300, .red = {{0.69, 0.3}}, .drive = 120, .dark_red_z = true};
-  const matrix m = readings(d);
+  const matrix m = sample_rows(d);
   for (std::size_t i = 300; i < 600; ++i) EXPECT_EQ(m(i, 5), m(299, 5)) << i;
   EXPECT_NEAR(m(1, 0), 120 * 298 / 299.0, 1e-6);
 }
