@@ -130,11 +130,11 @@ void require_listed_files(const std::string& folder, const json& record) {
 solved_job solve_job(const job_inputs& inputs) {
   solved_job job{.names = inputs.names,
                  .samples = parse_measurements(inputs.names.wgfile, inputs.measurements),
+                 .tone = {},
                  .result = {},
                  .figures = {}};
-  std::optional<tone_samples> tone;
-  if (inputs.gamma) tone = parse_tone_samples(inputs.names.gamfile, *inputs.gamma);
-  job.result = solve(job.names.set, job.samples, tone);
+  if (inputs.gamma) job.tone = parse_tone_samples(inputs.names.gamfile, *inputs.gamma);
+  job.result = solve(job.names.set, job.samples, job.tone);
   job.figures = outcome_of(job.result, job.names.set);
   return job;
 }

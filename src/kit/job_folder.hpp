@@ -34,6 +34,7 @@ struct job_inputs {
 struct solved_job {
   profile names;
   measurements samples;
+  std::optional<tone_samples> tone;
   correction result;
   outcome figures;
 };

@@ -40,7 +40,10 @@ void add_common(CLI::App& command, common_options& o, const std::string& output)
 /// A line for people, on standard error; nothing where they asked for quiet.
 void say(const common_options& o, const std::string& line);
 
-verb solve_verb(CLI::App& kit);
+verb import_verb(CLI::App& kit);
+verb chart_verb(CLI::App& kit);
 verb predict_verb(CLI::App& kit);
+verb solve_verb(CLI::App& kit);
+verb export_verb(CLI::App& kit);
 
 }  // namespace corvantile::kit

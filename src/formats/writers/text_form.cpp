@@ -18,22 +18,6 @@ std::string replaced(std::string s, std::string_view what, std::string_view by) 
 
 }  // namespace
 
-std::string ascii(std::string_view text) {
-  std::string s;
-  bool in_character = false;  // behind the first byte of one that is not ASCII
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    const bool continues = (byte & 0xC0U) == 0x80U;
-    if (byte < 0x80) {
-      s += byte < 0x20 || byte == 0x7F ? ' ' : c;
-    } else if (!continues || !in_character) {
-      s += '?';
-    }
-    in_character = byte >= 0x80;
-  }
-  return s;
-}
-
 std::string xml_text(std::string_view text) {
   std::string s = replaced(ascii(text), "&", "&amp;");
   s = replaced(std::move(s), "<", "&lt;");

@@ -5,13 +5,11 @@
 #include <string>
 #include <string_view>
 
+#include "formats/text_lines.hpp"  // ascii
 #include "formats/writers/table_set.hpp"
 #include "numerics/matrix.hpp"
 
 namespace corvantile {
-
-/// Printable ASCII: a blank for each control character, `?` for each other character (of UTF-8) or byte.
-std::string ascii(std::string_view text);
 
 /// ASCII for the content or a quoted attribute of an XML element.
 std::string xml_text(std::string_view text);

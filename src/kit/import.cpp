@@ -1,0 +1,84 @@
+// corvantile-kit import: from what an instrument's program wrote to a measurement file.
+
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "formats/calibration.hpp"
+#include "formats/detect.hpp"
+#include "kit/files.hpp"
+#include "kit/imported.hpp"
+#include "kit/verb.hpp"
+#include "utils/failure.hpp"
+#include "utils/text.hpp"
+
+namespace corvantile::kit {
+namespace {
+
+struct options : common_options {
+  import_options source;
+  std::string calibration;
+};
+
+nlohmann::ordered_json record_of(const imported& in) {
+  const auto figures = [](const std::optional<prediction_figures>& f) -> nlohmann::ordered_json {
+    if (!f) return nullptr;
+    return {{"near_gray", {{"n", f->near_gray.n}, {"mean", f->near_gray.mean}}},
+            {"all", {{"n", f->all.n}, {"mean", f->all.mean}}}};
+  };
+  const ramp_choice& c = in.choice;
+  nlohmann::ordered_json record = {{"source", in.known.source},
+                                   {"kind", in.known.kind},
+                                   {"instrument", in.known.instrument},
+                                   {"date", in.known.date},
+                                   {"readings", in.known.readings},
+                                   {"absolute", in.known.absolute.value_or(false)},
+                                   {"calibration_in_effect", in.known.calibration.has_value()},
+                                   {"levels", c.data.nramp},
+                                   {"extra", c.data.data.rows() - 4 * static_cast<std::size_t>(c.data.nramp)},
+                                   {"ramps", c.taken == ramp_source::derived ? "derived" : "measured"},
+                                   {"why", c.why},
+                                   {"additivity", c.additivity}};
+  record["measured_predicts"] = figures(c.measured_predicts);
+  record["derived_predicts"] = figures(c.derived_predicts);
+  record["notes"] = in.known.notes;
+  return record;
+}
+
+int run(const options& o) {
+  if (o.json && (o.output.empty() || o.output == "-"))
+    throw failure(fault::setting, "--json and the measurements both want standard output; name a file with -o");
+  refuse_to_replace(o.output, o.force);
+  refuse_to_replace(o.calibration, o.force);
+  const imported in = import_measurements(o.source);
+  if (!o.calibration.empty() && !in.known.calibration)
+    refuse_content(in.known.source, "no calibration was in effect while measuring, so that there is none to write");
+  write_output(o.output, in.text, o.force);
+  if (!o.calibration.empty()) {
+    write_output(o.calibration, write_calibration(*in.known.calibration, in.known.source, in.known.date), o.force);
+  }
+  for (const std::string& line : summary_of(in)) say(o, line);
+  if (o.json) write_output("-", record_of(in).dump(2) + '\n', true);
+  return status::done;
+}
+
+}  // namespace
+
+verb import_verb(CLI::App& kit) {
+  auto o = std::make_shared<options>();
+  CLI::App& command = *kit.add_subcommand("import", "Make a measurement file of what an instrument's program wrote");
+  add_source(command, o->source);
+  command.add_option("--calibration", o->calibration, "Write the calibration that was in effect to this .cal file");
+  add_common(command, *o, "The measurement file (default: standard output)");
+  command.footer(
+      "Reads ArgyllCMS .ti3 and other CGATS, CSV and other tables, HCFR's sheets (gray scale and\n"
+      "primaries), and Corvantile's own measurement file.\n\n"
+      "Example:\n  corvantile-kit import display.ti3 -o measurements.txt");
+  return {&command, [o] { return run(*o); }};
+}
+
+}  // namespace corvantile::kit

@@ -1,0 +1,92 @@
+#include "kit/imported.hpp"
+
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <utility>
+
+#include "kit/files.hpp"
+#include "utils/failure.hpp"
+#include "utils/text.hpp"
+
+namespace corvantile::kit {
+namespace {
+
+const std::map<std::string, ramp_source> ramp_sources{
+    {"measured", ramp_source::measured}, {"derived", ramp_source::derived}, {"auto", ramp_source::automatic}};
+
+source source_named(const std::string& name) {
+  return {name == "-" ? "standard input" : std::filesystem::path(name).filename().string(), read_input(name)};
+}
+
+// What our own file's comments know goes on with it.
+provenance known_of(const import_options& o, const imported& in) {
+  provenance known = provenance_of(in.all, in.choice);
+  if (in.all.kind != "Corvantile measurements") return known;
+  const provenance before = parse_provenance(read_input(o.source));
+  if (before.source.empty()) return known;
+  known.instrument = before.instrument;
+  known.originator = before.originator;
+  known.date = before.date;
+  known.display = before.display;
+  known.absolute = before.absolute;
+  if (!known.calibration) known.calibration = before.calibration;
+  return known;
+}
+
+std::string prediction_line(const char* name, const prediction_figures& f) {
+  std::string line = std::string(name) + " ramps predict " + std::to_string(f.all.n) +
+                     " other patches to CIEDE2000 " + decimals(f.all.mean, 2);
+  if (f.near_gray.n > 0) {
+    line += ", " + std::to_string(f.near_gray.n) + " of them near gray to " + decimals(f.near_gray.mean, 2);
+  }
+  return line;
+}
+
+}  // namespace
+
+void add_source(CLI::App& command, import_options& o) {
+  command.add_option("SOURCE", o.source, "What the instrument's program wrote; - for standard input")->required();
+  command.add_option("SECOND", o.second, "HCFR: the other of the two sheets");
+  command.add_option("--from", o.from, "What SOURCE is, where its content does not tell")
+      ->check(CLI::IsMember({"ti3", "cgats", "csv", "hcfr", "corvantile"}));
+  command.add_option("--layout", o.layout, "Order of the ramps in 12 columns without a header, such as rgbw");
+  command
+      .add_option("--ramps", o.ramps,
+                  "Red, green and blue ramps: measured, derived from gray, or what predicts better")
+      ->check(CLI::IsMember({"measured", "derived", "auto"}))
+      ->capture_default_str();
+}
+
+readings read_source(const import_options& o) {
+  std::optional<source> second;
+  if (!o.second.empty()) second = source_named(o.second);
+  return read_readings(source_named(o.source), second, {.from = kind_named(o.from), .layout = o.layout});
+}
+
+imported import_measurements(const import_options& o) {
+  imported in{.all = read_source(o), .choice = {}, .known = {}, .text = {}};
+  in.choice = ramps(in.all, ramp_sources.at(o.ramps));
+  in.known = known_of(o, in);
+  in.choice.data.name = in.known.source;
+  in.text = measurement_text(in.choice.data, provenance_comment(in.known));
+  return in;
+}
+
+std::vector<std::string> summary_of(const imported& in) {
+  const ramp_choice& c = in.choice;
+  const std::size_t extra = c.data.data.rows() - 4 * static_cast<std::size_t>(c.data.nramp);
+  std::vector<std::string> lines;
+  lines.push_back(in.known.source + ": " + in.known.kind + ", " + std::to_string(in.all.rows.size()) + " readings" +
+                  (in.all.absolute ? " in cd/m2" : ", luminances relative") +
+                  (in.known.calibration ? ", through a calibration" : ""));
+  lines.push_back(std::string(c.taken == ramp_source::derived ? "derived" : "measured") + " ramps of " +
+                  std::to_string(c.data.nramp) + " levels (" + c.why + "), " + std::to_string(extra) +
+                  " further samples");
+  if (c.measured_predicts) lines.push_back(prediction_line("measured", *c.measured_predicts));
+  if (c.derived_predicts) lines.push_back(prediction_line("derived", *c.derived_predicts));
+  for (const std::string& note : in.known.notes) lines.push_back("note: " + note);
+  return lines;
+}
+
+}  // namespace corvantile::kit
