@@ -306,7 +306,7 @@ bool has_derived_ramps(const measurements& m) {
   for (std::size_t k = 3; k < 6; ++k) {
     const double white = m.data(0, k), dark = m.data(n - 1, k);
     const double sum = m.data(n, k) + m.data(2 * n, k) + m.data(3 * n, k) - 2 * dark;
-    if (!(std::abs(sum - white) <= 1e-9 * std::abs(white))) return false;
+    if (!(std::abs(sum - white) <= 1e-13 * std::abs(white))) return false;
   }
   return true;
 }

@@ -49,7 +49,8 @@ struct ramp_choice {
 /// drive, or no full primary; and where `measured` finds fewer than five shared levels.
 ramp_choice ramps(const readings& all, ramp_source how);
 
-/// Whether the coloured ramps of `m` were derived from its gray ramp: their tops add up to the white exactly.
+/// Whether the coloured ramps of `m` were derived from its gray ramp: their tops add up to the white to 13 digits, as
+/// no readings do.
 bool has_derived_ramps(const measurements& m);
 
 }  // namespace corvantile
