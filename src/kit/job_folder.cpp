@@ -1,6 +1,7 @@
 #include "kit/job_folder.hpp"
 
 #include <cmath>
+#include <iostream>
 #include <string_view>
 #include <utility>
 
@@ -126,6 +127,13 @@ void require_listed_files(const std::string& folder, const json& record) {
 }
 
 }  // namespace
+
+profile read_settings_file(const std::string& name) {
+  profile p = read_profile(read_input(name));
+  name_mode(p);
+  fill_xytable(p.set, std::cerr);
+  return p;
+}
 
 solved_job solve_job(const job_inputs& inputs) {
   solved_job job{.names = inputs.names,

@@ -39,6 +39,9 @@ struct solved_job {
   outcome figures;
 };
 
+/// Reads a settings file; its mode is named and its target filled in. Throws `fault::setting`.
+profile read_settings_file(const std::string& name);
+
 /// Reads the texts and solves. Throws `failure`.
 solved_job solve_job(const job_inputs& inputs);
 

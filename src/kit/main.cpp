@@ -50,8 +50,8 @@ int main(int argc, char** argv) {
   kit.set_help_flag("-h,--help", "Print this help and leave");
   kit.require_subcommand(1);
   kit.footer("Each verb has a help of its own: corvantile-kit VERB --help");
-  const std::vector<verb> verbs{import_verb(kit), chart_verb(kit), predict_verb(kit), solve_verb(kit),
-                                export_verb(kit)};
+  const std::vector<verb> verbs{make_verb(kit),  import_verb(kit), check_verb(kit),  chart_verb(kit),
+                                solve_verb(kit), export_verb(kit), predict_verb(kit)};
   try {
     kit.parse(argc, argv);
     for (const verb& v : verbs)

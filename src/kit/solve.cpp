@@ -1,6 +1,5 @@
 // corvantile-kit solve: a job from its settings file to its folder.
 
-#include <iostream>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -31,16 +30,9 @@ job_inputs inputs_of(const profile& given) {
   return inputs;
 }
 
-profile complete_profile(const std::string& settings_file) {
-  profile p = read_profile(read_input(settings_file));
-  name_mode(p);
-  if (p.wgfile.empty()) throw failure(fault::setting, "Settings: wgfile, the measurement file, is missing");
-  fill_xytable(p.set, std::cerr);
-  return p;
-}
-
 int run(const options& o) {
-  const profile given = complete_profile(o.settings);
+  const profile given = read_settings_file(o.settings);
+  if (given.wgfile.empty()) throw failure(fault::setting, "Settings: wgfile, the measurement file, is missing");
   const std::string folder = o.output.empty() ? given.outdir : o.output;
   refuse_to_replace(folder + "/job.json", o.force);
   const job_inputs inputs = inputs_of(given);

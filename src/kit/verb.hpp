@@ -42,8 +42,10 @@ void say(const common_options& o, const std::string& line);
 
 verb import_verb(CLI::App& kit);
 verb chart_verb(CLI::App& kit);
+verb check_verb(CLI::App& kit);
 verb predict_verb(CLI::App& kit);
 verb solve_verb(CLI::App& kit);
 verb export_verb(CLI::App& kit);
+verb make_verb(CLI::App& kit);
 
 }  // namespace corvantile::kit

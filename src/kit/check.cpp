@@ -1,0 +1,113 @@
+// corvantile-kit check: whether measurements can be trusted, and what a job would do with them.
+
+#include "appraisal/check.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "kit/checked.hpp"
+#include "kit/files.hpp"
+#include "kit/imported.hpp"
+#include "kit/job_folder.hpp"
+#include "kit/verb.hpp"
+#include "kit/words.hpp"
+#include "utils/text.hpp"
+
+namespace corvantile::kit {
+namespace {
+
+using json = nlohmann::ordered_json;
+
+struct options : common_options {
+  import_options source;
+  std::string settings;
+  bool strict = false;
+};
+
+json figures(const difference_figures& f) { return {{"n", f.n}, {"mean", f.mean}, {"p95", f.p95}, {"max", f.max}}; }
+
+json record_of(const quality& q, const std::vector<finding>& findings) {
+  json record = {{"additivity", q.additivity}, {"dark_spread", q.dark_spread}};
+  record["repeat_spread"] = q.repeat_spread ? json(*q.repeat_spread) : json(nullptr);
+  record["accuracy"] = {{"unseen", figures(q.accuracy.unseen)},
+                        {"near_gray", figures(q.accuracy.near_gray)},
+                        {"white_ramp", figures(q.accuracy.white_ramp)}};
+  record["white"] = {
+      {"x", q.white_xy[0]}, {"y", q.white_xy[1]}, {"cct", q.white_cct}, {"from_d65", q.white_from_d65}};
+  record["contrast"] = std::isfinite(q.contrast) ? json(q.contrast) : json(nullptr);
+  record["noise"] = {{"dark", q.noise.dark}, {"middle", q.noise.middle}, {"bright", q.noise.bright}};
+  record["numsegs"] = q.numsegs;
+  for (const gamut_comparison& g : q.gamut)
+    record["gamut"][std::string(g.name)] = {{"area", g.area}, {"coverage", g.coverage}};
+  record["findings"] = json::array();
+  for (const finding& f : findings) {
+    record["findings"].push_back(
+        {{"id", f.id}, {"severity", name_of(f.level)}, {"message", f.message}, {"action", f.action}});
+  }
+  return record;
+}
+
+std::string accuracy_line(const char* what, const difference_figures& f) {
+  if (f.n == 0) return std::string(what) + "none";
+  return std::string(what) + "mean " + decimals(f.mean, 2) + ", 95 % within " + decimals(f.p95, 2) + ", largest " +
+         decimals(f.max, 2) + " (" + std::to_string(f.n) + " patches)";
+}
+
+std::string text_of(const quality& q, const std::vector<finding>& findings) {
+  std::string text;
+  for (const finding& f : findings) {
+    text += std::string(name_of(f.level)) + ": " + f.id + '\n' + wrapped(f.message, 4);
+    if (!f.action.empty()) text += wrapped("-> " + f.action, 4);
+  }
+  text += "\nwhite         x " + decimals(q.white_xy[0], 4) + ", y " + decimals(q.white_xy[1], 4) + ", " +
+          decimals(q.white_cct, 0) + " K, " + decimals(q.white_from_d65, 4) + " u'v' from D65\n";
+  text += "luminance     " + decimals(q.white[1], 1) + ", contrast " +
+          (std::isfinite(q.contrast) ? decimals(q.contrast, 0) + " : 1" : std::string("unknown (dark of 0)")) + '\n';
+  text += "model against samples, CIEDE2000\n";
+  text += accuracy_line("  unseen      ", q.accuracy.unseen) + '\n';
+  text += accuracy_line("  near gray   ", q.accuracy.near_gray) + '\n';
+  text += accuracy_line("  white ramp  ", q.accuracy.white_ramp) + '\n';
+  text += "channels' sum " + decimals(100 * q.additivity, 2) + " % off the white; dark readings " +
+          decimals(100 * q.dark_spread, 3) + " % of white apart" +
+          (q.repeat_spread ? "; repeats " + decimals(100 * *q.repeat_spread, 2) + " % apart" : "") + '\n';
+  text += "gamut         ";
+  for (const gamut_comparison& g : q.gamut)
+    text += std::string(g.name) + " " + decimals(100 * g.coverage, 0) + " %" + (&g == &q.gamut.back() ? "" : ", ");
+  return text + " covered\n";
+}
+
+int run(const options& o) {
+  const checked c = check_source(o.source);
+  std::vector<finding> findings = c.figures.findings;
+  if (!o.settings.empty()) {
+    for (finding& f : plan_findings(read_settings_file(o.settings), c.samples)) findings.push_back(std::move(f));
+    sort_findings(findings);
+  }
+  if (o.json) {
+    write_output("-", record_of(c.figures, findings).dump(2) + '\n', true);
+  } else {
+    write_output(o.output, text_of(c.figures, findings), o.force);
+  }
+  const bool serious = std::ranges::any_of(findings, [](const finding& f) { return f.level > severity::note; });
+  return o.strict && serious ? status::findings : status::done;
+}
+
+}  // namespace
+
+verb check_verb(CLI::App& kit) {
+  auto o = std::make_shared<options>();
+  CLI::App& command = *kit.add_subcommand("check", "Say whether measurements can be trusted");
+  add_source(command, o->source);
+  command.add_option("--settings", o->settings, "Say also what a job with these settings would do");
+  command.add_flag("--strict", o->strict, "End with status 1 where a finding is worse than a note");
+  add_common(command, *o, "Where to write the findings (default: standard output)");
+  command.footer("Example:\n  corvantile-kit check measurements.txt --strict");
+  return {&command, [o] { return run(*o); }};
+}
+
+}  // namespace corvantile::kit

@@ -1,0 +1,53 @@
+#include "kit/checked.hpp"
+
+#include <optional>
+#include <utility>
+
+#include "appraisal/outcome.hpp"
+#include "appraisal/plan.hpp"
+#include "driver/gamma_file.hpp"
+#include "formats/detect.hpp"
+#include "job/correction.hpp"
+#include "kit/files.hpp"
+
+namespace corvantile::kit {
+namespace {
+
+bool is_our_own(const import_options& o, std::string_view text) {
+  if (!o.from.empty()) return o.from == "corvantile";
+  return kind_of(text) == source_kind::corvantile;
+}
+
+}  // namespace
+
+checked check_source(const import_options& o) {
+  checked c;
+  const std::string text = o.source == "-" ? std::string() : read_input(o.source);
+  if (!text.empty() && is_our_own(o, text) && o.ramps == "auto") {
+    c.samples = parse_measurements(o.source, text);
+    c.known = parse_provenance(text);
+  } else {
+    imported in = import_measurements(o);
+    c.samples = std::move(in.choice.data);
+    c.known = std::move(in.known);
+  }
+  c.figures = check_measurements(c.samples, c.known);
+  return c;
+}
+
+std::vector<finding> plan_findings(const profile& p, const measurements& samples) {
+  std::optional<tone_samples> tone;
+  if (!p.gamfile.empty()) tone = parse_tone_samples(p.gamfile, read_input(p.gamfile));
+  const correction result = solve(p.set, samples, tone);
+  return findings_of_job(p.set, result, outcome_of(result, p.set));
+}
+
+std::vector<finding> findings_of_job(const settings& set, const correction& result, const outcome& figures) {
+  std::vector<finding> findings = check_plan(set, figures);
+  for (const warning& w : result.warnings)
+    findings.push_back({std::string(name_of(w.kind)), severity::warning, w.message, ""});
+  sort_findings(findings);
+  return findings;
+}
+
+}  // namespace corvantile::kit

@@ -1,0 +1,177 @@
+// corvantile-kit make: the one command, from what an instrument wrote to what a device loads.
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+#include "kit/checked.hpp"
+#include "kit/exports.hpp"
+#include "kit/files.hpp"
+#include "kit/imported.hpp"
+#include "kit/job_folder.hpp"
+#include "kit/loading.hpp"
+#include "kit/targets.hpp"
+#include "kit/verb.hpp"
+#include "kit/words.hpp"
+#include "utils/failure.hpp"
+#include "utils/file_output.hpp"
+#include "utils/text.hpp"
+
+namespace corvantile::kit {
+namespace {
+
+struct options : common_options {
+  import_options source;
+  wishes wanted;
+  std::string display;
+  bool anyway = false;
+};
+
+// A line for each step with its time, where people look on.
+class progress {
+ public:
+  explicit progress(bool quiet) : shown_(!quiet && ::isatty(STDERR_FILENO) != 0) {}
+  template <class Step>
+  auto operator()(const char* name, const Step& step) {
+    if (shown_) std::cerr << name << " ..." << std::flush;
+    const auto start = std::chrono::steady_clock::now();
+    struct line_end {  // also behind a step that fails
+      bool shown;
+      ~line_end() {
+        if (shown) std::cerr << '\n';
+      }
+    } end{shown_};
+    auto result = step();
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
+    if (shown_) std::cerr << ' ' << decimals(took.count(), 2) << " s";
+    return result;
+  }
+
+ private:
+  bool shown_;
+};
+
+// The exports of a job, as files of its folder. A format of "all" that cannot hold the job is left out; of a device
+// that was asked for by name none may be missing.
+std::vector<text_file> exports_of(const options& o, const solved_job& job, const provenance& known,
+                                  std::vector<std::string>& notes) {
+  std::vector<text_file> files;
+  for (const device_format& wanted : formats_for(o.wanted.device, job.names.set.mode)) {
+    const export_format& format = format_named(wanted.format);
+    export_options how;
+    how.format = format.name;
+    how.title = o.display;
+    try {
+      const exported made = export_job(job, known, how);
+      for (const file_content& f : made.files) {
+        const std::string folder = format.one_file ? "" : std::string(format.usual_name) + '/';
+        files.push_back({"exports/" + folder + f.name, f.bytes});
+      }
+    } catch (const failure& f) {
+      if (f.kind != fault::inexpressible || o.wanted.device != "all") throw;
+      notes.push_back(f.message);
+    }
+  }
+  return files;
+}
+
+void write_everything(const std::string& folder, std::vector<text_file> files) {
+  namespace fs = std::filesystem;
+  for (text_file& f : files) {
+    f.path.insert(0, folder + '/');
+    make_folder(fs::path(f.path).parent_path().string());
+  }
+  write_files(files);
+}
+
+std::string verdict_of(const solved_job& job) {
+  const outcome& f = job.figures;
+  const double kept = f.white_before[1] > 0 ? 100 * f.white_after[1] / f.white_before[1] : 0;
+  std::string line = "By the model, grays come to CIEDE2000 " + decimals(f.gray_mean, 2) +
+                     " of their target on average (" + decimals(f.gray_largest, 2) + " at most); the white keeps " +
+                     decimals(kept, 0) + " % of its luminance";
+  if (f.gamut) {
+    const double most = std::ranges::max(f.gamut->moved.v);
+    line += most > 0 ? "; primaries out of reach were moved by up to " + decimals(most, 3) + " uv"
+                     : "; all primaries are reached";
+  }
+  return line + '.';
+}
+
+// Stops where the measurements are not worth solving.
+void heed(const options& o, const checked& c) {
+  for (const finding& f : c.figures.findings) {
+    if (f.level == severity::note) continue;
+    say(o, std::string(name_of(f.level)) + ": " + f.message + (f.action.empty() ? "" : " " + f.action));
+  }
+  if (o.anyway || c.figures.findings.empty() || c.figures.findings.front().level != severity::error) return;
+  const finding& worst = c.figures.findings.front();
+  refuse_content(c.known.source,
+                 worst.id + ": " + worst.message + " " + worst.action + " (--anyway solves all the same)");
+}
+
+int run(options o) {
+  if (o.output.empty()) o.output = std::filesystem::path(o.source.source).stem().string() + "-corrected";
+  refuse_to_replace(o.output, o.force);
+  progress step(o.quiet);
+
+  const imported in = step("import", [&] { return import_measurements(o.source); });
+  const checked c = step("check", [&] {
+    return checked{in.choice.data, in.known, check_measurements(in.choice.data, in.known)};
+  });
+  heed(o, c);
+  const plan p = plan_for(o.wanted, in.choice.data);
+  const job_inputs inputs{.names = p.names, .measurements = in.text, .gamma = p.gamma, .why = p.why};
+  const solved_job job = step("solve", [&] { return solve_job(inputs); });
+  std::vector<std::string> notes;
+  std::vector<text_file> files = files_of(inputs, job);
+  for (text_file& f : step("export", [&] { return exports_of(o, job, in.known, notes); }))
+    files.push_back(std::move(f));
+  write_everything(o.output, files);
+
+  for (const std::string& line : warning_lines(job.result)) say(o, line);
+  for (const std::string& note : notes) say(o, "left out: " + note);
+  say(o, verdict_of(job));
+  say(o, loading_advice(o.output, o.wanted.device, job.names.set.mode));
+  if (o.json) {
+    nlohmann::ordered_json record = record_of(inputs, job);
+    record["folder"] = o.output;
+    record["files"] = nlohmann::ordered_json::array();
+    for (const text_file& f : files) record["files"].push_back(f.path);
+    record["left_out"] = notes;
+    write_output("-", record.dump(2) + '\n', true);
+  }
+  return status::done;
+}
+
+}  // namespace
+
+verb make_verb(CLI::App& kit) {
+  auto o = std::make_shared<options>();
+  CLI::App& command = *kit.add_subcommand("make", "Do everything: import, check, solve, export, report");
+  add_source(command, o->source);
+  command.add_option("--target", o->wanted.target, "native, srgb, rec709, display-p3, adobe-rgb or bt2020")
+      ->check(CLI::IsMember(target_names()).description(""))
+      ->capture_default_str();
+  command.add_option("--gamma", o->wanted.gamma, "An exponent, srgb, bt1886, lstar, or a gamma file")
+      ->capture_default_str();
+  command.add_option("--white", o->wanted.white, "native, d65, d50, a temperature, or x,y (default: the target's)");
+  command.add_option("--for", o->wanted.device, "linux, x11, windows, video, fpga or all")
+      ->check(CLI::IsMember({"linux", "x11", "windows", "video", "fpga", "all"}).description(""))
+      ->capture_default_str();
+  command.add_option("--display", o->display, "The display's name, for titles");
+  command.add_flag("--anyway", o->anyway, "Solve also where the measurements are not worth it");
+  add_common(command, *o, "The folder (default: SOURCE without its ending, and -corrected)");
+  command.footer("Example:\n  corvantile-kit make display.ti3 --target srgb --for linux -o my-display");
+  return {&command, [o] { return run(*o); }};
+}
+
+}  // namespace corvantile::kit
