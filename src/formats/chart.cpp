@@ -43,20 +43,22 @@ bool on_a_ramp(const vec3& d) {
   return dark >= 2 || (d[0] == d[1] && d[1] == d[2]);
 }
 
-std::vector<chart_patch> verification_patches(std::size_t count) {
+chart_patch anywhere(const vec3& point) { return in_codes(point); }
+
+chart_patch near_gray(const vec3& point) {
   constexpr double off_gray = 0.04;
   constexpr double margin = 0.05;  // the ends of the gray axis say little about colours beside it
-  std::vector<chart_patch> patches;
-  for (std::size_t index = 1; patches.size() < count; ++index) {
-    vec3 drive = halton(index);
-    if (patches.size() % 3 == 2) {
-      const double gray = margin + (1 - 2 * margin) * drive[0];
-      drive = {{gray + off_gray * (2 * drive[1] - 1), gray, gray + off_gray * (2 * drive[2] - 1)}};
-    }
-    const chart_patch patch = in_codes(drive);
+  const double gray = margin + (1 - 2 * margin) * point[0];
+  return in_codes({{gray + off_gray * (2 * point[1] - 1), gray, gray + off_gray * (2 * point[2] - 1)}});
+}
+
+// Appends `count` patches, made of successive points of the sequence, that no ramp holds.
+void append_spread(std::vector<chart_patch>& patches, std::size_t count, chart_patch (*make)(const vec3&)) {
+  const std::size_t end = patches.size() + count;
+  for (std::size_t index = 1; patches.size() < end; ++index) {
+    const chart_patch patch = make(halton(index));
     if (!on_a_ramp(patch.drive)) patches.push_back(patch);
   }
-  return patches;
 }
 
 // All but white and black.
@@ -100,8 +102,8 @@ std::vector<chart_patch> make_chart(std::size_t levels, chart_ramps ramps, std::
   if (levels < 5 || levels > 256) refuse_setting("levels", std::to_string(levels), "expected 5 to 256");
   if (verify > most_verify) refuse_setting("verify", std::to_string(verify), "expected at most 10000");
   std::vector<chart_patch> patches = ramp_patches(levels, ramps);
-  const std::vector<chart_patch> unseen = verification_patches(verify);
-  patches.insert(patches.end(), unseen.begin(), unseen.end());
+  append_spread(patches, verify - verify / 3, anywhere);
+  append_spread(patches, verify / 3, near_gray);
 
   std::vector<chart_patch> chart;
   std::size_t since = between_whites;

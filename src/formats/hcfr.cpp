@@ -123,7 +123,8 @@ std::vector<raw_reading> color_checker(readings& into, const source& from) {
                 "corvantile-kit writes for HCFR");
   }
   if (nameless > 0) {
-    into.notes.push_back(std::to_string(nameless) + " patches are passed over: their names do not state a drive.");
+    into.notes.push_back(std::to_string(nameless) + " of " + std::to_string(nameless + found.size()) +
+                         " patches are passed over: their names do not state a drive.");
   }
   return found;
 }
