@@ -19,6 +19,7 @@ struct sheet_row {
   std::size_t line = 0;
 };
 
+// The rows that have any cell.
 std::vector<sheet_row> rows_of(const source& from) {
   constexpr std::size_t most_rows = 20000;  // a save appends nine
   std::vector<sheet_row> rows;
@@ -28,6 +29,7 @@ std::vector<sheet_row> rows_of(const source& from) {
     if (separator == '\0') separator = separator_of(*line);
     sheet_row row{{}, lines.number()};
     split_cells(*line, separator, row.cells);
+    if (row.cells.empty()) continue;
     rows.push_back(std::move(row));
     if (rows.size() > most_rows) refuse_line(from.name, lines.number(), "too many rows for a sheet of HCFR");
   }

@@ -31,7 +31,8 @@ double brought_to_unit(const readings& into, const raw_reading& row, std::size_t
 std::optional<std::string> failing(const vec3& drive, const vec3& xyz) {
   constexpr double not_measured = -99999;
   constexpr double surely_lit = 0.2;
-  if (!std::ranges::all_of(xyz.v, [](double v) { return std::isfinite(v); })) return "is not a number";
+  constexpr double brightest = 1e12;  // the sun's disc is some 1.6e9 cd/m2
+  if (!std::ranges::all_of(xyz.v, [](double v) { return std::abs(v) <= brightest; })) return "is no measurable light";
   if (std::ranges::min(xyz.v) < not_measured || xyz == vec3{{-1, -1, -1}}) return "was not measured";
   if (xyz == vec3{} && std::ranges::max(drive.v) >= surely_lit) return "failed";
   return std::nullopt;

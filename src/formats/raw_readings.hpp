@@ -35,7 +35,8 @@ drive_scale guess_drive_scale(readings& into, std::span<const raw_reading> rows,
 /// Appends the rows, their drives brought to 0..1. What strays from there by up to 0.1 % of full drive is put to the
 /// end of the range; more than that is refused with its line, and so is a drive that is no number.
 ///
-/// Left out, with a note that names the line: readings that are not finite, those that spell "not measured"
+/// Left out, with a note that names the line: readings that are not finite or beyond 1e12, those that spell "not
+/// measured"
 /// (-99999.99; -1 three times), and 0 0 0 at a drive of 20 % or more, where any instrument sees light.
 /// Throws `fault::content` where nothing remains.
 void append_rows(readings& into, std::span<const raw_reading> rows, const drive_scale& scale);

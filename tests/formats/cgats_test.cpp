@@ -91,7 +91,7 @@ TEST(Cgats, DropsFailedReadingsByName) {
       notes_of(r),
       "Dropped line 11: the reading 0 0 0 of drive 100 100 100 failed.\n"
       "Dropped line 13: the reading -99999.992188 -99999.992188 -99999.992188 of drive 0 0 50 was not measured.\n"
-      "Dropped line 14: the reading NaN 1 1 of drive 50 50 50 is not a number.\n");
+      "Dropped line 14: the reading NaN 1 1 of drive 50 50 50 is no measurable light.\n");
 }
 
 TEST(Cgats, RefusesWithLineAndValue) {

@@ -50,7 +50,7 @@ TEST(Delimited, UnitsAndWhatWasNotMeasured) {
   EXPECT_EQ(rows_of(r), " 1 1 1 = 95 100 109;");
   EXPECT_EQ(notes_of(r),
             "Drive values are taken as 0 to 255: the largest is 255 (line 2).\n"
-            "Dropped line 3: the reading NaN NaN NaN of drive 0 0 255 is not a number.\n");
+            "Dropped line 3: the reading NaN NaN NaN of drive 0 0 255 is no measurable light.\n");
 }
 
 TEST(Delimited, TakesTwelveColumnsAsFourRamps) {

@@ -11,7 +11,7 @@ static const std::string gray_series =
     "\"% "
     "Blanc\";\"0.000000\";\"1.826484\";\"100,000000\"\r\n\"X\";\"0.5\";\"1\";\"95\"\r\n\"Y\";\"0.5\";\"1,5\";"
     "\"100\"\r\n"
-    "\"Z\";\"0.5\";\"2\";\"109\"\r\n\"R\";\"1\";\"1\";\"1\"\r\n\"ColorTemp\";\"1\";\"1\";\"1\"\r\n";
+    "\"Z\";\"0.5\";\"2\";\"109\"\r\n\"R\";\"1\";\"1\";\"1\"\r\n\"ColorTemp\";\"1\";\"1\";\"1\"\r\n\r\n";
 static const source gray{"Gray.csv", gray_header + gray_series};
 static const source primaries{
     "Primaries.csv",
@@ -33,8 +33,7 @@ TEST(Hcfr, JoinsGrayScaleAndPrimariesInEitherOrder) {
   older.replace(older.find("\"95\""), 4, "\"70\"");
   const readings appended = read_hcfr({"Gray.csv", gray_header + older + gray_series}, primaries);
   EXPECT_EQ(rows_of(appended), ramp + rest) << "the last series";
-  EXPECT_EQ(notes_of(appended).substr(0, 72),
-            "Gray.csv: The sheet holds 2 series; the last is taken (line 9).\nPrimarie");
+  EXPECT_EQ(notes_of(appended).substr(0, 65), "Gray.csv: The sheet holds 2 series; the last is taken (line 10).\n");
 }
 
 TEST(Hcfr, ReadsTheDriveFromNamesOfPatches) {
