@@ -89,7 +89,7 @@ std::optional<double> to_absolute(readings& into, const cgats_table& table) {
         std::to_string(white->line) + ").");
     return std::nullopt;
   }
-  into.notes.push_back("X, Y, Z stay relative: the file does not tell the white's luminance.");
+  into.notes.emplace_back("X, Y, Z stay relative: the file does not tell the white's luminance.");
   return std::nullopt;
 }
 

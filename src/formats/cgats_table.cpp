@@ -159,9 +159,9 @@ cgats_rows::cgats_rows(std::string_view name, const cgats_table& table, std::spa
 bool cgats_rows::next() {
   std::size_t column = 0;
   while (column == 0) {  // blank lines and comments have no cell
-    const auto line = lines_.next();
-    if (!line) return false;
-    blank_cells cells(*line);
+    const auto text = lines_.next();
+    if (!text) return false;
+    blank_cells cells(*text);
     for (auto cell = cells.next(); cell; cell = cells.next(), ++column) {
       if (column >= slot_.size() || slot_[column] == values_.size()) continue;
       const auto v = cell_number(*cell);

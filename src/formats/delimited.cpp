@@ -32,8 +32,8 @@ class table_reader {
   table_reader(std::string_view name, std::string_view text) : name_(name), lines_(text) {}
 
   bool next() {
-    while (const auto line = lines_.next()) {
-      const std::string_view row = without_margins(*line);
+    while (const auto text = lines_.next()) {
+      const std::string_view row = without_margins(*text);
       if (row.empty()) continue;
       if (is_comment(row)) {
         comment_ = row;
@@ -42,7 +42,7 @@ class table_reader {
       if (row.size() > longest_line) refuse("a line of more than a million characters");
       if (take_separator(row)) continue;
       if (separator_ == '\0') separator_ = separator_of(row);
-      split_cells(*line, separator_, cells);
+      split_cells(*text, separator_, cells);
       if (cells.size() > most_cells) refuse("more than " + std::to_string(most_cells) + " cells in one line");
       if (!cells.empty()) return true;
     }
@@ -116,7 +116,7 @@ void read_rows(readings& into, table_reader& table, const table_columns& columns
   while (table.next());
   into.absolute = columns.absolute;
   append_rows(into, rows, columns.percent ? drive_scale{0, 100} : guess_drive_scale(into, rows));
-  if (!columns.absolute) into.notes.push_back("X, Y, Z stay relative: the header does not tell their unit.");
+  if (!columns.absolute) into.notes.emplace_back("X, Y, Z stay relative: the header does not tell their unit.");
 }
 
 // ---- Four ramps side by side ----
@@ -187,7 +187,7 @@ void read_four_ramps(readings& into, table_reader& table, std::string layout) {
                        (guessed ? " (told by their colours)" : "") + ", at " + std::to_string(ramps.size()) +
                        " even levels, " + (rising ? "dark first." : "full drive first."));
   append_rows(into, rows, {0, 1});
-  into.notes.push_back("X, Y, Z stay relative: the file does not tell their unit.");
+  into.notes.emplace_back("X, Y, Z stay relative: the file does not tell their unit.");
 }
 
 }  // namespace
@@ -217,7 +217,7 @@ readings read_delimited(std::string_view name, std::string_view text, std::strin
   if (const auto columns = read_table_header(names, problem); columns && columns->width == table.cells.size()) {
     read_rows(found, table, *columns);
   } else if (table.cells.size() == 6) {
-    found.notes.push_back("Without a header the six columns are taken as R, G, B, X, Y, Z.");
+    found.notes.emplace_back("Without a header the six columns are taken as R, G, B, X, Y, Z.");
     read_rows(found, table, {{0, 1, 2}, {3, 4, 5}, 6});
   } else if (table.cells.size() == 12) {
     read_four_ramps(found, table, std::string(layout));

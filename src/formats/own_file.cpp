@@ -64,18 +64,18 @@ readings read_own_file(std::string_view name, std::string_view text) {
 
   std::vector<raw_reading> rows(samples.data.rows());
   double full_drive = 0;
-  for (std::size_t i = 0; i < rows.size(); ++i) {
+  for (raw_reading& row : rows) {
     for (std::size_t c = 0; c < 6; ++c) {
       double v = 0;
       numbers.next(v);
-      if (c == 0) rows[i].line = numbers.line();
-      (c < 3 ? rows[i].drive[c] : rows[i].xyz[c - 3]) = v;
+      if (c == 0) row.line = numbers.line();
+      (c < 3 ? row.drive[c] : row.xyz[c - 3]) = v;
       if (c < 3) full_drive = std::max(full_drive, v);
     }
   }
   if (!(full_drive > 0)) refuse_content(name, "no drive value is above 0, so that full drive is unknown");
   append_rows(found, rows, {0, full_drive});
-  if (!found.absolute) found.notes.push_back("X, Y, Z stay relative: no comment tells their unit.");
+  if (!found.absolute) found.notes.emplace_back("X, Y, Z stay relative: no comment tells their unit.");
   return found;
 }
 
