@@ -50,8 +50,7 @@ std::vector<double> all_inputs(const calibration_curves& curves) {
   std::vector<double> inputs;
   for (const lut& curve : curves) inputs.insert(inputs.end(), curve.x.begin(), curve.x.end());
   std::ranges::sort(inputs);
-  const auto repeated = std::ranges::unique(inputs);
-  inputs.erase(repeated.begin(), repeated.end());
+  inputs.erase(std::unique(inputs.begin(), inputs.end()), inputs.end());
   return inputs;
 }
 
