@@ -17,6 +17,7 @@
 #include "driver/standard_input.hpp"
 #include "driver/standard_output.hpp"
 #include "utils/failure.hpp"
+#include "utils/temporary_file.hpp"
 
 namespace corvantile {
 namespace {
@@ -59,6 +60,7 @@ int main(std::span<const std::string_view> arguments) {
   // A reader that leaves, or a file that grows too large, is an error of that write and not the end of the process.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
+  remove_temporaries_on_signals();
   descriptor_buffer buffer(STDOUT_FILENO);
   std::ostream out(&buffer);
 

@@ -1,79 +1,49 @@
 #include "utils/file_output.hpp"
 
 #include <cerrno>
-#include <cstring>
+#include <chrono>
+#include <deque>
 #include <fcntl.h>
 #include <filesystem>
-#include <optional>
+#include <map>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <system_error>
+#include <thread>
 #include <unistd.h>
 
 #include "utils/failure.hpp"
+#include "utils/temporary_file.hpp"
+#include "utils/text.hpp"
 
 namespace corvantile {
 namespace {
 
-[[noreturn]] void cannot_write(const std::string& path, int reason) {
-  throw failure(fault::unwritable, "Cannot write " + path + ": " + std::strerror(reason));
+namespace fs = std::filesystem;
+
+constexpr std::chrono::seconds patience{5};
+
+[[noreturn]] void cannot_write(const std::string& path, const std::string& reason) {
+  throw failure(fault::unwritable, "Cannot write " + printable(path) + ": " + reason);
 }
 
-// An open file that is closed, and removed if it has a name to be removed by, unless all went well.
-class output_file {
- public:
-  output_file(const std::string& name, int flags) : name_(name), fd_(::open(name.c_str(), flags, 0666)) {
-    if (fd_ < 0) error_ = errno;
-  }
-  output_file(const output_file&) = delete;
-  output_file& operator=(const output_file&) = delete;
-  ~output_file() {
-    if (fd_ >= 0) ::close(fd_);
-    if (temporary_) ::unlink(name_.c_str());
-  }
-  int error() const { return error_; }
-  void remove_unless_kept() { temporary_ = error_ == 0; }
-  void set_mode(mode_t mode) {
-    if (error_ == 0 && ::fchmod(fd_, mode) != 0) error_ = errno;
-  }
-  void write(std::string_view text) {
-    while (error_ == 0 && !text.empty()) {
-      const ssize_t n = ::write(fd_, text.data(), text.size());
-      if (n >= 0) {
-        text.remove_prefix(static_cast<std::size_t>(n));
-      } else if (errno != EINTR) {
-        error_ = errno;
-      }
-    }
-  }
-  void close() {
-    if (fd_ >= 0 && ::close(fd_) != 0 && error_ == 0) error_ = errno;
-    fd_ = -1;
-  }
-  void rename_to(const std::string& target) {
-    if (error_ != 0) return;
-    if (::rename(name_.c_str(), target.c_str()) != 0) {
-      error_ = errno;
-    } else {
-      temporary_ = false;
-    }
-  }
+void require(const std::string& path, int error) {
+  if (error != 0) cannot_write(path, std::generic_category().message(error));
+}
 
- private:
-  std::string name_;
-  int fd_;
-  int error_ = 0;
-  bool temporary_ = false;
-};
-
-void write_in_place(const std::string& path, std::string_view text) {
-  output_file file(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC);
-  file.write(text);
-  file.close();
-  if (file.error() != 0) cannot_write(path, file.error());
+// Tries until `attempt` succeeds or patience ends.
+template <class F>
+bool comes_true(F attempt) {
+  const auto end = std::chrono::steady_clock::now() + patience;
+  while (!attempt()) {
+    if (std::chrono::steady_clock::now() > end) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  return true;
 }
 
 // Where a write to `path` ends up: the end of its chain of links.
 std::string behind_links(std::string path) {
-  namespace fs = std::filesystem;
   std::error_code none;
   for (int links = 0; links < 40 && fs::is_symlink(fs::symlink_status(path, none)); ++links) {
     const fs::path target = fs::read_symlink(path, none);
@@ -82,34 +52,108 @@ std::string behind_links(std::string path) {
   return path;
 }
 
-}  // namespace
-
-void write_file(const std::string& path, std::string_view text) {
-  const std::string target = behind_links(path);
-  struct stat old {};
-  const bool exists = ::stat(target.c_str(), &old) == 0;
-  if (!exists && errno != ENOENT) cannot_write(path, errno);  // links in a circle, for one
-  if (exists && !S_ISREG(old.st_mode)) return write_in_place(path, text);
-  if (exists && ::access(target.c_str(), W_OK) != 0) cannot_write(path, errno);
-
-  for (int attempt = 0;; ++attempt) {
-    const std::string name = target + "." + std::to_string(::getpid()) + "-" + std::to_string(attempt) + ".tmp";
-    output_file file(name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC);
-    if (file.error() == EEXIST && attempt < 100) continue;
-    // A file that may be written in a directory that may not: there is only one way.
-    if (exists && (file.error() == EACCES || file.error() == EROFS)) return write_in_place(path, text);
-    file.remove_unless_kept();
-    if (exists) file.set_mode(old.st_mode & 07777);
-    file.write(text);
-    file.close();
-    file.rename_to(target);
-    if (file.error() != 0) cannot_write(path, file.error());
-    return;
+// A file to be written, what stands there, and how it is to be replaced.
+struct destination {
+  explicit destination(const text_file& f) : file(f), exists(::stat(f.path.c_str(), &old) == 0) {
+    if (!exists && errno != ENOENT) require(file.path, errno);  // links in a circle, for one
+    if (exists && S_ISDIR(old.st_mode)) require(file.path, EISDIR);
+    if (exists && ::access(file.path.c_str(), W_OK) != 0) require(file.path, errno);
+    is_stream = exists && !S_ISREG(old.st_mode);
+    target = is_stream ? file.path : behind_links(file.path);
   }
+
+  void write_temporary() {
+    const int error = temporary.make(target, file.text, exists ? &old : nullptr);
+    only_in_place = exists && !temporary.made() && (error == EACCES || error == EROFS);
+    if (!only_in_place) require(file.path, error);
+  }
+
+  void write_in_place() const {
+    descriptor out(is_stream ? open_stream() : ::open(target.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC));
+    require(file.path, out.get() < 0 ? errno : 0);
+    require(file.path, out.write(file.text));
+    require(file.path, out.close());
+  }
+
+  const text_file& file;
+  struct stat old {};
+  bool exists;
+  bool is_stream = false;
+  bool only_in_place = false;
+  std::string target;
+  temporary_file temporary;
+
+ private:
+  // Opening waits for nothing, neither for a reader of a pipe nor for a line's carrier; writing does.
+  int open_stream() const {
+    int fd = -1;
+    const bool opened = comes_true([&] {
+      fd = ::open(target.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+      return fd >= 0 || errno != ENXIO || !S_ISFIFO(old.st_mode);
+    });
+    if (!opened) cannot_write(file.path, "no program reads this pipe");
+    if (fd >= 0) ::fcntl(fd, F_SETFL, 0);
+    return fd;
+  }
+};
+
+// Locks that end with their descriptors, each with a file of its directory. In the order of device and inode: whoever
+// waits for one holds none that comes later, so that nobody waits in a circle.
+using directory_locks = std::map<std::pair<dev_t, ino_t>, std::pair<descriptor, const destination*>>;
+
+directory_locks lock_directories(const std::deque<destination>& all) {
+  directory_locks locks;
+  for (const destination& d : all) {
+    if (d.is_stream) continue;
+    const std::string name = (fs::path(d.target).parent_path() / ".").string();
+    descriptor directory(::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    struct stat about {};
+    if (directory.get() < 0 || ::fstat(directory.get(), &about) != 0) continue;  // it may not be read, for example
+    locks.try_emplace({about.st_dev, about.st_ino}, std::move(directory), &d);
+  }
+  for (const auto& [key, lock] : locks) {
+    const int directory = lock.first.get();
+    // Any other error says that there are no such locks here.
+    const auto taken = [&] {
+      return ::flock(directory, LOCK_EX | LOCK_NB) == 0 || (errno != EWOULDBLOCK && errno != EINTR);
+    };
+    if (!comes_true(taken)) cannot_write(lock.second->file.path, "another program keeps its folder locked");
+  }
+  return locks;
 }
 
+void rename_all(std::deque<destination>& all) {
+  const undisturbed section;
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    const int error = all[i].temporary.put_in_place(i + 1 < all.size());
+    if (error == 0) continue;
+    for (std::size_t k = i + 1; k-- > 0;) all[k].temporary.take_back();
+    require(all[i].file.path, error);
+  }
+  for (destination& d : all) d.temporary.remove_old();
+}
+
+}  // namespace
+
 void write_files(std::span<const text_file> files) {
-  for (const text_file& f : files) write_file(f.path, f.text);
+  std::deque<destination> all;
+  for (const text_file& f : files) all.emplace_back(f);
+  for (destination& d : all) {
+    if (!d.is_stream) d.write_temporary();
+  }
+  for (const destination& d : all) {
+    if (d.is_stream) d.write_in_place();
+  }
+  const directory_locks locks = lock_directories(all);
+  for (const destination& d : all) {
+    if (d.only_in_place) d.write_in_place();
+  }
+  rename_all(all);
+}
+
+void write_file(const std::string& path, std::string_view text) {
+  const text_file file{path, std::string(text)};
+  write_files({&file, 1});
 }
 
 }  // namespace corvantile

@@ -6,7 +6,8 @@ set -u
 program=$(realpath "$1")
 simulate=$(realpath "$2")
 work=$(mktemp -d "${TMPDIR:-/tmp}/corvantile-faults-XXXXXX")
-trap 'chmod -R u+w "$work"; rm -rf "$work"' EXIT
+aside=$work.aside
+trap 'chmod -R u+w "$work"; rm -rf "$work" "$aside"' EXIT
 chmod 755 "$work" && cd "$work" && umask 022 || exit 1
 failures=0
 checks=0
@@ -37,6 +38,14 @@ skip() { echo "skipped: $1: $2"; }
 
 "$simulate" white_luminance=100 >m.txt || exit 1
 printf '5\n0 0.05\n64 3.1\n128 22\n192 83\n255 180\n' >gamma.txt
+# These wait for seconds, meanwhile the others run: nobody reads the pipe, and the folder stays locked.
+mkdir -p "$aside"/{pipe,locked} && mkfifo "$aside/pipe/postLUT.txt"
+exec 8<"$aside/locked" && flock 8
+for how in pipe locked; do
+  echo "&opts cvmode='CV2' wgfile='m.txt' outdir='$aside/$how' /" |
+    (timeout 60 "$program"; echo $?) >"$aside/$how.log" 2>&1 8<&- &
+done
+
 gray="cvmode='CV1'"
 both="cvmode='CV2_1' temp=6500 gamfile='gamma.txt'"
 
@@ -74,6 +83,19 @@ if "${as_user[@]}" test -x "$program" 2>/dev/null; then
   chmod 777 out && echo old >out/postLUT.txt && chmod 444 out/postLUT.txt
   ends "read-only table" 6 "$cannot: Permission denied" "${as_user[@]}" "$program"
   is "read-only table stays" "$(cat out/*)" old
+  ln out/postLUT.txt same && chmod 555 out && chmod 666 same
+  ends "table that can only be written in place" 0 ' normal exit' "${as_user[@]}" "$program"
+  is "is written in place" "$(grep -c . same)" 256
+  chmod 777 out
+  if [ ${#as_user[@]} -gt 0 ]; then
+    chmod 6646 same
+    ends "another user's table" 0 ' normal exit' "${as_user[@]}" "$program"
+    is "opens to nobody" "$(stat -c %a out/postLUT.txt)" 644
+    job "cvmode='CV2'" && chmod 1777 out && echo old | tee out/preLUT.txt >out/postLUT.txt
+    chmod 666 out/* && chown 65534 out/preLUT.txt
+    ends "table that may not be renamed over" 6 "$cannot: Operation not permitted" "${as_user[@]}" "$program"
+    is "the one before is taken back" "$(cd out && echo * && cat -- *)" $'postLUT.txt preLUT.txt\nold\nold'
+  fi
 else
   skip "permissions" "cannot run the program as an ordinary user"
 fi
@@ -83,6 +105,53 @@ job "$gray"
 echo old >out/postLUT.txt
 ends "file size limit" 6 "$cannot: File too large" bash -c 'ulimit -f 4 && exec "$0"' "$program"
 is "file size limit: table" "$(cat out/*)" old
+
+# --- All tables or none ---
+until_temporaries() {  # COUNT: there are so many of them in out/
+  for _ in {1..1000}; do
+    [ "$(find out -name '*.tmp' | wc -l)" -eq "$1" ] && return
+    sleep 0.01
+  done
+}
+for signal in HUP:129 INT:130 TERM:143; do
+  job "cvmode='CV2'" && mkfifo out/postLUT.txt && echo old >out/preLUT.txt
+  env --default-signal=INT "$program" <settings 2>stderr &
+  until_temporaries 2
+  kill "-${signal%:*}" $!
+  wait $! 2>stderr
+  is "$signal" "$?: $(cd out && echo * && cat preLUT.txt)" "${signal#*:}: postLUT.txt preLUT.txt"$'\nold'
+done
+
+job "$both" && exec 9<out && flock 9
+"$program" <settings 2>stderr 9<&- &
+until_temporaries 3
+kill -INT $!  # ignored in what the shell starts in the background, and it stays so
+is "locked folder" "$(cd out && echo *)" "*.tmp *.tmp *.tmp"
+flock -u 9
+wait $!
+is "unlocked folder" "$?: $(tables)" "0: $good"
+
+job "$both" && mkfifo out/{preLUT,matrix,postLUT}.txt
+timeout 20 "$program" <settings 2>stderr &
+cat out/{postLUT,matrix,preLUT}.txt >sequence
+wait $! && rm out/* && "$program" <settings 2>stderr
+is "pipes, one after the other" "$(cksum <sequence)" "$(cat out/{postLUT,matrix,preLUT}.txt | cksum)"
+ln -sf /dev/full out/matrix.txt && echo old | tee out/postLUT.txt >out/preLUT.txt
+ends "full device as a table" 6 "Cannot write out/matrix.txt: No space left on device" "$program"
+is "full device: the others" "$(cat out/p*)" $'old\nold'
+
+job "$both" && mkdir far && ln -s ../far/matrix.txt out/matrix.txt  # two folders, reached by a link
+sed 's/6500/5000/' settings >other && "$program" <other 2>stderr
+other=$(tables)
+whole=0
+for i in {12..23}; do
+  "$program" <settings 2>stderr & "$program" <other 2>stderr
+  wait $!
+  [[ "$(tables)" == @("$good"|"$other") ]] && whole=$((whole + 1))
+  timeout "0.0$i" "$program" <other 2>stderr
+  [[ "$(tables)" == @("$good"|"$other") ]] && whole=$((whole + 1))
+done
+is "two jobs at a time, and jobs that are ended: whole sets" "$whole" 24
 
 # --- Standard output fails: the tables are written first ---
 cannot="Cannot write standard output"
@@ -131,6 +200,11 @@ if command -v script >/dev/null; then
 else
   skip "terminal" "no script(1) here"
 fi
+
+wait
+is "pipe without a reader" "$(cat "$aside/pipe.log")" "*/pipe/postLUT.txt: no program reads this pipe"$'\n6'
+is "locked for too long" "$(cat "$aside/locked.log")" "*/locked/preLUT.txt: another program keeps its folder locked"$'\n6'
+is "neither wrote" "$(ls "$aside"/{pipe,locked})" "$aside/locked:"$'\n\n'"$aside/pipe:"$'\npostLUT.txt'
 
 echo "$checks checks, $failures failed"
 [ "$failures" -eq 0 ]

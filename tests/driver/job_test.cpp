@@ -92,16 +92,16 @@ TEST_F(Job, EachModeWritesItsFilesInOrder) {
   const std::pair<std::string, std::vector<std::string>> cases[] = {
       {"cvmode='CV1'", {post}}, {"cvmode='cv2'", {pre, post, m}}, {"cvmode='CV2_1'", {post, m, pre}}};
   for (const auto& [mode, order] : cases) {
-    names written;
-    for (const std::string& next : order) {
-      clear();
-      fs::create_directory("out/" + next);  // in the way
-      written.insert(next);
-      expect_stop(mode, 6, next, written);
+    names in_the_way;
+    clear();
+    for (auto name = order.rbegin(); name != order.rend(); ++name) {
+      fs::create_directory("out/" + *name);
+      in_the_way.insert(*name);
+      expect_stop(mode, 6, "out/" + *name + ": Is a directory", in_the_way);  // none of those before is written
     }
     clear();
     EXPECT_EQ(run_job(mode).err, " normal exit\n");
-    EXPECT_EQ(files(), written);
+    EXPECT_EQ(files(), names(order.begin(), order.end()));
   }
 }
 

@@ -7,6 +7,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 #include "utils/failure.hpp"
 #include "utils/text.hpp"
@@ -28,7 +29,7 @@ class FileOutput : public ::testing::Test {
       write_file(path(name), "more than eight characters");
       ADD_FAILURE() << "written: " << name;
     } catch (const failure& stop) {
-      EXPECT_EQ(stop.message, "Cannot write " + path(name) + ": " + reason);
+      EXPECT_EQ(stop.message, "Cannot write " + printable(path(name)) + ": " + reason);
       EXPECT_EQ(stop.kind, fault::unwritable);
     }
   }
@@ -37,7 +38,8 @@ class FileOutput : public ::testing::Test {
 
 TEST_F(FileOutput, ReplacesFilesWithoutATraceAndFollowsLinks) {
   write_file(path("table.txt"), "one\n");
-  fs::permissions(path("table.txt"), fs::perms{0640});
+  const bool given_away = ::chown(path("table.txt").c_str(), 65534, 65533) == 0;  // only root can
+  fs::permissions(path("table.txt"), fs::perms{02640});
   fs::create_hard_link(path("table.txt"), path("old.txt"));
   fs::create_symlink("table.txt", path("near"));
   fs::create_symlink(path("near"), path("far"));
@@ -46,7 +48,11 @@ TEST_F(FileOutput, ReplacesFilesWithoutATraceAndFollowsLinks) {
   write_file(path("far"), large);
   write_file(path("dangling"), "made");
   EXPECT_EQ(content("table.txt   "), large) << "trailing blanks of a name do not count in reading";
-  EXPECT_EQ(fs::status(path("table.txt")).permissions(), fs::perms{0640}) << "kept";
+  struct stat kept {};
+  ASSERT_EQ(::stat(path("table.txt").c_str(), &kept), 0);
+  EXPECT_EQ(kept.st_mode & 07777U, 02640U);
+  EXPECT_EQ(kept.st_uid, given_away ? 65534U : ::getuid());
+  EXPECT_EQ(kept.st_gid, given_away ? 65533U : ::getgid());
   EXPECT_EQ(content("old.txt") + content("not_yet.txt"), "one\nmade")
       << "renamed into place: the old content was never written over";
   for (const char* link : {"near", "far", "dangling"}) EXPECT_TRUE(fs::is_symlink(path(link))) << link;
@@ -65,6 +71,7 @@ TEST_F(FileOutput, FailsWithTheSystemsReasonAndLeavesTheOldContent) {
   refused("no/table.txt", "No such file or directory");
   refused(".", "Is a directory");
   refused("loop", "Too many levels of symbolic links");
+  refused("no\n/table.txt", "No such file or directory");
 
   rlimit limit{};
   ::getrlimit(RLIMIT_FSIZE, &limit);
@@ -72,10 +79,12 @@ TEST_F(FileOutput, FailsWithTheSystemsReasonAndLeavesTheOldContent) {
   std::signal(SIGXFSZ, SIG_IGN);
   ::setrlimit(RLIMIT_FSIZE, &small);
   refused("table.txt", "File too large");  // halfway
+  EXPECT_THROW(write_files(std::vector<text_file>{{path("first.txt"), "new"}, {path("table.txt"), "too large"}}),
+               failure);
   ::setrlimit(RLIMIT_FSIZE, &limit);
   std::signal(SIGXFSZ, SIG_DFL);
   EXPECT_EQ(content("table.txt"), "old");
-  EXPECT_EQ(files(), 2) << "no temporary file";
+  EXPECT_EQ(files(), 2) << "neither a temporary file nor the first of the set";
 }
 
 }  // namespace corvantile
