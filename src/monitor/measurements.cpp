@@ -35,6 +35,35 @@ std::string sample_text(const measurements& samples, std::size_t row) {
   return "sample " + std::to_string(row + 1) + " (after the ramps)";
 }
 
+std::string place_text(const measurements& samples, std::size_t row) {
+  const std::string text = sample_text(samples, row);
+  return row < samples.lines.size() ? "line " + std::to_string(samples.lines[row]) + ": " + text : text;
+}
+
+double ramp_drive(const measurements& samples, std::size_t row) {
+  const std::size_t ramp = row / static_cast<std::size_t>(samples.nramp);
+  if (ramp >= 1 && ramp <= 3) return samples.data(row, ramp - 1);  // the white ramp comes first
+  return std::max({samples.data(row, 0), samples.data(row, 1), samples.data(row, 2)});
+}
+
+void require_falling_ramps(const measurements& samples) {
+  const auto n = static_cast<std::size_t>(samples.nramp);
+  const auto refuse = [&](std::size_t row, const char* is_not, std::size_t other) {
+    refuse_content(samples.name, place_text(samples, row) + ": drive" + free_format(ramp_drive(samples, row)) +
+                                     " is not the " + is_not + " of its ramp, " + sample_text(samples, other) +
+                                     " has" + free_format(ramp_drive(samples, other)) +
+                                     "; ramps run from full drive down to zero");
+  };
+  for (std::size_t first = 0; first < ramp_count(samples.version) * n; first += n) {
+    const std::size_t last = first + n - 1;
+    for (std::size_t row = first; row <= last; ++row) {
+      const double drive = ramp_drive(samples, row);
+      if (drive > ramp_drive(samples, first)) refuse(first, "highest", row);
+      if (drive < ramp_drive(samples, last)) refuse(last, "lowest", row);
+    }
+  }
+}
+
 measurements load_measurements(const std::string& filename) {
   const auto text = read_file(filename);
   if (!text) throw failure(fault::no_measurements, "Cannot open " + printable(trim(filename)));
@@ -82,6 +111,7 @@ measurements parse_measurements(const std::string& filename, std::string_view te
       refuse_content(samples.name, numbers.problem("number " + std::to_string(i % columns + 1) + " of 6 of " +
                                                    sample_text(samples, i / columns)));
     }
+    if (i % columns == 0) samples.lines.push_back(numbers.line());
     read.push_back(v);
   }
   samples.data = matrix(rows, columns);

@@ -104,6 +104,7 @@ monitor makemonitor(const measurements& samples, std::optional<int> numsegs, dou
   double full_drive = samples.data(0, 0);
   for (std::size_t c = 0; c < 3; ++c) full_drive = std::max(full_drive, std::ranges::max(samples.data.col(c)));
   if (!(full_drive > 0)) refuse_content(samples.name, "no drive value is above 0, so that full drive is unknown");
+  require_falling_ramps(samples);
   mon.rgb = matrix(rows, 3);
   mon.xyz = matrix(rows, 3);
   for (std::size_t c = 0; c < 3; ++c) {
