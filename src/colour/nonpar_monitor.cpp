@@ -6,6 +6,7 @@
 #include <numbers>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "colour/chromaticity.hpp"
@@ -13,8 +14,6 @@
 
 namespace corvantile {
 namespace {
-
-constexpr double reachable = 1e-7;  // squared XYZ distance below which a colour counts as shown
 
 // The angle a with sin(a)^2 = s. A negative s, whose root is not a number, starts at full drive like one above 1.
 double angle_of(double s) {
@@ -41,13 +40,15 @@ class scale_search {
  public:
   static constexpr int steps = 28;
   double scale() const { return k_; }
+  bool any_reached() const { return lo_ > lowest; }
   void step(bool reached) {
     (reached ? lo_ : hi_) = k_;
     k_ = (lo_ + hi_) / 2;
   }
 
  private:
-  double lo_ = 0.1;
+  static constexpr double lowest = 0.1;
+  double lo_ = lowest;
   double hi_ = 2.0;
   double k_ = 1.05;
 };
@@ -67,7 +68,7 @@ scale_search all_but_last_step(const prepared_monitor& mon, const vec3& base) {
 ramp_top last_step(const prepared_monitor& mon, const vec3& base, scale_search k) {
   const inversion last = out2inp(mon, k.scale() * base);
   k.step(last.fval < reachable);
-  return {last.value, inp2mon_vec(mon.source(), last.value), k.scale() * base};
+  return {last.value, inp2mon_vec(mon.source(), last.value), k.scale() * base, k.any_reached()};
 }
 
 ramp_top ramptop(const prepared_monitor& mon, const vec3& base) {
@@ -114,7 +115,30 @@ ramp_top bcgtw(const prepared_monitor& mon, double T, double hwid) {
   return last_step(mon, latest.base, latest.k);
 }
 
-void gray_ramp(matrix& tab, const prepared_monitor& mon, const ramp_top& top, const lut& curve, double g0) {
+bool is_away(const gray_level& level) { return level.left > reachable; }
+
+// Another start for a level that is still away. A colour out of reach has no business with new last bits, so that
+// only what comes much closer is taken.
+void search_from(const prepared_monitor& mon, gray_level& level, const std::optional<vec3>& start) {
+  if (!is_away(level)) return;
+  const inversion again = out2inp(mon, level.target, start);
+  if (again.fval < level.left / 2) {
+    level.inp = again.value;
+    level.left = again.fval;
+  }
+}
+
+// First from the top down, so that the chain goes on from what was mended, then from black up.
+void search_again(const prepared_monitor& mon, std::vector<gray_level>& levels) {
+  for (std::size_t i = levels.size() - 1; i-- > 0;) {
+    search_from(mon, levels[i], {});
+    search_from(mon, levels[i], levels[i + 1].inp);
+  }
+  for (std::size_t i = 1; i + 1 < levels.size(); ++i) search_from(mon, levels[i], levels[i - 1].inp);
+}
+
+gray_search gray_ramp(matrix& tab, const prepared_monitor& mon, const ramp_top& top, const lut& curve, double g0,
+                      bool restart) {
   const std::size_t n = tab.rows();
   const interpolator tone(curve);
   const auto target = [&](std::size_t i) {
@@ -123,8 +147,16 @@ void gray_ramp(matrix& tab, const prepared_monitor& mon, const ramp_top& top, co
     if (s <= g0) w = s == 0 ? 1.0 : (std::cos(std::numbers::pi * s / g0) + 1) / 2;
     return tone(s) * top.xyz + w * mon.source().darklight;
   };
-  set_row3(tab, n - 1, top.inp);
-  for (std::size_t i = n - 1; i-- > 0;) set_row3(tab, i, out2inp(mon, target(i), row3(tab, i + 1)).value);
+  std::vector<gray_level> levels(n);
+  levels[n - 1] = {top.xyz, top.inp, 0};
+  for (std::size_t i = n - 1; i-- > 0;) {
+    const vec3 xyz = target(i);
+    const inversion found = out2inp(mon, xyz, levels[i + 1].inp);
+    levels[i] = {xyz, found.value, found.fval};
+  }
+  if (restart) search_again(mon, levels);
+  for (std::size_t i = 0; i < n; ++i) set_row3(tab, i, levels[i].inp);
+  return {top, std::move(levels)};
 }
 
 }  // namespace
@@ -158,21 +190,25 @@ lut make_gamma_table(double gamma, int n) {
   return makelut_nostat(s, y);
 }
 
-void colortemp_lut(matrix& tab, const monitor& mon, double T, const lut& curve, double g0, double hwid) {
+gray_search colortemp_lut(matrix& tab, const monitor& mon, double T, const lut& curve, double g0, double hwid,
+                          bool restart) {
   const prepared_monitor prepared(mon);
   const ramp_top top = hwid > 0 ? bcgtw(prepared, T, hwid) : ramptop(prepared, base_of_temperature(mon, T));
-  gray_ramp(tab, prepared, top, curve, g0);
+  return gray_ramp(tab, prepared, top, curve, g0, restart);
 }
 
-static void lut_of_base(matrix& tab, const monitor& mon, const vec3& base, const lut& curve, double g0) {
+static gray_search lut_of_base(matrix& tab, const monitor& mon, const vec3& base, const lut& curve, double g0,
+                               bool restart) {
   const prepared_monitor prepared(mon);
-  gray_ramp(tab, prepared, ramptop(prepared, base), curve, g0);
+  return gray_ramp(tab, prepared, ramptop(prepared, base), curve, g0, restart);
 }
-void chromaticity_lut(matrix& tab, const monitor& mon, const vec2& xy, const lut& curve, double g0) {
-  lut_of_base(tab, mon, base_of_chromaticity(mon, xy), curve, g0);
+gray_search chromaticity_lut(matrix& tab, const monitor& mon, const vec2& xy, const lut& curve, double g0,
+                             bool restart) {
+  return lut_of_base(tab, mon, base_of_chromaticity(mon, xy), curve, g0, restart);
 }
-void chromaticity_lut(matrix& tab, const monitor& mon, const vec3& xyz, const lut& curve, double g0) {
-  lut_of_base(tab, mon, base_of_chromaticity(mon, xyz), curve, g0);
+gray_search chromaticity_lut(matrix& tab, const monitor& mon, const vec3& xyz, const lut& curve, double g0,
+                             bool restart) {
+  return lut_of_base(tab, mon, base_of_chromaticity(mon, xyz), curve, g0, restart);
 }
 
 }  // namespace corvantile

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <span>
+#include <vector>
 
 #include "monitor/monitor.hpp"
 #include "monitor/prepared.hpp"
@@ -13,6 +14,10 @@
 namespace corvantile {
 
 // ---- From XYZ to the device ----
+
+/// The squared XYZ distance below which a colour counts as shown. It is absolute: meant for measurements in cd/m2, or
+/// with white near 100, and too wide for white at 1.
+inline constexpr double reachable = 1e-7;
 
 /// Squared XYZ distance between a target and what the monitor shows for the inputs sin(a)^2.
 struct cost2i {
@@ -55,11 +60,11 @@ struct ramp_top {
   vec3 inp;  ///< drive values that show it
   vec3 m;    ///< their monitor values
   vec3 xyz;  ///< the colour itself, at the scale after the last trial; `inp` shows it to some 3e-4 of the XYZ unit
+  bool reached = true;  ///< whether any trial was; if none, the scale is the lower end of the search
 };
 
 /// The top for the chromaticity of a blackbody at `T` kelvin: the largest scale in [0.1, 2] times the monitor's white
-/// luminance that an inversion reaches within a squared XYZ distance of 1e-7, by 28 bisections. That bound is
-/// absolute: it is meant for measurements in cd/m2, or with white near 100, and too wide for white at 1.
+/// luminance that an inversion reaches to within `reachable`, by 28 bisections.
 ramp_top ramptop_temp(const monitor& mon, double T);
 
 /// The top for a chromaticity x, y, or for that of a colour X, Y, Z of any luminance.
@@ -76,14 +81,34 @@ ramp_top bcgtw(const monitor& mon, double T, double hwid);
 /// The power law y = x^gamma at n evenly spaced points, n at least 2.
 lut make_gamma_table(double gamma, int n);
 
+/// One level of a gray ramp: the colour wanted, the drive values found for it, and the squared XYZ distance left.
+struct gray_level {
+  vec3 target;
+  vec3 inp;
+  double left = 0;
+};
+
+/// How the searches for a gray ramp ended. Levels run from black to the top, which is its own target.
+struct gray_search {
+  ramp_top top;
+  std::vector<gray_level> levels;
+};
+
 /// Fills `tab` (n x 3, n at least 2) with the drive values of a gray ramp that has the colour of a blackbody at `T`
 /// kelvin and the luminance `curve`(s) relative to its top, at the positions s = i / (n - 1).
 /// `hwid` > 0 looks for a brighter top across the locus. Below the position `g0` the dark light is blended into the
 /// target, all of it at s = 0.
-void colortemp_lut(matrix& tab, const monitor& mon, double T, const lut& curve, double g0, double hwid);
+///
+/// Each level is searched from the drive values of the level above it, so that a search that ends in a false minimum
+/// leads the next ones astray. With `restart`, levels that were left further than `reachable` from their target are
+/// searched again, from the linear model's answer and from their neighbours; the others keep their bits.
+gray_search colortemp_lut(matrix& tab, const monitor& mon, double T, const lut& curve, double g0, double hwid,
+                          bool restart = false);
 
 /// The same for a constant chromaticity x, y, or for that of a colour X, Y, Z.
-void chromaticity_lut(matrix& tab, const monitor& mon, const vec2& xy, const lut& curve, double g0);
-void chromaticity_lut(matrix& tab, const monitor& mon, const vec3& xyz, const lut& curve, double g0);
+gray_search chromaticity_lut(matrix& tab, const monitor& mon, const vec2& xy, const lut& curve, double g0,
+                             bool restart = false);
+gray_search chromaticity_lut(matrix& tab, const monitor& mon, const vec3& xyz, const lut& curve, double g0,
+                             bool restart = false);
 
 }  // namespace corvantile

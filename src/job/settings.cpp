@@ -83,7 +83,13 @@ std::optional<match_mode> mode_named(std::string_view name) {
 std::string_view name_of(match_mode mode) { return std::ranges::find(modes, mode, &named_mode::mode)->name; }
 
 gray_ramp_params gray_ramp_of(const settings& s) {
-  return {.temp = s.temp, .wptemp = s.wptemp, .alpha = s.alpha, .beta = s.beta, .hwid = s.hwid, .white = s.white};
+  return {.temp = s.temp,
+          .wptemp = s.wptemp,
+          .alpha = s.alpha,
+          .beta = s.beta,
+          .hwid = s.hwid,
+          .white = s.white,
+          .restart = s.restart};
 }
 
 void check_settings(const settings& s, bool power_law) {

@@ -25,14 +25,15 @@ gray_match cv1(const monitor& mon, const gray_ramp_params& params, const lut& ga
   if (const int status = status_of(params); status != 0) return {.status = status};
   const gray_temperatures temperatures = temperatures_of(params, mon);
   if (!temperatures.ramp) {
-    chromaticity_lut(tab, mon, params.white.value_or(chromaticity(mon.whitepoint)), gammalut, params.alpha);
-    return {};
+    return {.ramp = chromaticity_lut(tab, mon, params.white.value_or(chromaticity(mon.whitepoint)), gammalut,
+                                     params.alpha, params.restart)};
   }
-  colortemp_lut(tab, mon, *temperatures.ramp, gammalut, params.alpha, params.hwid);
-  if (!temperatures.top) return {};
+  gray_match match;
+  match.ramp = colortemp_lut(tab, mon, *temperatures.ramp, gammalut, params.alpha, params.hwid, params.restart);
+  if (!temperatures.top) return match;
 
   matrix shaded(tab.rows(), 3);
-  colortemp_lut(shaded, mon, *temperatures.top, gammalut, params.alpha, params.hwid);
+  match.top = colortemp_lut(shaded, mon, *temperatures.top, gammalut, params.alpha, params.hwid, params.restart);
   // Rows are counted from 1 here, and a shading that would begin before the first begins there. One that begins in
   // the last has t = 0/0 there, and the row is not a number: kept so.
   const auto R = static_cast<double>(tab.rows());
@@ -42,7 +43,8 @@ gray_match cv1(const monitor& mon, const gray_ramp_params& params, const lut& ga
     const double w = blend(t);
     for (std::size_t c = 0; c < 3; ++c) tab(row, c) = tab(row, c) * (1 - w) + shaded(row, c) * w;
   }
-  return {.undefined_row = k0 == R ? std::optional(tab.rows() - 1) : std::nullopt};
+  if (k0 == R) match.undefined_row = tab.rows() - 1;
+  return match;
 }
 
 }  // namespace corvantile

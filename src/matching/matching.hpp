@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "colour/chromaticity.hpp"
+#include "colour/nonpar_monitor.hpp"
 #include "monitor/monitor.hpp"
 #include "monitor/synthetic_monitor.hpp"
 #include "numerics/matrix.hpp"
@@ -87,6 +88,7 @@ struct gray_ramp_params {
   double beta = 0.8;   ///< position where the shading starts, at most 1
   double hwid = 0;     ///< half-width, in CIE 1960 uv, of the swath searched for a brighter top
   std::optional<vec2> white = {};  ///< the constant chromaticity, x and y; absent: the monitor's own white
+  bool restart = false;            ///< search levels that were not found a second time, see `colortemp_lut`
 };
 
 /// The smooth step t^2 (3 - 2t), for t from 0 to 1.
@@ -106,6 +108,8 @@ struct gray_match {
   int status = 0;
   /// The one row, counted from 0, that is 0/0 and so not a number: the shading begins in the last row.
   std::optional<std::size_t> undefined_row = {};
+  std::optional<gray_search> ramp = {};  ///< the searches for the whole ramp
+  std::optional<gray_search> top = {};   ///< and for the ramp towards which its top shades
 };
 
 /// Fills `tab` (tlen x 3, at least two rows) with the drive values of the gray ramp whose luminance follows
@@ -134,6 +138,7 @@ struct two_table_solution {
   synthetic_monitor ref_smon;  ///< the target as asked for, at the luminance of the solution
   synthetic_monitor mod_smon;  ///< the target as clipped to the monitor's gamut
   vec3 distances;              ///< how far each primary was moved, in CIE 1960 uv
+  ramp_top top;                ///< the brightest gray of the target's white
   int status = 1;              ///< 1 for success, other than elsewhere; 0 when the matrix has a negative entry
 };
 

@@ -54,8 +54,8 @@ two_table_solution twolutsolution(const monitor& mon, const chromaticity_table& 
   mat3 Ma = adjusted.rgb / white_luminance(adjusted.rgb);
 
   // ... and then with the target's share of the brightest gray
-  const double top = ramptop_xyz(mon, target.white).xyz[1];
-  Ma = Ma * top * spec.lumfrac;
+  sol.top = ramptop_xyz(mon, target.white);
+  Ma = Ma * sol.top.xyz[1] * spec.lumfrac;
 
   mat3 K = mon.XYZ2RGB * Ma;
   if (has_negative_entry(K)) sol.status = 0;
