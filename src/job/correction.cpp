@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <cmath>
 #include <ctime>
+#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "colour/chromaticity.hpp"
 #include "colour/nonpar_monitor.hpp"
+#include "job/judgements.hpp"
 #include "utils/failure.hpp"
 #include "utils/lut.hpp"
 #include "utils/text.hpp"
@@ -59,11 +61,16 @@ matrix fold(const matrix& outer, const matrix& inner) {
   return folded;
 }
 
+void add_warnings(correction& result, std::vector<warning> found) {
+  std::ranges::move(found, std::back_inserter(result.warnings));
+}
+
 void solve_two_tables(const settings& set, const gspec& spec, correction& result) {
   const double start = cpu_seconds();
   result.two = twolutsolution(result.measured, set.xytable, spec, static_cast<std::size_t>(set.tlen));
   result.two_seconds = cpu_seconds() - start;
   result.display = result.two->cmon;
+  add_warnings(result, judge_two_tables(set, *result.two));
 }
 
 void match_gray(const settings& set, const gspec& spec, correction& result) {
@@ -72,6 +79,7 @@ void match_gray(const settings& set, const gspec& spec, correction& result) {
   const gray_match match = cv1(result.display, gray_ramp_of(set), spec.lut, result.gray);
   result.gray_seconds = cpu_seconds() - start;
   result.undefined_row = match.undefined_row;
+  add_warnings(result, judge_grays(set, result.display, match));
   if (result.two) result.two->prelut = fold(result.two->prelut, result.gray);
 }
 
@@ -85,6 +93,7 @@ correction solve(const settings& set, const measurements& samples, const std::op
   if (matches_gray(set.mode)) check_temperatures(set, result.measured);
   if (solves_two_tables(set.mode)) check_gamut(set, result.measured);
   const gspec spec = targets_of(set, tone);
+  result.warnings = judge(samples, result.measured);
 
   result.display = result.measured;
   if (solves_two_tables(set.mode)) solve_two_tables(set, spec, result);

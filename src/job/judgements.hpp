@@ -1,0 +1,32 @@
+#pragma once
+// What is not to be trusted, told from what went into a job and from what came out of it. Each function looks at
+// finished records and changes nothing; thresholds stand, with their reasons, beside the code that uses them.
+
+#include <optional>
+#include <vector>
+
+#include "job/correction.hpp"
+#include "job/settings.hpp"
+#include "job/warning.hpp"
+#include "matching/matching.hpp"
+#include "monitor/measurements.hpp"
+#include "monitor/monitor.hpp"
+
+namespace corvantile {
+
+/// Measurements that contradict the model (judge_measurements.cpp): ramps that end short of zero or begin short of
+/// full drive, darks that differ, luminances that rise or stay level, channels that do not add up to the white. `mon`
+/// is the model fitted to `samples`.
+std::vector<warning> judge_measurements(const measurements& samples, const monitor& mon);
+
+/// All that can be said before anything is solved.
+std::vector<warning> judge(const measurements& samples, const monitor& mon);
+
+/// The two-table solution (judge_tables.cpp): its white, its matrix, and the codes that it is written in.
+std::vector<warning> judge_two_tables(const settings& set, const two_table_solution& two);
+
+/// The gray match on `display` (judge_grays.cpp): a table that was not filled, whites out of reach, a swath that
+/// costs light, grays that were not found. For the swath the top without one is searched.
+std::vector<warning> judge_grays(const settings& set, const monitor& display, const gray_match& match);
+
+}  // namespace corvantile
