@@ -182,8 +182,4 @@ std::vector<warning> judge_measurements(const measurements& samples, const monit
   return found;
 }
 
-std::vector<warning> judge(const measurements& samples, const monitor& mon) {
-  return judge_measurements(samples, mon);
-}
-
 }  // namespace corvantile

@@ -19,7 +19,16 @@ namespace corvantile {
 /// is the model fitted to `samples`.
 std::vector<warning> judge_measurements(const measurements& samples, const monitor& mon);
 
-/// All that can be said before anything is solved.
+/// Curves with more pieces than the levels carry, so that they swing between the readings (judge_fit.cpp). `mon` is a
+/// monitor as measured, without front end.
+std::vector<warning> judge_fit(const monitor& mon);
+
+/// The largest `numsegs`, at most 256, with which the pieces of every curve over luminance are held by readings on
+/// both sides; 2, which is no `numsegs`, where the levels of `mon` carry none. Counts the readings' distances only:
+/// with little noise a few more pieces do no harm yet, and `judge_fit` is silent.
+int largest_numsegs(const monitor& mon);
+
+/// All that can be said before anything is solved: both of them.
 std::vector<warning> judge(const measurements& samples, const monitor& mon);
 
 /// The two-table solution (judge_tables.cpp): its white, its matrix, and the codes that it is written in.

@@ -16,6 +16,8 @@ std::string_view name_of(caution kind) {
       return "luminance-level";
     case caution::channels_do_not_add:
       return "channels-do-not-add";
+    case caution::too_many_pieces:
+      return "too-many-pieces";
     case caution::table_not_filled:
       return "table-not-filled";
     case caution::undefined_row:

@@ -14,6 +14,7 @@ enum class caution {
   luminance_rises,      ///< a ramp gets brighter towards the dark
   luminance_level,      ///< a ramp stays equally bright over several levels
   channels_do_not_add,  ///< red, green and blue together are not the white
+  too_many_pieces,      ///< the fitted curves have more pieces than the levels carry
   table_not_filled,     ///< the gray match made no table
   undefined_row,        ///< the gray match's last row is not a number
   white_out_of_reach,   ///< the display cannot show the white at any level
