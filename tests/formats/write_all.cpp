@@ -101,21 +101,17 @@ class writer {
     many("kms", [&] { return kms_files(tables_, about, {4096, false}); });
     many("kms-wide", [&] { return kms_files(tables_, about, {1024, true}); });
     one("json", "correction.json", [&] { return json_file(tables_, about); });
-    write_memories();
+    write_memories("", {10, word_layout::planar, matrix_format::q2_14});
+    write_memories("-interleaved", {16, word_layout::interleaved, matrix_format::q15_16});
+    write_memories("-packed", {12, word_layout::packed, matrix_format::q2_14});
   }
 
  private:
-  void write_memories() {
-    const memory_options planar{10, word_layout::planar, matrix_format::q2_14};
-    const memory_options interleaved{16, word_layout::interleaved, matrix_format::q15_16};
-    const memory_options packed{12, word_layout::packed, matrix_format::q2_14};
-    for (const auto& [kind, options] : {std::pair{"", planar}, {"-interleaved", interleaved}, {"-packed", packed}}) {
-      const auto under = [&](const char* format) { return std::string(format) + kind; };
-      many(under("hex"), [&] { return hex_files(tables_, about, options).files; });
-      many(under("mif"), [&] { return mif_files(tables_, about, options).files; });
-      many(under("coe"), [&] { return coe_files(tables_, about, options).files; });
-      many(under("c"), [&] { return c_header_files(tables_, about, options).files; });
-    }
+  void write_memories(const std::string& kind, const memory_options& options) {
+    many("hex" + kind, [&] { return hex_files(tables_, about, options).files; });
+    many("mif" + kind, [&] { return mif_files(tables_, about, options).files; });
+    many("coe" + kind, [&] { return coe_files(tables_, about, options).files; });
+    many("c" + kind, [&] { return c_header_files(tables_, about, options).files; });
   }
 
   void one(const std::string& format, const std::string& name, const std::function<std::string()>& made) {

@@ -5,7 +5,7 @@
 namespace corvantile {
 namespace {
 
-constexpr std::string_view depths = "inBitDepth=\"32f\" outBitDepth=\"32f\"";
+constexpr std::string_view depths = R"(inBitDepth="32f" outBitDepth="32f")";
 
 void append_description(std::string& out, std::string_view text) {
   out.append("  <Description>").append(xml_text(text)).append("</Description>\n");

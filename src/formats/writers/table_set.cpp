@@ -14,7 +14,7 @@ std::string count_text(std::size_t n) { return integer_field(static_cast<std::in
 
 // The value at `x` of a table on 0..1, its ends held beyond.
 double held_at_ends(std::span<const double> table, double x) {
-  const double last = static_cast<double>(table.size() - 1);
+  const auto last = static_cast<double>(table.size() - 1);
   const double at = std::clamp(x, 0.0, 1.0) * last;
   const auto i = static_cast<std::size_t>(std::min(std::floor(at), last - 1));
   return std::lerp(table[i], table[i + 1], at - static_cast<double>(i));

@@ -53,8 +53,8 @@ std::string comment_lines(const description& about, std::string_view prefix) {
 
 void append_number(std::string& out, double v) {
   std::array<char, 32> room;
-  const auto end = std::to_chars(room.data(), room.data() + room.size(), v, std::chars_format::general, 9).ptr;
-  out.append(room.data(), end);
+  const auto end = std::to_chars(room.data(), room.data() + room.size(), v, std::chars_format::general, 9);
+  out.append(room.data(), end.ptr);
 }
 
 void append_integer_text(std::string& out, std::size_t v) { append_integer(out, static_cast<std::int64_t>(v), 0); }
