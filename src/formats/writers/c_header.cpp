@@ -10,12 +10,13 @@ template <class Items, class Text>
 void append_list(std::string& out, const Items& items, std::size_t width, const Text& text_of) {
   out += " = {\n";
   for (std::size_t i = 0; i < items.size(); ++i) {
-    const bool first = width > 0 && i % width == 0;
-    const bool last = width > 0 && i % width == width - 1;
-    out += i > 0 ? (i % 8 == 0 || first ? ",\n" : ", ") : "";
-    out += first ? "  {" : (i % 8 == 0 ? "  " : "");
+    const std::size_t column = width > 0 ? i % width : i;
+    const bool new_line = column % 8 == 0;
+    if (i > 0) out += new_line ? ",\n" : ", ";
+    if (new_line) out += "  ";
+    if (width > 0 && column == 0) out += '{';
     out += text_of(items[i]);
-    if (last) out += '}';
+    if (width > 0 && column == width - 1) out += '}';
   }
   out += "\n};\n";
 }

@@ -46,31 +46,50 @@ std::string ctm(const mat3& m, bool wide) {
   return out;
 }
 
+// What the two interfaces of the kernel call their parts.
+struct interface_words {
+  const char *parts, *degamma, *ctm, *gamma, *entry, *matrix, *full_scale, *advice;
+};
+constexpr interface_words crtc = {
+    "Properties of a CRTC",
+    "DEGAMMA_LUT",
+    "CTM",
+    "GAMMA_LUT",
+    "struct drm_color_lut: 8 bytes",
+    "struct drm_color_ctm: 72 bytes",
+    "0xffff",
+    "The driver says in DEGAMMA_LUT_SIZE and GAMMA_LUT_SIZE how many entries it wants. A program that is DRM master\n"
+    "makes a property blob of each file and sets it; what has no file stays unset.\n"};
+constexpr interface_words pipeline = {
+    "Operations of a plane's color pipeline",
+    "1D LUT",
+    "CTM 3x4",
+    "1D LUT",
+    "struct drm_color_lut32: 16 bytes",
+    "struct drm_color_ctm_3x4: 96 bytes",
+    "0xffffffff",
+    "The driver says in each operation's SIZE how many entries it wants. A program that is DRM master makes a blob "
+    "of\n"
+    "each file and sets it as the operation's DATA; what has no file is bypassed.\n"};
+
 std::string readme(const table_set& tables, const description& about, const kms_options& options,
                    std::size_t clamped) {
-  std::string out = comment_lines(about, "#");
-  out += "\nColour properties of a Linux display controller, in the order in which it applies them:\n\n";
-  const std::string entry = options.wide ? "struct drm_color_lut32: 16 bytes" : "struct drm_color_lut: 8 bytes";
-  std::string table = "  ";
-  append_integer_text(table, options.entries);
-  table += " entries (" + entry + ", red, green, blue, 0)\n";
+  const interface_words& words = options.wide ? pipeline : crtc;
+  std::string out = comment_lines(about, "#") + "\n" + words.parts + ", in the order in which they are applied:\n\n";
+  const auto table = [&](const char* file, const char* part) {
+    out.append(file).append(": ").append(part).append(", ");
+    append_integer_text(out, options.entries);
+    out.append(" entries (").append(words.entry).append(": red, green, blue, 0)\n");
+  };
   if (tables.two_tables) {
-    out += "1. degamma_lut.bin  DEGAMMA_LUT" + table;
-    out += "2. ctm.bin          CTM          row by row, S31.32 sign and magnitude (";
-    out += options.wide ? "struct drm_color_ctm_3x4: 96 bytes)\n" : "struct drm_color_ctm: 72 bytes)\n";
-    out += "3. gamma_lut.bin    GAMMA_LUT  " + table;
-  } else {
-    out += "1. gamma_lut.bin    GAMMA_LUT  " + table + "\nDEGAMMA_LUT and CTM stay unset.\n";
+    table("degamma_lut.bin", words.degamma);
+    out.append("ctm.bin: ").append(words.ctm).append(", row by row, S31.32 sign and magnitude (");
+    out.append(words.matrix).append(")\n");
   }
-  out += "\nAll numbers are little-endian; ";
-  out += options.wide ? "0xffffffff" : "0xffff";
-  out += " is full scale. ";
+  table("gamma_lut.bin", words.gamma);
+  out.append("\nAll numbers are little-endian; full scale is ").append(words.full_scale).append(". ");
   append_integer_text(out, clamped);
-  out += " entries had to be clamped to 0..1.\n";
-  out += options.wide ? "They are for the operations of a plane's color pipeline (1D LUT, 3x4 matrix, 1D LUT).\n"
-                      : "The driver says in DEGAMMA_LUT_SIZE and GAMMA_LUT_SIZE how many entries it wants.\n";
-  return out + "A program that is DRM master makes a property blob of each file and sets it on the " +
-         (options.wide ? "color operation.\n" : "CRTC.\n");
+  return out.append(" entries had to be clamped to 0..1.\n").append(words.advice);
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 namespace corvantile {
 
 std::string threedl_file(const drive_map& corrected, std::size_t size, const description& about) {
-  require_count("3dl", "size", size, 2, 129);
+  require_count("3dl", "size", size, 4, 129);
   const std::vector<double> grid = linspace(0.0, 1.0, size);
   std::string out = comment_lines(about, "#");
   for (std::size_t i = 0; i < size; ++i) {
@@ -33,9 +33,9 @@ std::string threedl_file(const drive_map& corrected, std::size_t size, const des
           out += c < 2 ? ' ' : '\n';
         }
       }
-  if (largest < 3072)
+  if (largest < 2048)
     refuse_format("3dl",
-                  "no value reaches three quarters of full drive, and readers would take the file for one of "
+                  "no value reaches half of full drive, and readers would take the file for one of "
                   "fewer bits; take cube3d");
   return out;
 }
