@@ -530,7 +530,7 @@ def judge_format(kind, job, seen):
     wrong = []
     for mistake in ("swapped", "transposed"):
         folder = job.folder / mistake / kind
-        if not same(right, folder):
+        if folder.exists() and not same(right, folder):  # a writer may have refused it, or have nothing to confuse
             wrong.append((mistake, folder, verdict(kind, folder, job)))
     wrong += [(name, folder, verdict(kind, folder, job)) for name, folder in cut_short(right)]
     for name, _, (accepted, what) in wrong:
