@@ -1,34 +1,19 @@
 // Whole jobs, in memory: settings and measurements in, tables out.
 
 #include <benchmark/benchmark.h>
-#include <cstdint>
-#include <utility>
 
 #include "bench/subject.hpp"
 #include "job/correction.hpp"
 #include "monitor/monitor.hpp"
-#include "numerics/neldmead.hpp"
 
 namespace corvantile::bench {
 namespace {
-
-// Cost evaluations of this thread while `work` runs.
-template <class Work>
-double evaluations(Work&& work) {
-  const std::int64_t before = nm_evaluations;
-  std::forward<Work>(work)();
-  return static_cast<double>(nm_evaluations - before);
-}
 
 // Arguments: levels in a ramp, `tlen`.
 void job(benchmark::State& state, settings set) {
   const measurements samples = load_measurements(measurement_path(static_cast<int>(state.range(0))));
   set.tlen = static_cast<int>(state.range(1));
-  const double smoothing = evaluations([&] { makemonitor(samples, set.numsegs, set.minslope); });
-  double all = 0;
-  for (auto _ : state) all = evaluations([&] { benchmark::DoNotOptimize(solve(set, samples)); });
-  state.counters["smoothing_evals"] = smoothing;
-  state.counters["inversion_evals"] = all - smoothing;
+  for (auto _ : state) benchmark::DoNotOptimize(solve(set, samples));
 }
 
 void sizes(benchmark::internal::Benchmark* b) {

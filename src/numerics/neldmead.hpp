@@ -14,6 +14,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <span>
 #include <type_traits>
@@ -39,16 +40,13 @@ struct nm_settings {
 /// The outcome of a search. `Vector` is an array for a fixed dimension, else a vector.
 template <class Vector>
 struct nm_result {
-  Vector xmin;             ///< best vertex
-  double fmin = 0;         ///< cost at `xmin`
-  int iters = 0;           ///< iterations made; maxit + 1 when the limit ran out
+  Vector xmin;      ///< best vertex
+  double fmin = 0;  ///< cost at `xmin`
+  std::int64_t iters =
+      0;  ///< iterations made, and one more where the search ended unconverged: maxit + 1 at the limit
   bool converged = false;  ///< whether the convergence test was met
   std::int64_t evals = 0;  ///< cost evaluations made
 };
-
-/// Cost evaluations of all finished searches of this thread. A statistic for benchmarks and tests; nothing in the
-/// program reads it.
-inline thread_local std::int64_t nm_evaluations = 0;
 
 /// n + 1 vertices of n coordinates, one a row, and the cost at each. After a sort the rows stand in descending order
 /// of cost: row 0 is the worst, row n the best. `N` is n, or std::dynamic_extent.
@@ -94,6 +92,28 @@ class simplex {
   std::conditional_t<fixed, std::array<double, (N + 1) * (N + 1)>, std::vector<double>> data_{};
 };
 
+/// A vertex outside of a simplex.
+template <std::size_t N>
+auto make_vertex(std::size_t n) {
+  if constexpr (simplex<N>::fixed) {
+    return std::array<double, N>{};
+  } else {
+    return std::vector<double>(n);
+  }
+}
+
+/// Whole through registers where the size is known, so that whoever loads it soon finds it in one store.
+template <std::size_t N>
+void copy_vertex(std::span<double, N> to, std::span<const double, N> from) {
+  if constexpr (simplex<N>::fixed) {
+    std::array<double, N> x;
+    std::memcpy(x.data(), from.data(), sizeof x);
+    std::memcpy(to.data(), x.data(), sizeof x);
+  } else {
+    std::ranges::copy(from, to.begin());
+  }
+}
+
 /// Row 0 is `x0`, row i is `x0` moved by `scale` along axis i - 1.
 template <std::size_t N>
 void makesimplex(simplex<N>& s, std::span<const double, N> x0, double scale) {
@@ -120,25 +140,40 @@ void simplexsort(simplex<N>& s) {
   for (std::size_t i = 0; i <= s.n(); ++i) std::ranges::copy(unsorted.row(perm[i]), s.row(i).begin());
 }
 
-/// The same as `simplexsort` where only row 0 is new. Usually all values differ and a single insertion will do; ties
-/// (which every sort turns round) and values that are not a number take the general way.
+/// Puts the vertex `x` of cost `fx` in the place of the worst one and sorts, as `simplexsort` would. Usually all
+/// values differ, and the rows from the second worst down to the place of `x` move up as one block; ties (which every
+/// sort turns round) and values that are not a number take the general way.
 template <std::size_t N>
-void reinsert_worst(simplex<N>& s) {
+void replace_worst(simplex<N>& s, std::span<const double, N> x, double fx) {
   const auto v = s.values();
   const std::size_t n = s.n();
-  bool plain = !std::isnan(v[0]);
+  bool plain = !std::isnan(fx);
   for (std::size_t i = 1; i < n; ++i) plain = plain && v[i] > v[i + 1];
   if (n == 1) plain = plain && !std::isnan(v[1]);
-  if (!plain) return simplexsort(s);
-  if (!(v[1] >= v[0])) return;
-
-  const double moved = v[0];
-  std::size_t to = 0;
-  for (; to < n && v[to + 1] >= moved; ++to) {
-    v[to] = v[to + 1];
-    for (std::size_t j = 0; j < n; ++j) std::swap(s.row(to)[j], s.row(to + 1)[j]);
+  if (!plain) [[unlikely]] {
+    v[0] = fx;
+    copy_vertex<N>(s.row(0), x);
+    return simplexsort(s);
   }
-  v[to] = moved;
+
+  std::size_t to = 0;
+  for (; to < n && v[to + 1] >= fx; ++to) {
+    v[to] = v[to + 1];
+    if constexpr (simplex<N>::fixed) copy_vertex<N>(s.row(to), s.row(to + 1));
+  }
+  if constexpr (!simplex<N>::fixed) std::copy(s.row(1).data(), s.row(1).data() + to * n, s.row(0).data());
+  v[to] = fx;
+  copy_vertex<N>(s.row(to), x);
+}
+
+/// The mean of all vertices but the worst: for each coordinate the sum from row 1 on, divided by n.
+template <std::size_t N>
+void centroid_of_all_but_worst(std::span<double, N> c, const simplex<N>& s) {
+  for (std::size_t j = 0; j < s.n(); ++j) c[j] = s.row(1)[j];
+  for (std::size_t i = 2; i <= s.n(); ++i) {  // row by row, as they stand in memory
+    for (std::size_t j = 0; j < s.n(); ++j) c[j] += s.row(i)[j];
+  }
+  for (double& sum : c) sum /= static_cast<double>(s.n());
 }
 
 /// out = a + t (b - a).
@@ -172,7 +207,7 @@ class cycle_watch {
  public:
   explicit cycle_watch(std::size_t n) : saved_(n) {}
   /// To be asked after iteration k, which has shrunk the simplex. The length of the cycle in iterations, or 0.
-  int period(const simplex<N>& s, int k) {
+  std::int64_t period(const simplex<N>& s, std::int64_t k) {
     if (shrinks_ > 0 && same_bits(s, saved_)) return k - saved_at_;
     if (std::has_single_bit(++shrinks_)) {
       saved_ = s;
@@ -183,75 +218,78 @@ class cycle_watch {
 
  private:
   simplex<N> saved_;
-  int saved_at_ = 0;
+  std::int64_t saved_at_ = 0;
   unsigned shrinks_ = 0;
 };
+
+/// One copy of the cost serves all steps of a search: in several, it would only be further from the processor.
+template <std::size_t N, class Cost>
+[[gnu::noinline]] double counted_cost(Cost& cost, std::span<const double, N> x, std::int64_t& evals) {
+  ++evals;
+  return cost(x);
+}
 
 /// The search itself, for both kinds of dimension. Fills everything of `result` but `xmin`, and leaves the simplex
 /// sorted.
 template <std::size_t N, class Cost, class Vector>
 void nm_search(simplex<N>& s, Cost& cost, const nm_settings& set, nm_result<Vector>& result) {
   const std::size_t n = s.n();
-  const auto counted = [&](std::span<const double, N> x) {
-    ++result.evals;
-    return cost(x);
-  };
+  const auto counted = [&](std::span<const double, N> x) { return counted_cost(cost, x, result.evals); };
   const auto v = s.values();
-  std::conditional_t<simplex<N>::fixed, std::array<double, 3 * (simplex<N>::fixed ? N : 0)>, std::vector<double>>
-      work{};
-  if constexpr (!simplex<N>::fixed) work.resize(3 * n);
-  const std::span<double, N> c(work.data(), n);
-  const std::span<double, N> r(work.data() + n, n);
-  const std::span<double, N> e(work.data() + 2 * n, n);
+  auto c = make_vertex<N>(n);
+  auto r = make_vertex<N>(n);
+  auto e = make_vertex<N>(n);
   cycle_watch<N> watch(n);
-  const auto accept = [&](std::span<const double, N> x, double fx) {
-    std::ranges::copy(x, s.row(0).begin());
-    v[0] = fx;
-  };
-
   mapoverrows(s, counted);
   simplexsort(s);
   result.converged = closeenough(v, set.tol);
   if (result.converged) return;
 
-  int k = 1;
+  std::int64_t k = 1;
   for (; k <= set.maxit && !(v[n] < set.enough); ++k) {
-    for (std::size_t j = 0; j < n; ++j) {
-      double sum = s.row(1)[j];
-      for (std::size_t i = 2; i <= n; ++i) sum += s.row(i)[j];
-      c[j] = sum / static_cast<double>(n);
-    }
+    centroid_of_all_but_worst<N>(c, s);
     const std::span<const double, N> w = s.row(0);
     const double fw = v[0];
     const double fs = v[1];
     const double fb = v[n];
+    const auto try_at = [&](std::span<double, N> x, double t) {
+      ray<N>(x, w, c, t);
+      return counted(x);
+    };
 
     bool shrunk = false;
-    ray<N>(r, w, c, 2.0);
-    const double fr = counted(r);
+    const double fr = try_at(r, 2.0);
     if (fr < fs && fr < fb) {
       // The expansion is weighed against the old best, not against the reflection: a known looseness of this variant.
-      ray<N>(e, w, c, 3.0);
-      const double fe = counted(e);
-      fe < fb ? accept(e, fe) : accept(r, fr);
+      const double fe = try_at(e, 3.0);
+      if (fe < fb) {
+        replace_worst<N>(s, e, fe);
+      } else {
+        replace_worst<N>(s, r, fr);
+      }
     } else if (fs > fr && fr >= fb) {
-      accept(r, fr);
+      replace_worst<N>(s, r, fr);
     } else {  // also where the reflection is not a number
-      ray<N>(e, w, c, fr < fw ? 1.5 : 0.5);
-      const double fe = counted(e);
+      // Two branches rather than a choice of t: the processor goes on with the likelier one before it knows `fr`.
+      double fe = 0;
+      if (fr < fw) [[unlikely]] {
+        fe = try_at(e, 1.5);
+      } else {
+        fe = try_at(e, 0.5);
+      }
       if (fe < fw) {
-        accept(e, fe);
+        replace_worst<N>(s, e, fe);
       } else {
         simplexshrink(s);
         mapoverrows(s, counted);
+        simplexsort(s);
         shrunk = true;
       }
     }
-    shrunk ? simplexsort(s) : reinsert_worst(s);
     result.converged = closeenough(v, set.tol);
     if (result.converged) break;
     if (shrunk && set.skip_cycles) {
-      if (const int period = watch.period(s, k); period > 0) k += (set.maxit - k) / period * period;
+      if (const auto period = watch.period(s, k); period > 0) k += (set.maxit - k) / period * period;
     }
   }
   result.iters = k;  // maxit + 1 after the last one: the counter is advanced before it is tested
@@ -269,7 +307,6 @@ nm_result<std::array<double, N>> neldermead(Cost&& cost, const std::array<double
   nm_search(s, cost, set, result);
   std::ranges::copy(s.row(N), result.xmin.begin());
   result.fmin = s.values()[N];
-  nm_evaluations += result.evals;
   return result;
 }
 
@@ -283,7 +320,6 @@ nm_result<std::vector<double>> neldermead(Cost&& cost, std::span<const double> x
   const auto best = s.row(x0.size());
   result.xmin.assign(best.begin(), best.end());
   result.fmin = s.values().back();
-  nm_evaluations += result.evals;
   return result;
 }
 

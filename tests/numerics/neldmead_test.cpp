@@ -23,7 +23,9 @@ TEST(NelderMead, FindsAKnownMinimumInBothKindsOfDimension) {
   EXPECT_NEAR(std::abs(fixed.xmin[0] - 1) + std::abs(fixed.xmin[1] - 1), 0, 1e-6);
   EXPECT_TRUE(std::ranges::equal(fixed.xmin, sized.xmin) && fixed.iters == sized.iters && fixed.evals == sized.evals);
   EXPECT_GT(neldermead(rosenbrock, std::array{-1.2, 1.0}, {.tol = 1e-16, .enough = 1e-3}).fmin, 1e-9);
-  EXPECT_EQ(neldermead([](auto) { return nan; }, std::array{1.0}, {.maxit = 500}).iters, 501) << "not converged";
+  const auto hopeless = [](auto) { return nan; };
+  EXPECT_EQ(neldermead(hopeless, std::array{1.0}, {.maxit = 500}).iters, 501) << "not converged";
+  EXPECT_EQ(neldermead(hopeless, std::array{1.0}, {.maxit = 2147483647}).iters, 2147483648) << "no overflow";
   EXPECT_TRUE(closeenough(std::array{0.7e-8, 0.0}, 1.5e-8)) << "absolute near 0";
 }
 
@@ -58,7 +60,8 @@ TEST(NelderMead, InsertionSortsAsNeighbourExchangeDoesTiesAndNotANumberIncluded)
       s.values()[i] = v[i].first;
       s.row(i)[0] = v[i].second;
     }
-    reinsert_worst(s);
+    const std::array<double, 4> x{0.0};
+    replace_worst<4>(s, x, s.values()[0]);
     for (int pass = 0; pass < 4; ++pass)
       for (std::size_t j = 0; j < 4; ++j)
         if (v[j].first > v[j + 1].first) std::swap(v[j], v[j + 1]);
