@@ -37,12 +37,12 @@ class prepared_monitor {
  public:
   explicit prepared_monitor(const monitor& mon) : source_(&mon) {
     for (std::size_t c = 0; c < 3; ++c) {
-      inpcurve_[c] = packed_curve(mon.inpcurve[c]);
-      xcurve_[c] = packed_curve(mon.xcurve[c]);
-      zcurve_[c] = packed_curve(mon.zcurve[c]);
+      packed_ = packed_ && is_packable(mon.inpcurve[c]) && is_packable(mon.xcurve[c]) && is_packable(mon.zcurve[c]);
+      if (!packed_) break;
+      tone_[c] = packed_curve(mon.inpcurve[c]);
+      xz_[c] = packed_pair(mon.xcurve[c], mon.zcurve[c]);
+      xz_max_[c] = two_lanes{mon.Xmax[c], mon.Zmax[c]};
     }
-    shared_knots_ = same_knots(xcurve_[0], zcurve_[0]) && same_knots(xcurve_[1], zcurve_[1]) &&
-                    same_knots(xcurve_[2], zcurve_[2]);
     if (mon.composite) {
       fe_.emplace(mon.fe);
       ife_.emplace(mon.ife);
@@ -51,32 +51,38 @@ class prepared_monitor {
   const monitor& source() const { return *source_; }
 
   vec3 inp2mon(const vec3& inp) const {
+    if (!packed_) [[unlikely]]
+      return copy(inp2mon_vec(*source_, copy(inp)));
     const vec3 u = fe_ ? (*fe_)(inp) : inp;
-    return {{inpcurve_[0](u[0]), inpcurve_[1](u[1]), inpcurve_[2](u[2])}};
+    return {{tone_[0](u[0]), tone_[1](u[1]), tone_[2](u[2])}};
   }
+
   vec3 mon2out(const vec3& m) const {
-    vec3 x;
-    vec3 z;
-    for (std::size_t c = 0; c < 3; ++c) {
-      const std::size_t piece = xcurve_[c].piece_at(m[c]);
-      x[c] = xcurve_[c].value(piece, m[c]);
-      z[c] = shared_knots_ ? zcurve_[c].value(piece, m[c]) : zcurve_[c](m[c]);
-    }
-    const auto sum = [](const vec3& max, const vec3& f) { return max[0] * f[0] + max[1] * f[1] + max[2] * f[2]; };
+    if (!packed_) [[unlikely]]
+      return copy(mon2out_vec(*source_, copy(m)));
     const vec3& dark = source_->darklight;
-    return {{sum(source_->Xmax, x) + dark[0], sum(source_->Ymax, m) + dark[1], sum(source_->Zmax, z) + dark[2]}};
+    const vec3& Y = source_->Ymax;
+    const two_lanes xz = xz_max_[0] * xz_[0](m[0]) + xz_max_[1] * xz_[1](m[1]) + xz_max_[2] * xz_[2](m[2]);
+    return {{xz[0] + dark[0], Y[0] * m[0] + Y[1] * m[1] + Y[2] * m[2] + dark[1], xz[1] + dark[2]}};
   }
 
   vec3 mon2inp(const vec3& m) const {
+    if (!packed_) [[unlikely]]
+      return mon2inp_vec(*source_, m);
     vec3 u;
-    for (std::size_t c = 0; c < 3; ++c) u[c] = solve_by_bisection(inpcurve_[c], m[c], 0.0, 1.0, inverse_tolerance);
+    for (std::size_t c = 0; c < 3; ++c) u[c] = solve_by_bisection(tone_[c], m[c], 0.0, 1.0, inverse_tolerance);
     return ife_ ? (*ife_)(u) : u;
   }
 
  private:
+  // Leaves the original free to stay in registers: a call that hardly ever happens asks for it in memory.
+  static vec3 copy(const vec3& v) { return {{v[0], v[1], v[2]}}; }
+
   const monitor* source_;
-  std::array<packed_curve, 3> inpcurve_, xcurve_, zcurve_;
-  bool shared_knots_ = false;  // of the X and Z curves of each channel: they are usually fitted on the same ones
+  bool packed_ = true;  // or else some curve is none that a fit makes, and the plain routines are asked
+  std::array<packed_curve, 3> tone_;
+  std::array<packed_pair, 3> xz_;  // the X and Z curves of each channel
+  std::array<two_lanes, 3> xz_max_{};
   std::optional<prepared_front_end> fe_;
   std::optional<prepared_front_end> ife_;
 };

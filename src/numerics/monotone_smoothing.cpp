@@ -25,12 +25,26 @@ monotone_fit::monotone_fit(std::span<const double> xp, std::span<const double> y
     const double h = knots_[j + 1] - knots_[j];
     intervals_.push_back({.width = h, .three_width = 3 * h, .square = h * h, .cube = h * h * h});
   }
-  samples_.reserve(xp.size());
+  // The same choice as evaluation makes: the left piece at a knot, the end pieces beyond the ends.
+  const auto piece_at = [this](double x) {
+    const auto right = std::lower_bound(knots_.begin() + 1, knots_.end() - 1, x);
+    return static_cast<std::size_t>(right - knots_.begin()) - 1;
+  };
   for (std::size_t i = 0; i < xp.size(); ++i) {
-    // The same choice as evaluation makes: the left piece at a knot, the end pieces beyond the ends.
-    const auto right = std::lower_bound(knots_.begin() + 1, knots_.end() - 1, xp[i]);
-    const auto piece = static_cast<std::size_t>(right - knots_.begin()) - 1;
-    samples_.push_back({piece * piece_length, xp[i] - knots_[piece], yp[i]});
+    const std::size_t piece = piece_at(xp[i]);
+    const double t = xp[i] - knots_[piece];
+    if (runs_.empty() || runs_.back().first_coef != piece * piece_length) {
+      runs_.push_back({.first_coef = piece * piece_length, .pairs = 0, .odd = false});
+    }
+    run& r = runs_.back();
+    if (r.odd) {
+      sample_pair& two = pairs_.back();
+      two = {two_lanes{two.t[0], t}, two_lanes{two.y[0], yp[i]}};
+      ++r.pairs;
+    } else {
+      pairs_.push_back({two_lanes{t, t}, two_lanes{yp[i], yp[i]}});
+    }
+    r.odd = !r.odd;
   }
 }
 
@@ -74,9 +88,20 @@ double monotone_fit::cost(std::span<const double> p) {
     start = horner8(f, h);
   }
   double sum = 0;
-  for (const sample& s : samples_) {
-    const double residual = s.y - horner8(&coefs_[s.first_coef], s.t);
-    sum += residual * residual;
+  const sample_pair* s = pairs_.data();
+  for (const run& r : runs_) {
+    two_lanes f[piece_length];
+    for (std::size_t k = 0; k < piece_length; ++k) f[k] = in_each_lane<two_lanes>(coefs_[r.first_coef + k]);
+    const auto square_of_residual = [&f](const sample_pair& two) {
+      const two_lanes residual = two.y - horner8(f, two.t);
+      return residual * residual;
+    };
+    for (std::size_t i = 0; i < r.pairs; ++i, ++s) {
+      const two_lanes squares = square_of_residual(*s);
+      sum += squares[0];
+      sum += squares[1];
+    }
+    if (r.odd) sum += square_of_residual(*s++)[0];
   }
   return sum;
 }
@@ -84,9 +109,14 @@ double monotone_fit::cost(std::span<const double> p) {
 ppoly pp_iba(std::span<const double> x, std::span<const double> y, std::optional<int> n, double minslope) {
   const std::size_t npts = n && *n >= 0 ? static_cast<std::size_t>(*n) + 1 : 6;
   monotone_fit fit(x, y, npts, minslope);
-  const auto best = neldermead([&](std::span<const double> p) { return fit.cost(p); },
-                               std::span<const double>(fit.starting_point()), {.tol = 1e-14});
-  const ppoly f = fit.make_func(best.xmin);
+  const std::vector<double> p0 = fit.starting_point();
+  const auto fitted = [&fit](const auto& start) {
+    const auto cost = [&fit](std::span<const double> p) { return fit.cost(p); };
+    return fit.make_func(neldermead(cost, start, {.tol = 1e-14}).xmin);
+  };
+  std::array<double, 6> usual{};  // 5 pieces: a simplex of fixed size makes the same steps faster
+  std::ranges::copy_n(p0.begin(), static_cast<std::ptrdiff_t>(std::min(npts, usual.size())), usual.begin());
+  const ppoly f = npts == usual.size() ? fitted(usual) : fitted(std::span<const double>(p0));
   return pp_over_real(f, ppval(f, 1.0));
 }
 

@@ -8,6 +8,7 @@
 
 #include "numerics/cubicspline.hpp"
 #include "numerics/ppoly.hpp"
+#include "numerics/two_lanes.hpp"
 
 namespace corvantile {
 
@@ -38,10 +39,14 @@ class monotone_fit {
   struct interval {
     double width, three_width, square, cube;  // h, 3 h, h^2, h^3
   };
-  struct sample {
-    std::size_t first_coef;  // of its piece in `coefs_`
-    double t;                // argument local to the piece
-    double y;
+  struct sample_pair {
+    two_lanes t;  // arguments local to the piece
+    two_lanes y;
+  };
+  struct run {               // of consecutive samples in one piece
+    std::size_t first_coef;  // of the piece in `coefs_`
+    std::size_t pairs;       // whole ones
+    bool odd;                // whether one more sample follows them, in lane 0 of a pair
   };
   std::span<const double> xp_;
   std::span<const double> yp_;
@@ -49,9 +54,10 @@ class monotone_fit {
   std::vector<double> knots_;
   spline_system spline_;
   std::vector<interval> intervals_;
-  std::vector<sample> samples_;
-  std::vector<double> slopes_;  // of the latest spline
-  std::vector<double> coefs_;   // of the latest curve, a piece after the other
+  std::vector<run> runs_;
+  std::vector<sample_pair> pairs_;  // of all runs
+  std::vector<double> slopes_;      // of the latest spline
+  std::vector<double> coefs_;       // of the latest curve, a piece after the other
 };
 
 /// The monotone smoothing curve through the samples (x, y): `n` pieces (5 when absent or negative), slopes of at

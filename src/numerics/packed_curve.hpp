@@ -1,58 +1,94 @@
 #pragma once
-// Piecewise polynomials laid out for evaluation inside a search: one cache line a piece.
+// Piecewise polynomials laid out for evaluation inside a search.
 
-#include <array>
+#include <algorithm>
 #include <cstddef>
 #include <limits>
 #include <vector>
 
 #include "numerics/ppoly.hpp"
+#include "numerics/two_lanes.hpp"
 
 namespace corvantile {
 
 /// A polynomial of degree 7 by Horner's rule from the highest coefficient down, c[0] being the constant term.
-inline double horner8(const double* c, double t) {
-  double v = c[7];
+template <class T>
+T horner8(const T* c, T t) {
+  T v = c[7];
   for (std::size_t k = 7; k-- > 0;) v = v * t + c[k];
   return v;
 }
 
-/// A copy of a `ppoly` whose pieces have degree 7 at most (those of a fitted curve have), evaluated without touching
-/// the heap. Gives the bits of `ppval` for every finite argument. A higher degree is cut off: for fitted curves only.
-class packed_curve {
+/// Whether a curve can be packed: it has pieces, their knots ascend, and their degree is 7 at most.
+/// The curves of a fitted monitor are like this.
+inline bool is_packable(const ppoly& pp) {
+  const auto ends_before = [](double a, double b) { return !(a < b); };
+  return !pp.polys.empty() && pp.knots.size() == pp.polys.size() + 1 &&
+         std::ranges::adjacent_find(pp.knots, ends_before) == pp.knots.end() &&
+         std::ranges::all_of(pp.polys, [](const polynomial& p) { return p.coef.size() <= 8; });
+}
+
+/// Pieces of degree 7, T being double for one curve and two_lanes for two of them.
+template <class T>
+class packed_pieces {
+ public:
+  /// The value at `x`. An interior knot belongs to the piece on its left; the first and the last piece go on.
+  T operator()(double x) const {
+    const piece* p = pieces_.data();
+    while (p->end < x) ++p;
+    return horner8(p->coef, in_each_lane<T>(x) - p->start);
+  }
+
+ protected:
+  static constexpr double last = std::numeric_limits<double>::infinity();  // end of the last piece
+  static double end_of_piece(const ppoly& pp, std::size_t j) {
+    return j + 1 < pp.polys.size() ? pp.knots[j + 1] : last;
+  }
+  static double coefficient(const ppoly& pp, std::size_t j, std::size_t k) {
+    return k < pp.polys[j].coef.size() ? pp.polys[j].coef[k] : 0.0;
+  }
+  struct piece {
+    double end;  // in x; infinite for the last piece
+    T start;
+    T coef[8];
+  };
+  std::vector<piece> pieces_;
+};
+
+/// A copy of a packable curve that is evaluated without touching the heap. Gives the bits of `ppval` for every finite
+/// argument.
+class packed_curve : public packed_pieces<double> {
  public:
   packed_curve() = default;
-  explicit packed_curve(const ppoly& pp)
-      : starts_(pp.knots.begin(), pp.knots.end() - 1), ends_(pp.knots.begin() + 1, pp.knots.end()) {
-    ends_.back() = std::numeric_limits<double>::infinity();  // the last piece goes on
-    for (const polynomial& p : pp.polys) {
-      piece& c = pieces_.emplace_back();
-      for (std::size_t k = 0; k < c.coef.size() && k < p.coef.size(); ++k) c.coef[k] = p.coef[k];
+  explicit packed_curve(const ppoly& pp) {
+    for (std::size_t j = 0; j < pp.polys.size(); ++j) {
+      piece& p = pieces_.emplace_back();
+      p.end = end_of_piece(pp, j);
+      p.start = pp.knots[j];
+      for (std::size_t k = 0; k < 8; ++k) p.coef[k] = coefficient(pp, j, k);
     }
   }
+};
 
-  /// The piece that `x` belongs to; an interior knot belongs to the piece on its left.
-  std::size_t piece_at(double x) const {
+/// Two such curves that are asked for the same arguments, one a lane. They need not have their knots in common: a
+/// piece ends wherever either curve has a knot, but each lane counts from the left knot of its own curve's piece.
+class packed_pair : public packed_pieces<two_lanes> {
+ public:
+  packed_pair() = default;
+  packed_pair(const ppoly& a, const ppoly& b) {
+    std::size_t i = 0;
     std::size_t j = 0;
-    while (ends_[j] < x) ++j;
-    return j;
+    do {
+      piece& p = pieces_.emplace_back();
+      p.start = two_lanes{a.knots[i], b.knots[j]};
+      for (std::size_t k = 0; k < 8; ++k) p.coef[k] = two_lanes{coefficient(a, i, k), coefficient(b, j, k)};
+      const double end_of_a = end_of_piece(a, i);
+      const double end_of_b = end_of_piece(b, j);
+      p.end = std::min(end_of_a, end_of_b);
+      if (end_of_a == p.end) ++i;
+      if (end_of_b == p.end) ++j;
+    } while (pieces_.back().end != last);
   }
-  /// The value at `x`, which belongs to piece `j`.
-  double value(std::size_t j, double x) const { return horner8(pieces_[j].coef.data(), x - starts_[j]); }
-  double operator()(double x) const { return value(piece_at(x), x); }
-
-  /// Whether the pieces of both meet at the same knots, so that one search serves the two.
-  friend bool same_knots(const packed_curve& a, const packed_curve& b) {
-    return a.starts_ == b.starts_ && a.ends_ == b.ends_;
-  }
-
- private:
-  struct alignas(64) piece {
-    std::array<double, 8> coef{};
-  };
-  std::vector<double> starts_;
-  std::vector<double> ends_;
-  std::vector<piece> pieces_;
 };
 
 }  // namespace corvantile
