@@ -6,3 +6,20 @@ target_compile_options(build_flags INTERFACE
   -ffp-contract=off -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 target_include_directories(build_flags INTERFACE ${PROJECT_SOURCE_DIR}/src ${PROJECT_BINARY_DIR}/generated)
 set(CMAKE_CXX_EXTENSIONS OFF)
+
+# How a program is linked that is started for every display: without shared libraries to load, which take longer than
+# its shortest jobs, but at random addresses all the same. (A plain -static spends many milliseconds on its first
+# exception, and -static-pie does not go with -static-libgcc.) Only where the system has the C library for it, and not
+# with sanitizers.
+option(CORVANTILE_STATIC "Link Corvantile without shared libraries where that works" OFF)
+add_library(program_link_flags INTERFACE)
+if(CORVANTILE_STATIC)
+  set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+  include(CheckLinkerFlag)
+  check_linker_flag(CXX -static-pie CORVANTILE_HAS_STATIC_PIE)
+  if(CORVANTILE_HAS_STATIC_PIE)
+    target_link_options(program_link_flags INTERFACE -static-pie)
+  else()
+    target_link_options(program_link_flags INTERFACE -static-libstdc++ -static-libgcc)
+  endif()
+endif()
