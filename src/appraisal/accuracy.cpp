@@ -45,6 +45,7 @@ std::vector<prediction> predict_rows(const monitor& mon, const std::vector<std::
 
 accuracy_figures accuracy_of(const monitor& mon, const measurements& samples) {
   std::vector<prediction> unseen = predict_rows(mon, unseen_rows(mon, has_derived_ramps(samples) ? 1 : 4));
+  std::erase_if(unseen, [](const prediction& p) { return !std::isfinite(p.difference); });
   std::vector<std::size_t> gray(static_cast<std::size_t>(mon.nramp));
   for (std::size_t i = 0; i < gray.size(); ++i) gray[i] = i;
 

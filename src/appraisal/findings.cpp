@@ -174,8 +174,9 @@ void judge_primaries(const quality& q, findings& out) {
     const double share = q.primaries[r.channel][r.component] / q.white[r.component];
     if (share > 1e-4) continue;
     out.push_back({std::string(r.id), severity::warning,
-                   std::string(r.what) + " is not above that of the dark (" + percent(share, 3) +
-                       " of white's): its curve over luminance cannot be known, a straight line stands in for it",
+                   std::string(r.what) +
+                       " is not above that of the dark: its curve over luminance cannot be known, a straight line "
+                       "stands in for it",
                    "check that the readings are X, Y, Z as measured, without black point compensation or rounding"});
   }
 }

@@ -8,6 +8,7 @@
 namespace corvantile {
 
 difference_figures summarize(std::vector<double> differences) {
+  std::erase_if(differences, [](double d) { return !std::isfinite(d); });
   difference_figures f;
   f.n = differences.size();
   if (f.n == 0) return f;

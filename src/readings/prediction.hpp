@@ -17,6 +17,7 @@ struct difference_figures {
   friend bool operator==(const difference_figures&, const difference_figures&) = default;
 };
 
+/// What is not finite, as samples beyond all bounds give, is left out.
 difference_figures summarize(std::vector<double> differences);
 
 /// One patch, predicted.

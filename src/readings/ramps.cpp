@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "numerics/linsolv.hpp"
 #include "readings/derived_ramps.hpp"
 #include "utils/decimal.hpp"
 #include "utils/failure.hpp"
@@ -54,6 +55,22 @@ double level(const patch& p) { return std::max({p.drive[0], p.drive[1], p.drive[
 
 [[noreturn]] void refuse(const readings& all, const std::string& what) { refuse_content(all.source, what); }
 
+mat3 full_primaries(const sorted_readings& sorted) {
+  const vec3& dark = sorted.dark->xyz;
+  return {{sorted.ramp[1].back().xyz - dark, sorted.ramp[2].back().xyz - dark, sorted.ramp[3].back().xyz - dark}};
+}
+
+// Whether no primary is a mixture of the other two, as far as numbers can tell.
+bool span_a_gamut(const mat3& primaries) {
+  const mat3 inverse = inv(primaries);
+  double largest = 0, sum_of_inverse = 0;
+  for (std::size_t i = 0; i < 9; ++i) {
+    largest = std::max(largest, std::abs(primaries(i / 3, i % 3)));
+    sum_of_inverse += std::abs(inverse(i / 3, i % 3));
+  }
+  return largest * sum_of_inverse < 1e9;  // real displays have some 10; false for what is not a number
+}
+
 // Whatever no way of making ramps can do without.
 void require_essentials(const readings& all, const sorted_readings& sorted) {
   const auto full = [&](std::size_t r) { return !sorted.ramp[r].empty() && is_full(sorted.ramp[r].back()); };
@@ -75,7 +92,10 @@ void require_essentials(const readings& all, const sorted_readings& sorted) {
   for (std::size_t c = 0; c < 3; ++c) {
     if (!full(c + 1)) missing += (missing.empty() ? "" : ", ") + std::string(channel_names[c]);
   }
-  if (missing.empty()) return;
+  if (missing.empty()) {
+    if (span_a_gamut(full_primaries(sorted))) return;
+    refuse(all, "full red, green and blue lie on one line of the chromaticity diagram: no ramps follow from them");
+  }
   const bool alone = std::ranges::all_of(std::span(sorted.ramp).subspan(1), [](const auto& r) { return r.empty(); });
   if (alone && sorted.others.empty()) {
     refuse(all,
@@ -118,11 +138,6 @@ ramp_set measured_ramps(const readings& all, const sorted_readings& sorted, cons
   }
   mark(set.seen, *sorted.dark);
   return set;
-}
-
-mat3 full_primaries(const sorted_readings& sorted) {
-  const vec3& dark = sorted.dark->xyz;
-  return {{sorted.ramp[1].back().xyz - dark, sorted.ramp[2].back().xyz - dark, sorted.ramp[3].back().xyz - dark}};
 }
 
 // The grays to derive from: the shared levels where they are enough, so that the other grays can tell how well they
@@ -208,6 +223,15 @@ double score(const prediction_figures& f) {
   return f.near_gray.n >= least_near_gray ? (f.near_gray.mean + f.all.mean) / 2 : f.all.mean;
 }
 
+// How ramps predict the unseen; nothing where no model fits them, of which the job that takes them will say why.
+std::optional<prediction_figures> tried(const measurements& m, const matrix& unseen, const vec3& white) {
+  try {
+    return summarize(predict(makemonitor(m, pieces), unseen, white));
+  } catch (const failure&) {
+    return std::nullopt;
+  }
+}
+
 std::string compared(const prediction_figures& taken, const prediction_figures& other) {
   std::string text = "over " + std::to_string(taken.all.n) + " unseen patches CIEDE2000 is " +
                      decimal(taken.all.mean, 2) + " on average against " + decimal(other.all.mean, 2);
@@ -229,11 +253,13 @@ void decide(ramp_choice& choice) {
                     ? "red, green and blue ramps at the levels of the gray ramp were not measured"
                     : "the four ramps share only " + std::to_string(choice.measured_levels) + " levels");
   }
-  if (choice.measured_predicts) {
+  if (choice.measured_predicts && choice.derived_predicts) {
     const auto &measured = *choice.measured_predicts, &derived = *choice.derived_predicts;
     return score(derived) < score(measured) ? take(ramp_source::derived, compared(derived, measured))
                                             : take(ramp_source::measured, compared(measured, derived));
   }
+  if (choice.measured_predicts) return take(ramp_source::measured, "no model fits ramps derived from the gray ramp");
+  if (choice.derived_predicts) return take(ramp_source::derived, "no model fits the measured ramps");
   const std::string blind = "no unseen patches to judge by, and ";
   if (choice.measured_levels < enough_levels) {
     return take(ramp_source::derived,
@@ -276,8 +302,8 @@ ramp_choice ramps(const readings& all, ramp_source how) {
     const matrix unseen = unseen_samples(all, measured_set.seen, derived_set.seen);
     if (unseen.rows() >= least_unseen) {
       const vec3& white = sorted.ramp[0].back().xyz;
-      choice.measured_predicts = summarize(predict(makemonitor(measured, pieces), unseen, white));
-      choice.derived_predicts = summarize(predict(makemonitor(derived, pieces), unseen, white));
+      choice.measured_predicts = tried(measured, unseen, white);
+      choice.derived_predicts = tried(derived, unseen, white);
     }
   }
 

@@ -29,8 +29,9 @@ struct ramp_choice {
   double additivity = 0;            ///< Y of the three full primaries over that of white, each less the dark, less 1
   std::size_t repaired = 0;         ///< derived values that noise had made fall or go below 0
 
-  /// Both ways tried on the same patches: those that neither is made of. Absent where one of them or such patches are
-  /// missing. The models have 5 pieces; L*a*b* is taken against the measured white.
+  /// Both ways tried on the same patches: those that neither is made of. Absent where there are fewer than 10 such
+  /// patches, or no four measured ramps, or no model that fits. The models have 5 pieces; L*a*b* is taken against the
+  /// measured white.
   std::optional<prediction_figures> measured_predicts, derived_predicts;
 
   repeatability repeated;
@@ -46,7 +47,8 @@ struct ramp_choice {
 /// 1 %, or repeats lie apart by more than 1 %; else measured ones.
 ///
 /// Throws `fault::content`, with what to do, where there is no dark, no gray ramp of at least five levels up to full
-/// drive, or no full primary; and where `measured` finds fewer than five shared levels.
+/// drive, or no full primary, or the primaries span no gamut; and where `measured` finds fewer than five shared
+/// levels.
 ramp_choice ramps(const readings& all, ramp_source how);
 
 /// Whether the coloured ramps of `m` were derived from its gray ramp: their tops add up to the white to 13 digits, as

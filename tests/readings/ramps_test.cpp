@@ -112,6 +112,8 @@ TEST(Ramps, AreRefusedWithWhatToDo) {
       EXPECT_NE(f.message.find(fragment), std::string::npos) << f.message;
     }
   }
+  const screen flat = [](const vec3& d) { return shown(uneven, {{std::max(d[0], d[2]), d[1], 0}}); };
+  EXPECT_THROW(ramps(chart(flat, 9, 20), ramp_source::automatic), failure) << "blue shows what red does";
   const auto half = without([&](const vec3& d) { return !gray(d) && d[0] + d[1] + d[2] < 0.9; });
   EXPECT_THROW(ramps(half, ramp_source::measured), failure);
   EXPECT_EQ(ramps(half, ramp_source::automatic).taken, ramp_source::derived);
