@@ -4,8 +4,8 @@
 
 #include <optional>
 #include <span>
-#include <vector>
 
+#include "colour/gray_search.hpp"
 #include "monitor/monitor.hpp"
 #include "monitor/prepared.hpp"
 #include "numerics/conic_intersect.hpp"
@@ -55,14 +55,6 @@ inversion out2mon(const monitor& mon, const vec3& xyz, const std::optional<vec3>
 
 // ---- The brightest colour of a white ----
 
-/// The brightest reachable colour of a requested white.
-struct ramp_top {
-  vec3 inp;  ///< drive values that show it
-  vec3 m;    ///< their monitor values
-  vec3 xyz;  ///< the colour itself, at the scale after the last trial; `inp` shows it to some 3e-4 of the XYZ unit
-  bool reached = true;  ///< whether any trial was; if none, the scale is the lower end of the search
-};
-
 /// The top for the chromaticity of a blackbody at `T` kelvin: the largest scale in [0.1, 2] times the monitor's white
 /// luminance that an inversion reaches to within `reachable`, by 28 bisections.
 ramp_top ramptop_temp(const monitor& mon, double T);
@@ -80,19 +72,6 @@ ramp_top bcgtw(const monitor& mon, double T, double hwid);
 
 /// The power law y = x^gamma at n evenly spaced points, n at least 2.
 lut make_gamma_table(double gamma, int n);
-
-/// One level of a gray ramp: the colour wanted, the drive values found for it, and the squared XYZ distance left.
-struct gray_level {
-  vec3 target;
-  vec3 inp;
-  double left = 0;
-};
-
-/// How the searches for a gray ramp ended. Levels run from black to the top, which is its own target.
-struct gray_search {
-  ramp_top top;
-  std::vector<gray_level> levels;
-};
 
 /// Fills `tab` (n x 3, n at least 2) with the drive values of a gray ramp that has the colour of a blackbody at `T`
 /// kelvin and the luminance `curve`(s) relative to its top, at the positions s = i / (n - 1).

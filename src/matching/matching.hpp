@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "colour/chromaticity.hpp"
-#include "colour/nonpar_monitor.hpp"
+#include "colour/gray_search.hpp"
 #include "monitor/monitor.hpp"
 #include "monitor/synthetic_monitor.hpp"
 #include "numerics/matrix.hpp"

@@ -2,6 +2,7 @@
 #include <string>
 #include <vector>
 
+#include "colour/nonpar_monitor.hpp"
 #include "job/judgements.hpp"
 #include "tests/monitor/fitted.hpp"
 #include "utils/failure.hpp"
