@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -14,7 +13,7 @@
 #include "kit/files.hpp"
 #include "kit/imported.hpp"
 #include "kit/job_folder.hpp"
-#include "kit/verb.hpp"
+#include "kit/verbs.hpp"
 #include "kit/words.hpp"
 #include "utils/text.hpp"
 
@@ -22,12 +21,6 @@ namespace corvantile::kit {
 namespace {
 
 using json = nlohmann::ordered_json;
-
-struct options : common_options {
-  import_options source;
-  std::string settings;
-  bool strict = false;
-};
 
 json figures(const difference_figures& f) { return {{"n", f.n}, {"mean", f.mean}, {"p95", f.p95}, {"max", f.max}}; }
 
@@ -81,7 +74,9 @@ std::string text_of(const quality& q, const std::vector<finding>& findings) {
   return text + " covered\n";
 }
 
-int run(const options& o) {
+}  // namespace
+
+int run_check(const check_options& o) {
   const checked c = check_source(o.source);
   std::vector<finding> findings = c.figures.findings;
   if (!o.settings.empty()) {
@@ -95,19 +90,6 @@ int run(const options& o) {
   }
   const bool serious = std::ranges::any_of(findings, [](const finding& f) { return f.level > severity::note; });
   return o.strict && serious ? status::findings : status::done;
-}
-
-}  // namespace
-
-verb check_verb(CLI::App& kit) {
-  auto o = std::make_shared<options>();
-  CLI::App& command = *kit.add_subcommand("check", "Say whether measurements can be trusted");
-  add_source(command, o->source);
-  command.add_option("--settings", o->settings, "Say also what a job with these settings would do");
-  command.add_flag("--strict", o->strict, "End with status 1 where a finding is worse than a note");
-  add_common(command, *o, "Where to write the findings (default: standard output)");
-  command.footer("Example:\n  corvantile-kit check measurements.txt --strict");
-  return {&command, [o] { return run(*o); }};
 }
 
 }  // namespace corvantile::kit

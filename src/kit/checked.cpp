@@ -13,14 +13,14 @@
 namespace corvantile::kit {
 namespace {
 
-bool is_our_own(const import_options& o, std::string_view text) {
+bool is_our_own(const source_options& o, std::string_view text) {
   if (!o.from.empty()) return o.from == "corvantile";
   return kind_of(text) == source_kind::corvantile;
 }
 
 }  // namespace
 
-checked check_source(const import_options& o) {
+checked check_source(const source_options& o) {
   checked c;
   const std::string text = o.source == "-" ? std::string() : read_input(o.source);
   if (!text.empty() && is_our_own(o, text) && o.ramps == "auto") {

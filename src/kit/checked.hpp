@@ -19,7 +19,7 @@ struct checked {
 };
 
 /// Our own measurement file as it stands, anything else as `import` would take it.
-checked check_source(const import_options& o);
+checked check_source(const source_options& o);
 
 /// What a job did to the display, its warnings among them; worst first.
 std::vector<finding> findings_of_job(const settings& set, const correction& result, const outcome& figures);

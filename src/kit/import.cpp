@@ -1,6 +1,5 @@
 // corvantile-kit import: from what an instrument's program wrote to a measurement file.
 
-#include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -12,17 +11,12 @@
 #include "formats/detect.hpp"
 #include "kit/files.hpp"
 #include "kit/imported.hpp"
-#include "kit/verb.hpp"
+#include "kit/verbs.hpp"
 #include "utils/failure.hpp"
 #include "utils/text.hpp"
 
 namespace corvantile::kit {
 namespace {
-
-struct options : common_options {
-  import_options source;
-  std::string calibration;
-};
 
 nlohmann::ordered_json record_of(const imported& in) {
   const auto figures = [](const std::optional<prediction_figures>& f) -> nlohmann::ordered_json {
@@ -49,7 +43,9 @@ nlohmann::ordered_json record_of(const imported& in) {
   return record;
 }
 
-int run(const options& o) {
+}  // namespace
+
+int run_import(const import_options& o) {
   if (o.json && (o.output.empty() || o.output == "-"))
     throw failure(fault::setting, "--json and the measurements both want standard output; name a file with -o");
   refuse_to_replace(o.output, o.force);
@@ -64,21 +60,6 @@ int run(const options& o) {
   for (const std::string& line : summary_of(in)) say(o, line);
   if (o.json) write_output("-", record_of(in).dump(2) + '\n', true);
   return status::done;
-}
-
-}  // namespace
-
-verb import_verb(CLI::App& kit) {
-  auto o = std::make_shared<options>();
-  CLI::App& command = *kit.add_subcommand("import", "Make a measurement file of what an instrument's program wrote");
-  add_source(command, o->source);
-  command.add_option("--calibration", o->calibration, "Write the calibration that was in effect to this .cal file");
-  add_common(command, *o, "The measurement file (default: standard output)");
-  command.footer(
-      "Reads ArgyllCMS .ti3 and other CGATS, CSV and other tables, HCFR's sheets (gray scale and\n"
-      "primaries), and Corvantile's own measurement file.\n\n"
-      "Example:\n  corvantile-kit import display.ti3 -o measurements.txt");
-  return {&command, [o] { return run(*o); }};
 }
 
 }  // namespace corvantile::kit

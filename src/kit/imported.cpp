@@ -20,7 +20,7 @@ source source_named(const std::string& name) {
 }
 
 // What our own file's comments know goes on with it.
-provenance known_of(const import_options& o, const imported& in) {
+provenance known_of(const source_options& o, const imported& in) {
   provenance known = provenance_of(in.all, in.choice);
   if (in.all.kind != "Corvantile measurements") return known;
   const provenance before = parse_provenance(read_input(o.source));
@@ -45,26 +45,13 @@ std::string prediction_line(const char* name, const prediction_figures& f) {
 
 }  // namespace
 
-void add_source(CLI::App& command, import_options& o) {
-  command.add_option("SOURCE", o.source, "What the instrument's program wrote; - for standard input")->required();
-  command.add_option("SECOND", o.second, "HCFR: the other of the two sheets");
-  command.add_option("--from", o.from, "What SOURCE is, where its content does not tell")
-      ->check(CLI::IsMember({"ti3", "cgats", "csv", "hcfr", "corvantile"}));
-  command.add_option("--layout", o.layout, "Order of the ramps in 12 columns without a header, such as rgbw");
-  command
-      .add_option("--ramps", o.ramps,
-                  "Red, green and blue ramps: measured, derived from gray, or what predicts better")
-      ->check(CLI::IsMember({"measured", "derived", "auto"}))
-      ->capture_default_str();
-}
-
-readings read_source(const import_options& o) {
+readings read_source(const source_options& o) {
   std::optional<source> second;
   if (!o.second.empty()) second = source_named(o.second);
   return read_readings(source_named(o.source), second, {.from = kind_named(o.from), .layout = o.layout});
 }
 
-imported import_measurements(const import_options& o) {
+imported import_measurements(const source_options& o) {
   imported in{.all = read_source(o), .choice = {}, .known = {}, .text = {}};
   in.choice = ramps(in.all, ramp_sources.at(o.ramps));
   in.known = known_of(o, in);

@@ -1,7 +1,6 @@
 #pragma once
 // Any file with readings as measurements: what `import`, `check`, `make` and `verify` begin with.
 
-#include <CLI/CLI.hpp>
 #include <string>
 #include <vector>
 
@@ -12,16 +11,13 @@
 namespace corvantile::kit {
 
 /// Where readings come from and how they are to be taken, as the command line says it.
-struct import_options {
+struct source_options {
   std::string source;
   std::string second;  ///< the sheet that goes with it; empty for none
   std::string from;    ///< the kind; empty: told from the content
   std::string layout;  ///< of a table without a header
   std::string ramps = "auto";
 };
-
-/// Adds SOURCE, SECOND, --from, --layout and --ramps.
-void add_source(CLI::App& command, import_options& o);
 
 struct imported {
   readings all;
@@ -31,11 +27,11 @@ struct imported {
 };
 
 /// What the source holds, without a decision about ramps.
-readings read_source(const import_options& o);
+readings read_source(const source_options& o);
 
 /// Reads and decides. Throws `fault::content` with what to do; for ramps that are missing, that is which chart to
 /// measure.
-imported import_measurements(const import_options& o);
+imported import_measurements(const source_options& o);
 
 /// What was taken and why, in a few lines for people.
 std::vector<std::string> summary_of(const imported& in);

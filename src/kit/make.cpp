@@ -5,7 +5,6 @@
 #include <cmath>
 #include <filesystem>
 #include <iostream>
-#include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <unistd.h>
@@ -19,7 +18,7 @@
 #include "kit/job_folder.hpp"
 #include "kit/loading.hpp"
 #include "kit/targets.hpp"
-#include "kit/verb.hpp"
+#include "kit/verbs.hpp"
 #include "kit/words.hpp"
 #include "utils/failure.hpp"
 #include "utils/file_output.hpp"
@@ -27,13 +26,6 @@
 
 namespace corvantile::kit {
 namespace {
-
-struct options : common_options {
-  import_options source;
-  wishes wanted;
-  std::string display;
-  bool anyway = false;
-};
 
 // A line for each step with its time, where people look on.
 class progress {
@@ -61,7 +53,7 @@ class progress {
 
 // The exports of a job, as files of its folder. A format of "all" that cannot hold the job is left out; of a device
 // that was asked for by name none may be missing.
-std::vector<text_file> exports_of(const options& o, const solved_job& job, const provenance& known,
+std::vector<text_file> exports_of(const make_options& o, const solved_job& job, const provenance& known,
                                   std::vector<std::string>& notes) {
   std::vector<text_file> files;
   for (const device_format& wanted : formats_for(o.wanted.device, job.names.set.mode)) {
@@ -107,7 +99,7 @@ std::string verdict_of(const solved_job& job) {
 }
 
 // Stops where the measurements are not worth solving.
-void heed(const options& o, const checked& c) {
+void heed(const make_options& o, const checked& c) {
   for (const finding& f : c.figures.findings) {
     if (f.level == severity::note) continue;
     say(o, std::string(name_of(f.level)) + ": " + f.message + (f.action.empty() ? "" : " " + f.action));
@@ -118,7 +110,9 @@ void heed(const options& o, const checked& c) {
                  worst.id + ": " + worst.message + " " + worst.action + " (--anyway solves all the same)");
 }
 
-int run(options o) {
+}  // namespace
+
+int run_make(make_options o) {
   if (o.output.empty()) o.output = std::filesystem::path(o.source.source).stem().string() + "-corrected";
   refuse_to_replace(o.output, o.force);
   progress step(o.quiet);
@@ -150,28 +144,6 @@ int run(options o) {
     write_output("-", record.dump(2) + '\n', true);
   }
   return status::done;
-}
-
-}  // namespace
-
-verb make_verb(CLI::App& kit) {
-  auto o = std::make_shared<options>();
-  CLI::App& command = *kit.add_subcommand("make", "Do everything: import, check, solve, export, report");
-  add_source(command, o->source);
-  command.add_option("--target", o->wanted.target, "native, srgb, rec709, display-p3, adobe-rgb or bt2020")
-      ->check(CLI::IsMember(target_names()).description(""))
-      ->capture_default_str();
-  command.add_option("--gamma", o->wanted.gamma, "An exponent, srgb, bt1886, lstar, or a gamma file")
-      ->capture_default_str();
-  command.add_option("--white", o->wanted.white, "native, d65, d50, a temperature, or x,y (default: the target's)");
-  command.add_option("--for", o->wanted.device, "linux, x11, windows, video, fpga or all")
-      ->check(CLI::IsMember({"linux", "x11", "windows", "video", "fpga", "all"}).description(""))
-      ->capture_default_str();
-  command.add_option("--display", o->display, "The display's name, for titles");
-  command.add_flag("--anyway", o->anyway, "Solve also where the measurements are not worth it");
-  add_common(command, *o, "The folder (default: SOURCE without its ending, and -corrected)");
-  command.footer("Example:\n  corvantile-kit make display.ti3 --target srgb --for linux -o my-display");
-  return {&command, [o] { return run(*o); }};
 }
 
 }  // namespace corvantile::kit

@@ -1,22 +1,17 @@
 // corvantile-kit solve: a job from its settings file to its folder.
 
-#include <memory>
 #include <optional>
 #include <utility>
 
 #include "driver/profile.hpp"
 #include "kit/files.hpp"
 #include "kit/job_folder.hpp"
-#include "kit/verb.hpp"
+#include "kit/verbs.hpp"
 #include "utils/failure.hpp"
 #include "utils/text.hpp"
 
 namespace corvantile::kit {
 namespace {
-
-struct options : common_options {
-  std::string settings;
-};
 
 // The settings, and the texts of the files that they name, as a folder of its own.
 job_inputs inputs_of(const profile& given) {
@@ -30,7 +25,9 @@ job_inputs inputs_of(const profile& given) {
   return inputs;
 }
 
-int run(const options& o) {
+}  // namespace
+
+int run_solve(const solve_options& o) {
   const profile given = read_settings_file(o.settings);
   if (given.wgfile.empty()) throw failure(fault::setting, "Settings: wgfile, the measurement file, is missing");
   const std::string folder = o.output.empty() ? given.outdir : o.output;
@@ -46,17 +43,6 @@ int run(const options& o) {
              decimals(job.figures.white_after[1], 1) + " after");
   if (o.json) write_output("-", record_of(inputs, job).dump(2) + '\n', true);
   return status::done;
-}
-
-}  // namespace
-
-verb solve_verb(CLI::App& kit) {
-  auto o = std::make_shared<options>();
-  CLI::App& command = *kit.add_subcommand("solve", "Run a job from a settings file and keep it in a folder");
-  command.add_option("SETTINGS", o->settings, "Settings as Corvantile reads them; - for standard input")->required();
-  add_common(command, *o, "The folder (default: outdir of the settings)");
-  command.footer("Example:\n  corvantile-kit solve settings.txt -o my-display");
-  return {&command, [o] { return run(*o); }};
 }
 
 }  // namespace corvantile::kit

@@ -1,0 +1,87 @@
+#pragma once
+// The verbs: what each is told, and what it ends with. `command_line.cpp` fills these records from arguments.
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "kit/exports.hpp"
+#include "kit/imported.hpp"
+#include "kit/targets.hpp"
+
+namespace corvantile::kit {
+
+/// What the process ends with; below 3 as any well-behaved command, from 4 on as `Corvantile`.
+namespace status {
+inline constexpr int done = 0;
+inline constexpr int findings = 1;  ///< under --strict
+inline constexpr int usage = 2;
+inline constexpr int bad_settings = 4;
+inline constexpr int bad_input = 5;  ///< or one that is not there
+inline constexpr int cannot_write = 6;
+inline constexpr int no_memory = 7;
+inline constexpr int not_finite = 8;
+inline constexpr int cannot_express = 9;  ///< not in that format
+}  // namespace status
+
+/// The options of every verb. `json` promises one JSON object on standard output and nothing else there.
+struct common_options {
+  std::string output;
+  bool quiet = false;
+  bool json = false;
+  bool force = false;
+};
+
+/// A line for people, on standard error; nothing where they asked for quiet.
+void say(const common_options& o, const std::string& line);
+
+struct make_options : common_options {
+  source_options source;
+  wishes wanted;
+  std::string display;  ///< for titles
+  bool anyway = false;  ///< solve although the measurements are not worth it
+};
+
+struct import_options : common_options {
+  source_options source;
+  std::string calibration;  ///< a .cal file to write; empty: none
+};
+
+struct check_options : common_options {
+  source_options source;
+  std::string settings;  ///< of a job to judge, too; empty: none
+  bool strict = false;
+};
+
+struct chart_options : common_options {
+  std::size_t levels = 17;
+  std::size_t verify = 0;
+  std::string ramps = "measured";
+  std::string format = "ti1";
+};
+
+struct solve_options : common_options {
+  std::string settings;
+};
+
+struct export_verb_options : common_options {
+  std::string folder;
+  export_options how;
+};
+
+struct predict_options : common_options {
+  std::string measurements, settings, tables;
+  std::optional<int> numsegs;
+  bool invert = false;
+};
+
+/// Each does its work and gives the status; what keeps it from being done is thrown as `failure`.
+int run_make(make_options o);
+int run_import(const import_options& o);
+int run_check(const check_options& o);
+int run_chart(const chart_options& o);
+int run_solve(const solve_options& o);
+int run_export(const export_verb_options& o);
+int run_predict(const predict_options& o);
+
+}  // namespace corvantile::kit
