@@ -76,7 +76,7 @@ std::string calibration_note(calibration_use use) {
     case calibration_use::none:
       break;
   }
-  return "No calibration was in effect while measuring.";
+  return "Entries are the table alone: no calibration was in effect while measuring, or none is to be looked at.";
 }
 
 void refuse_format(std::string_view format, std::string_view why) {

@@ -53,7 +53,7 @@ matrix compose_calibration(const std::array<lut, 3>& cal, matrix table);
 
 /// How a file's entries stand to a calibration that was in effect while the display was measured.
 enum class calibration_use {
-  none,      ///< there was none, or it was the identity
+  none,      ///< there was none, it was the identity, or it is to be left out of account
   composed,  ///< the entries are cal(table(x))
   in_force   ///< the entries are the table alone
 };
