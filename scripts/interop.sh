@@ -52,7 +52,7 @@ cp examples/two_table/expected/matrix.txt "$top/jobs/two_table"
 echo "Refused:"
 for job in "$top"/jobs/*; do
   "$bin/write_all" "$job" "$job/measurements.txt" "$job/right" | sed "s|^|  ${job##*/}: |"
-  for mistake in swapped transposed; do
+  for mistake in swapped transposed display_swapped display_transposed; do
     "$bin/write_all" "$job" "$job/measurements.txt" "$job/$mistake" $mistake >/dev/null
   done
 done

@@ -2,10 +2,12 @@
 """Lets other people's programs read what the writers wrote, and compares with the tables that were to be written.
 
 Usage: judge.py SCRATCH JOB...      a job is a folder with the tables, measurements.txt, and the formats under
-                                    right/, swapped/ (red and blue) and transposed/ (matrices)
+                                    right/ and, with a mistake each, swapped/ (red and blue of the tables),
+                                    transposed/ (their matrix), display_swapped/, display_transposed/ (the display that
+                                    profiles tell of)
 
-Every format under right/ must pass. What swapped/ and transposed/ hold must be rejected, unless it is the same, and so
-must every file of right/ cut short. Prints what each judge measured.
+Every format under right/ must pass. What the others hold must be rejected, unless it is the same, and so must every
+file of right/ cut short; SCRATCH/rejections.txt says why each was. Prints what each judge measured.
 """
 import ctypes
 import json
@@ -232,7 +234,6 @@ def judge_by_lcms(profile, job):
 
 def judge_monitor_icc(folder, job):
     """ArgyllCMS compares the profile with every measured patch."""
-    said = judge_profile(folder / "monitor.icc", job)
     rows = measured(job)
     lines = ["CTI3   ", 'DESCRIPTOR "A display"', 'ORIGINATOR "judge"', 'CREATED "today"', 'DEVICE_CLASS "DISPLAY"',
              'COLOR_REP "RGB_XYZ"', 'NORMALIZED_TO_Y_100 "YES"', "NUMBER_OF_FIELDS 7", "BEGIN_DATA_FORMAT",
@@ -245,6 +246,7 @@ def judge_monitor_icc(folder, job):
     verdict = run("profcheck", "-k", SCRATCH / "measured.ti3", folder / "monitor.icc")
     most, mean = (float(v) for v in re.search(r"max\. = ([\d.]+), avg\. = ([\d.]+)", verdict).groups())
     require(mean < 0.6 and most < 3, f"profcheck: CIEDE2000 {mean} on average, {most} at most")
+    said = judge_profile(folder / "monitor.icc", job)
     return said + f"; profcheck: CIEDE2000 {mean:.2f} on average, {most:.2f} at most over {len(rows)} patches"
 
 
@@ -493,11 +495,26 @@ for layout in ("", "interleaved", "packed"):
 
 # ---- The session ----
 
+MISTAKES = ("swapped", "transposed", "display_swapped", "display_transposed")
+
+
+def to_be_tried(kind):
+    """The mistakes that a format can hold."""
+    if kind == "mhc2":
+        return MISTAKES
+    if kind == "monitor-icc":
+        return MISTAKES[2:]
+    if kind.startswith("icc"):
+        return ("swapped", *MISTAKES[2:])
+    return ("swapped",) if kind in ("cube", "cal") else ("swapped", "transposed")
+
+
 def verdict(kind, folder, job):
-    """What was measured, or why it was rejected. A judge that cannot read a file rejects it, however it says so."""
+    """What was measured, or why it was rejected: by a judge's word, or because the file could not be parsed. Anything
+    else is a mistake of this script, and ends it."""
     try:
         return True, JUDGES[kind](folder, job)
-    except Exception as e:  # pylint: disable=broad-except
+    except (Rejected, ocio.Exception, ValueError, KeyError, struct.error, subprocess.TimeoutExpired) as e:
         return False, f"{type(e).__name__}: {e}"
 
 
@@ -528,12 +545,14 @@ def judge_format(kind, job, seen):
     passed, said = verdict(kind, right, job)
     faults = [] if passed else [f"{kind} of {job.folder.name}: {said}"]
     wrong = []
-    for mistake in ("swapped", "transposed"):
+    for mistake in MISTAKES:
         folder = job.folder / mistake / kind
         if folder.exists() and not same(right, folder):  # a writer may have refused it, or have nothing to confuse
             wrong.append((mistake, folder, verdict(kind, folder, job)))
     wrong += [(name, folder, verdict(kind, folder, job)) for name, folder in cut_short(right)]
     for name, _, (accepted, what) in wrong:
+        with (SCRATCH / "rejections.txt").open("a") as log:
+            log.write(f"{job.folder.name} {kind} {name}: {' '.join(what.split())[:200]}\n")
         seen.setdefault(kind, set()).add(name if " cut " not in name else "truncated")
         if accepted:
             faults.append(f"{kind} of {job.folder.name}: {name} was not noticed ({what})")
@@ -550,10 +569,9 @@ def main():
             if (job.folder / "right" / kind).exists():
                 faults += judge_format(kind, job, seen)
     for kind in JUDGES:
-        without_matrix = kind in ("cube", "cal")
-        needed = {"swapped", "truncated"} | (set() if without_matrix else {"transposed"})
-        if not needed <= seen.get(kind, set()):
-            faults.append(f"{kind}: not tried: {', '.join(sorted(needed - seen.get(kind, set())))}")
+        untried = {"truncated", *to_be_tried(kind)} - seen.get(kind, set())
+        if untried:
+            faults.append(f"{kind}: not tried: {', '.join(sorted(untried))}")
     for fault in faults:
         print("FAULT", fault)
     return 1 if faults else 0

@@ -1,10 +1,11 @@
 // write_all: writes every format that can hold a correction, for scripts/interop.sh, and says which refused it.
-// Usage: write_all TABLES MEASUREMENTS OUT [swapped | transposed]
+// Usage: write_all TABLES MEASUREMENTS OUT [MISTAKE]
 //   TABLES        a folder with the tables of a job
 //   MEASUREMENTS  its measurement file, for the profiles
 //   OUT           a folder; each format gets one of its own in it
-//   swapped       writes what a program that confuses red and blue would
-//   transposed    ... and one that confuses rows and columns of matrices
+//   MISTAKE       swapped: writes what a program that confuses red and blue would; transposed: and one that confuses
+//                 rows and columns of the matrix; display_swapped, display_transposed: the same for the display that
+//                 profiles tell of, with the tables as they should be
 
 #include <cstdio>
 #include <filesystem>
@@ -140,10 +141,12 @@ void make_mistake(std::string_view mistake, table_set& tables, profiled_display&
   if (mistake == "swapped") {
     swap_red_and_blue(tables.post);
     if (tables.two_tables) swap_red_and_blue(tables.pre);
-    swap_red_and_blue(display.curves);
-    std::swap(display.colorants.col[0], display.colorants.col[2]);
   } else if (mistake == "transposed") {
     tables.mix = transposed(tables.mix);
+  } else if (mistake == "display_swapped") {
+    swap_red_and_blue(display.curves);
+    std::swap(display.colorants.col[0], display.colorants.col[2]);
+  } else if (mistake == "display_transposed") {
     display.colorants = transposed(display.colorants);
   }
 }
@@ -155,7 +158,7 @@ int main(int argc, char** argv) {
   using namespace corvantile;
   const std::vector<std::string> words(argv + 1, argv + argc);
   if (words.size() != 3 && words.size() != 4) {
-    std::fprintf(stderr, "Usage: write_all TABLES MEASUREMENTS OUT [swapped | transposed]\n");
+    std::fprintf(stderr, "Usage: write_all TABLES MEASUREMENTS OUT [MISTAKE]\n");
     return 2;
   }
   try {
