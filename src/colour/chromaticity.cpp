@@ -9,8 +9,7 @@ namespace {
 // Where the iso-temperature lines of the exponential formula meet.
 constexpr vec2 epicentre{{0.3366, 0.1735}};
 
-vec2 unit(const vec2& d) { return d / std::sqrt(d[0] * d[0] + d[1] * d[1]); }
-double dot(const vec2& a, const vec2& b) { return a[0] * b[0] + a[1] * b[1]; }
+vec2 unit(const vec2& d) { return d / length(d); }
 
 matrix each_row(vec2 (*kernel)(const vec2&), const matrix& in) {
   matrix out(in.rows(), 2);

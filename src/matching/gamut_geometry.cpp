@@ -11,8 +11,6 @@ namespace corvantile {
 
 namespace {
 
-double length(const vec2& d) { return std::sqrt(d[0] * d[0] + d[1] * d[1]); }
-
 bool within_both(const intersection& i) { return i.t >= 0 && i.s >= 0 && i.t <= 1 && i.s <= 1; }
 
 /// Edge i of a triangle runs from vertex i to the next: for a gamut red-green, green-blue, blue-red.

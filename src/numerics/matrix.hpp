@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -39,6 +40,9 @@ constexpr vec3 operator-(const vec3& a, const vec3& b) { return {{a[0] - b[0], a
 constexpr vec3 operator*(double r, const vec3& a) { return {{r * a[0], r * a[1], r * a[2]}}; }
 constexpr vec3 operator/(const vec3& a, double r) { return {{a[0] / r, a[1] / r, a[2] / r}}; }
 
+constexpr double dot(const vec2& a, const vec2& b) { return a[0] * b[0] + a[1] * b[1]; }
+inline double length(const vec2& a) { return std::sqrt(dot(a, a)); }
+
 /// Squared Euclidean distance.
 constexpr double dist2(const vec3& a, const vec3& b) {
   const vec3 d = a - b;
@@ -61,6 +65,12 @@ constexpr vec3 operator*(const mat3& m, const vec3& x) {
 constexpr mat3 operator*(const mat3& a, const mat3& b) { return {{a * b.col[0], a * b.col[1], a * b.col[2]}}; }
 constexpr mat3 operator*(const mat3& m, double r) { return {{r * m.col[0], r * m.col[1], r * m.col[2]}}; }
 constexpr mat3 operator/(const mat3& m, double r) { return {{m.col[0] / r, m.col[1] / r, m.col[2] / r}}; }
+
+/// Expanded along the first row.
+constexpr double determinant(const mat3& m) {
+  const auto& [a, b, c] = m.col;
+  return a[0] * (b[1] * c[2] - b[2] * c[1]) - b[0] * (a[1] * c[2] - a[2] * c[1]) + c[0] * (a[1] * b[2] - a[2] * b[1]);
+}
 
 /// An r x c matrix in column-major order: element (i, j) is `data()[i + j * rows()]`, counted from 0.
 /// A batch of samples has one sample per row.
