@@ -15,15 +15,12 @@
 namespace corvantile {
 namespace {
 
-// The angle a with sin(a)^2 = s. A negative s, whose root is not a number, starts at full drive like one above 1.
-double angle_of(double s) {
-  const double root = std::sqrt(s);
-  return root < 1 ? std::asin(root) : std::numbers::pi / 2;
-}
+// Where a search starts for a starting value: a negative one or none at all at full drive, like one above 1.
+double start_of(double value) { return angle_of(value, std::numbers::pi / 2); }
 
 template <class Cost>
 inversion invert(const Cost& cost, const vec3& start, double enough) {
-  const auto best = neldermead(cost, std::array{angle_of(start[0]), angle_of(start[1]), angle_of(start[2])},
+  const auto best = neldermead(cost, std::array{start_of(start[0]), start_of(start[1]), start_of(start[2])},
                                {.scale = 0.05, .tol = 1e-14, .maxit = 100000, .enough = enough});
   return {{{square_of_sine(best.xmin[0]), square_of_sine(best.xmin[1]), square_of_sine(best.xmin[2])}}, best.fmin};
 }

@@ -1,5 +1,5 @@
 #pragma once
-// The two array helpers of the Nelder-Mead minimiser.
+// Array helpers: the sort of the Nelder-Mead minimiser, and the identity matrix, which is held ready.
 
 #include <cstddef>
 #include <span>
