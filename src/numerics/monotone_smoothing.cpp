@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 
 #include "numerics/neldmead.hpp"
 #include "numerics/packed_curve.hpp"
@@ -108,6 +109,7 @@ double monotone_fit::cost(std::span<const double> p) {
 
 ppoly pp_iba(std::span<const double> x, std::span<const double> y, std::optional<int> n, double minslope) {
   const std::size_t npts = n && *n >= 0 ? static_cast<std::size_t>(*n) + 1 : 6;
+  if (npts < 2) return makeppoly({0.0, 1.0}, {makepoly({std::numeric_limits<double>::quiet_NaN()})});
   monotone_fit fit(x, y, npts, minslope);
   const std::vector<double> p0 = fit.starting_point();
   const auto fitted = [&fit](const auto& start) {

@@ -62,7 +62,8 @@ class monotone_fit {
 
 /// The monotone smoothing curve through the samples (x, y): `n` pieces (5 when absent or negative), slopes of at
 /// least `minslope` before the final division by f(1), so that f(0) = 0 and f(1) = 1 (the latter to an ulp: the
-/// pieces are scaled by a reciprocal). Least squares without weights. Where f(1) = 0 the result is not finite.
+/// pieces are scaled by a reciprocal). Least squares without weights. Where f(1) = 0, or without pieces (n = 0), the
+/// result is not finite.
 ppoly pp_iba(std::span<const double> x, std::span<const double> y, std::optional<int> n = {}, double minslope = 0.0);
 
 }  // namespace corvantile

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <random>
 
+#include "monitor/prepared.hpp"
 #include "monitor/synthetic_monitor.hpp"
 #include "tests/monitor/fitted.hpp"
 
@@ -48,6 +49,17 @@ TEST(Transforms, PreparedMonitorsHaveTheBitsOfTheGeneralRoutinesAndInputsComeBac
       EXPECT_LT(dist2(quad_out2mon(mon, quadmon2out_vec(mon, inside)), inside), 1e-10);
     }
   }
+  // Curves that no fit makes are asked in the plain way.
+  monitor bent = composite, empty = plain;
+  bent.inpcurve[1] = pp_to_power(bent.inpcurve[1], 2);
+  bent.zcurve[2] = pp_to_power(bent.zcurve[2], 2);
+  empty.xcurve[0] = {};
+  const vec3 u{{0.2, 0.5, 0.7}};
+  EXPECT_EQ(prepared_monitor(bent).inp2mon(u), inp2mon_vec(bent, u));
+  EXPECT_EQ(prepared_monitor(bent).mon2out(u), mon2out_vec(bent, u));
+  EXPECT_EQ(prepared_monitor(bent).mon2inp(u), mon2inp_vec(bent, u));
+  EXPECT_TRUE(std::isnan(prepared_monitor(empty).mon2out(u)[0]));
+  EXPECT_EQ(prepared_monitor(empty).mon2out(u)[1], mon2out_vec(empty, u)[1]);
   EXPECT_EQ(mon2inp_vec(plain, {{2, 2, 2}})[1], 1 - 0x1p-40) << "out of reach: the last midpoint before the bound";
   EXPECT_EQ(inp2mon_vec(composite, {{1, 0, 1}}), inp2mon_vec(plain, femap_vec(composite.fe, {{1, 0, 1}})));
   double error = 0;

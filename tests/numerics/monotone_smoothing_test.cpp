@@ -9,6 +9,9 @@
 
 namespace corvantile {
 
+// On other knots than a fit, some in between and one in common.
+const ppoly other = makeppoly({-1, 0.1, 0.5, 0.55}, {makepoly({1, 2}), makepoly({3}), makepoly({0, 1, 2, 3})});
+
 TEST(MonotoneFit, CostHasTheBitsOfTheGeneralAlgebra) {
   std::mt19937 random(5);
   std::normal_distribution<double> normal;
@@ -24,10 +27,13 @@ TEST(MonotoneFit, CostHasTheBitsOfTheGeneralAlgebra) {
     monotone_fit fit(x, y, npts, 0.1 * (trial % 3));
     const ppoly f = fit.make_func(p), scaled = f / ppval(f, 1.0);  // no longer continuous to the last bit
     const packed_curve packed(scaled);
+    const packed_pair pair(scaled, other);
     double sum = 0;
     for (std::size_t i = 0; i < x.size(); ++i) {
       sum += (y[i] - ppval(f, x[i])) * (y[i] - ppval(f, x[i]));
       ASSERT_EQ(packed(x[i]), ppval(scaled, x[i])) << x[i];
+      ASSERT_EQ(pair(x[i])[0], ppval(scaled, x[i])) << x[i];
+      ASSERT_EQ(pair(x[i])[1], ppval(other, x[i])) << x[i];
     }
     ASSERT_EQ(fit.cost(p), sum) << npts << " knots";
   }
@@ -45,6 +51,7 @@ TEST(MonotoneSmoothing, KeepsWhatItCanExpress) {
   const ppoly line = pp_iba(x, x);
   EXPECT_EQ(line.knots, (std::vector<double>{0, 0.2, 2 / 5.0, 3 / 5.0, 0.8, 1})) << "5 pieces unless told otherwise";
   EXPECT_EQ(pp_iba(x, x, -1), line) << "so does a negative number of them";
+  EXPECT_TRUE(std::isnan(ppval(pp_iba(x, x, 0), 0.5))) << "no pieces, no curve";
   // Flat samples leave nothing but the least slope, and normalisation makes that x itself.
   const ppoly flat = pp_iba(x, std::vector<double>(17), 4, 0.2);
   for (const double at : x) EXPECT_NEAR(std::abs(ppval(line, at) - at) + std::abs(ppval(flat, at) - at), 0, 1e-6);
