@@ -8,6 +8,7 @@
 #   cppcheck   cppcheck finds nothing (.cppcheck-suppressions says what is let pass)
 #   coverage   lines of src/ that the tests reach; reports, judges nothing
 #   interop    other people's programs read what the format writers write (scripts/interop.sh)
+#   speed      the benchmarks build, and the usual jobs take no more instructions than scripts/bench_counts.txt says
 #   fuzz       each fuzz target for FUZZ_SECONDS (default 20) seconds
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -68,11 +69,18 @@ interop() {
   scripts/interop.sh
 }
 
+speed() {
+  scripts/setup.sh libbenchmark-dev
+  cmake --preset bench >/dev/null
+  cmake --build --preset bench --parallel "$jobs"
+  scripts/bench.sh --check
+}
+
 fuzz() {
   scripts/fuzz.sh "${FUZZ_SECONDS:-20}"
 }
 
-all=(format clang sanitize tidy cppcheck coverage interop fuzz)
+all=(format clang sanitize tidy cppcheck coverage interop speed fuzz)
 steps=("$@")
 [ ${#steps[@]} -gt 0 ] || steps=("${all[@]}")
 for step in "${steps[@]}"; do
