@@ -107,8 +107,9 @@ struct neglum {
 ramp_top bcgtw(const prepared_monitor& mon, double T, double hwid) {
   const locus_swath swath = cct_segment(T, hwid);
   unfinished_top latest;
-  neldermead(neglum{mon, swath, latest}, std::array{std::numbers::pi / 6},
-             {.scale = 0.001, .tol = 1e-14, .maxit = 10000});
+  // A quarter of the way: the angle whose sine squared is 0.25 exactly, an ulp from pi / 6 as rounded.
+  constexpr double quarter = 0.5235987755982989;
+  neldermead(neglum{mon, swath, latest}, std::array{quarter}, {.scale = 0.001, .tol = 1e-14, .maxit = 10000});
   return last_step(mon, latest.base, latest.k);
 }
 
