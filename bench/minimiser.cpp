@@ -1,0 +1,60 @@
+// The simplex search on costs that cost next to nothing.
+
+#include <algorithm>
+#include <array>
+#include <benchmark/benchmark.h>
+#include <cmath>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "bench/valley.hpp"
+#include "numerics/neldmead.hpp"
+
+namespace corvantile::bench {
+namespace {
+
+template <class Cost, class Start>
+void search(benchmark::State& state, const Cost& cost, const Start& start, const nm_settings& set) {
+  std::int64_t evals = 0;
+  for (auto _ : state) {
+    const auto found = neldermead(cost, start, set);
+    evals = found.evals;
+    benchmark::DoNotOptimize(found);
+  }
+  state.counters["evals"] = static_cast<double>(evals);
+}
+
+void simplex_of_fixed_size(benchmark::State& state) {
+  search(state, valley, valley_start, {.tol = valley_tolerance});
+}
+BENCHMARK(simplex_of_fixed_size);
+
+// Argument: the dimension, as known at run time only.
+void simplex_of_run_time_size(benchmark::State& state) {
+  std::vector<double> start(static_cast<std::size_t>(state.range(0)));
+  for (std::size_t i = 0; i < start.size(); ++i) start[i] = valley_start[i % valley_start.size()];
+  search(state, valley, std::span<const double>(start), {.tol = valley_tolerance});
+}
+BENCHMARK(simplex_of_run_time_size)->Arg(3)->Arg(6)->Arg(13)->Arg(65)->Unit(benchmark::kMicrosecond);
+
+// A cost in steps: vertices of equal value, which every iteration has to sort in full.
+void simplex_with_ties(benchmark::State& state) {
+  const auto steps = [](std::span<const double> x) { return std::floor(1e3 * valley(x)); };
+  search(state, steps, valley_start, {.tol = -1, .maxit = 1000, .skip_cycles = false});
+}
+BENCHMARK(simplex_with_ties)->Unit(benchmark::kMicrosecond);
+
+// A cost whose rounding noise no tolerance allows for: the search repeats itself until it is stopped, or noticed.
+void stalled_simplex(benchmark::State& state) {
+  const auto noisy = [](std::span<const double> x) {
+    double sum = 1;
+    for (const double v : x) sum += std::pow(3000 * (std::sin(v + 0.3) - 0.1), 2);
+    return sum;
+  };
+  search(state, noisy, std::array{0.5, 0.1, 0.2}, {.scale = 0.05, .tol = 1e-18, .maxit = 100000});
+}
+BENCHMARK(stalled_simplex)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+}  // namespace corvantile::bench
