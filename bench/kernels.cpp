@@ -26,7 +26,7 @@ const monitor& display() {
 // A colour in the middle of the gamut, off the gray axis.
 vec3 some_colour() { return inp2out_vec(display(), {{0.4, 0.55, 0.7}}); }
 
-// Argument of the three that smooth: samples in the curve.
+// Argument of the two that smooth: samples in the curve.
 struct tone_samples {
   explicit tone_samples(std::int64_t n) : x(linspace(0, 1, static_cast<std::size_t>(n))), y(x) {
     const simulated_display d = subject(17);
