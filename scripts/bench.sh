@@ -6,6 +6,7 @@
 #          turn, medians
 #        scripts/bench.sh --check
 #          holds the instructions to scripts/bench_counts.txt
+# shellcheck disable=SC2046  # a job's arguments are words
 set -euo pipefail
 cd "$(dirname "$0")/.."
 other=${1:-}
