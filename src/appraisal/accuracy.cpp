@@ -51,11 +51,8 @@ accuracy_figures accuracy_of(const monitor& mon, const measurements& samples) {
 
   const prediction_figures f = summarize(unseen);
   accuracy_figures a{f.all, f.near_gray, summarize(predict_rows(mon, gray)).all, {}};
-  const std::size_t shown = std::min<std::size_t>(3, unseen.size());
-  std::ranges::partial_sort(unseen, unseen.begin() + static_cast<std::ptrdiff_t>(shown), std::ranges::greater{},
-                            &prediction::difference);
-  unseen.resize(shown);
-  a.worst = std::move(unseen);
+  std::ranges::sort(unseen, std::ranges::greater{}, &prediction::difference);
+  a.patches = std::move(unseen);
   return a;
 }
 

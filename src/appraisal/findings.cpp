@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -107,10 +108,10 @@ void judge_accuracy(const quality& q, findings& out) {
   out.push_back(
       {"accuracy-white-ramp", level, "along the gray ramp: CIEDE2000 " + figures_text(a.white_ramp),
        level == severity::note || q.derived_ramps ? "" : "try derived ramps, which are made from the grays"});
-  if (a.worst.empty()) return;
+  if (a.patches.empty()) return;
   std::string worst = "the worst predictions, by drive of red / green / blue: ";
-  for (const prediction& p : a.worst) {
-    worst += (&p == a.worst.data() ? "" : "; ") + drive_text(p.drive) + " with " + decimal(p.difference, 2);
+  for (const prediction& p : std::span(a.patches).first(std::min<std::size_t>(3, a.patches.size()))) {
+    worst += (&p == a.patches.data() ? "" : "; ") + drive_text(p.drive) + " with " + decimal(p.difference, 2);
   }
   out.push_back({"worst-patches", severity::note, worst, ""});
 }

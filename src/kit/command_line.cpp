@@ -131,6 +131,26 @@ void add_export(CLI::App& verb, export_verb_options& o) {
   verb.footer(format_list() + "\nExample:\n  corvantile-kit export my-display --format clf -o my-display.clf");
 }
 
+void add_report(CLI::App& verb, report_options& o) {
+  verb.add_option("FOLDER", o.folder, "The folder of a job, as solve and make leave it")->required();
+  verb.add_option("--measured", o.after.source, "A measurement behind the loaded correction, to be shown beside it");
+  verb.add_option("--display", o.display, "The display's name, for the title");
+  add_common(verb, o, "The page (default: report.html in FOLDER)");
+  verb.footer("Example:\n  corvantile-kit report my-display -o report.html");
+}
+
+void add_verify(CLI::App& verb, verify_options& o) {
+  verb.add_option("FOLDER", o.folder, "The folder of a job, as solve and make leave it")->required();
+  verb.add_option("AFTER", o.after.source, "What was measured with the correction loaded: any file that import reads")
+      ->required();
+  verb.add_flag("--strict", o.strict, "End with status 1 where the grays' mean exceeds the limit");
+  verb.add_option("--limit", o.limit, "CIEDE2000 that the grays' mean may have")->capture_default_str();
+  add_common(verb, o, "Where to write the verdict (default: standard output)");
+  verb.footer(
+      "Patches to measure come from 'chart --verify'.\n\n"
+      "Example:\n  corvantile-kit verify my-display verify.ti3 --strict");
+}
+
 void add_predict(CLI::App& verb, predict_options& o) {
   verb.add_option("MEASUREMENTS", o.measurements, "The measurement file")->required();
   auto* settings = verb.add_option("--settings", o.settings, "Fit as a job with these settings would");
@@ -150,6 +170,8 @@ struct all_options {
   chart_options chart;
   solve_options solve;
   export_verb_options export_;
+  report_options report;
+  verify_options verify;
   predict_options predict;
 };
 
@@ -175,6 +197,8 @@ int run_command_line(int argc, char** argv) {
   verb("chart", "Write the patches to measure", add_chart, o.chart, run_chart);
   verb("solve", "Run a job from a settings file and keep it in a folder", add_solve, o.solve, run_solve);
   verb("export", "Write a job's tables in the format of a device or program", add_export, o.export_, run_export);
+  verb("report", "Show a job as one page", add_report, o.report, run_report);
+  verb("verify", "Judge a measurement behind the loaded correction", add_verify, o.verify, run_verify);
   verb("predict", "Say what the display shows for drive values", add_predict, o.predict, run_predict);
   try {
     kit.parse(argc, argv);

@@ -17,6 +17,7 @@
 #include "kit/imported.hpp"
 #include "kit/job_folder.hpp"
 #include "kit/loading.hpp"
+#include "kit/report_job.hpp"
 #include "kit/targets.hpp"
 #include "kit/verbs.hpp"
 #include "kit/words.hpp"
@@ -129,12 +130,16 @@ int run_make(make_options o) {
   std::vector<text_file> files = files_of(inputs, job);
   for (text_file& f : step("export", [&] { return exports_of(o, job, in.known, notes); }))
     files.push_back(std::move(f));
+  const report_data page = step(
+      "report", [&] { return report_of(job, c, record_of(inputs, job), {.title = o.display, .folder = o.output}); });
+  files.push_back({"report.html", report_page(page)});
   write_everything(o.output, files);
 
   for (const std::string& line : warning_lines(job.result)) say(o, line);
   for (const std::string& note : notes) say(o, "left out: " + note);
   say(o, verdict_of(job));
   say(o, loading_advice(o.output, o.wanted.device, job.names.set.mode));
+  say(o, "The report is " + o.output + "/report.html.");
   if (o.json) {
     nlohmann::ordered_json record = record_of(inputs, job);
     record["folder"] = o.output;

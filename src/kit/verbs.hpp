@@ -75,6 +75,19 @@ struct predict_options : common_options {
   bool invert = false;
 };
 
+struct report_options : common_options {
+  std::string folder;
+  std::string display;   ///< for the title
+  source_options after;  ///< a measurement behind the loaded tables; no source: none
+};
+
+struct verify_options : common_options {
+  std::string folder;
+  source_options after;
+  bool strict = false;
+  double limit = 1.5;  ///< CIEDE2000, mean of the grays, under `strict`
+};
+
 /// Each does its work and gives the status; what keeps it from being done is thrown as `failure`.
 int run_make(make_options o);
 int run_import(const import_options& o);
@@ -82,6 +95,8 @@ int run_check(const check_options& o);
 int run_chart(const chart_options& o);
 int run_solve(const solve_options& o);
 int run_export(const export_verb_options& o);
+int run_report(const report_options& o);
+int run_verify(const verify_options& o);
 int run_predict(const predict_options& o);
 
 }  // namespace corvantile::kit

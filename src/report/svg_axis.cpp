@@ -25,7 +25,7 @@ int decimals_of(double step) { return std::max(0, static_cast<int>(std::ceil(-st
 std::string tick_label(double v, int decimals) {
   if (std::abs(v) < 1e7 && decimals <= 6) return number(v, decimals);
   std::array<char, 32> buf;
-  const char* const end = std::to_chars(buf.data(), buf.data() + buf.size(), v, std::chars_format::general, 3).ptr;
+  char* const end = std::to_chars(buf.data(), buf.data() + buf.size(), v, std::chars_format::general, 3).ptr;
   return {buf.data(), end};
 }
 

@@ -45,8 +45,8 @@ TEST(Check, TellsTheFiguresOfADisplayThatIsKnown) {
   EXPECT_NEAR(q.gamut[0].coverage, 1, 1e-6);
   EXPECT_EQ(q.accuracy.unseen.n, 40 + 3 * 16u) << "and the mixed ramps, without their dark";
   EXPECT_LT(q.accuracy.unseen.mean, 0.2);
-  EXPECT_EQ(q.accuracy.worst[0].difference, q.accuracy.unseen.max);
-  EXPECT_GE(q.accuracy.worst[0].difference, q.accuracy.worst[1].difference);
+  EXPECT_EQ(q.accuracy.patches[0].difference, q.accuracy.unseen.max);
+  EXPECT_GE(q.accuracy.patches[0].difference, q.accuracy.patches[1].difference);
   for (const double w : q.wandering) EXPECT_LT(w, 1e-6);
   EXPECT_LT(q.noise.bright, 0.01);
 }

@@ -1,0 +1,108 @@
+#include "kit/report_job.hpp"
+
+#include <cmath>
+
+#include "kit/dates.hpp"
+#include "kit/words.hpp"
+#include "report/gather.hpp"
+#include "utils/text.hpp"
+#include "utils/version.hpp"
+
+namespace corvantile::kit {
+namespace {
+
+std::string white_in_words(const settings& set) {
+  const auto xy = [](const vec2& v) { return "x " + decimals(v[0], 4) + ", y " + decimals(v[1], 4); };
+  if (!matches_gray(set.mode)) return "white at " + xy(set.xytable.white);
+  if (set.temp >= 0) return "grays at " + decimals(set.temp, 0) + " K";
+  return set.white ? "grays at " + xy(*set.white) : "grays of the display's own white";
+}
+
+std::string target_in_words(const profile& p) {
+  const std::string curve = p.gamfile.empty() ? "gamma " + decimals(p.set.gamma, 2) : "the curve of a gamma file";
+  const std::string primaries =
+      !solves_two_tables(p.set.mode) ? "the display's own primaries"
+      : p.set.xytable.red == srgb.red && p.set.xytable.green == srgb.green && p.set.xytable.blue == srgb.blue
+          ? "sRGB primaries"
+          : "primaries as asked for";
+  return primaries + ", " + curve + ", " + white_in_words(p.set);
+}
+
+trust_record trust_of(const solved_job& job, const checked& measured, const report_wishes& wishes) {
+  const quality& q = measured.figures;
+  trust_record trust;
+  std::vector<finding> findings = q.findings;
+  for (finding& f : findings_of_job(job.names.set, job.result, job.figures)) findings.push_back(std::move(f));
+  sort_findings(findings);
+  for (const finding& f : findings)
+    trust.findings.push_back({f.id, std::string(name_of(f.level)), f.message, f.action});
+  for (const prediction& p : q.accuracy.patches) trust.unseen.push_back({p.drive, p.difference});
+  trust.additivity = 1 + q.additivity;
+  trust.noise = q.noise.middle / 100;
+  if (q.repeat_spread) trust.spread = *q.repeat_spread;
+  trust.ramps = measured.known.ramps.empty() ? "The ramps of the file were taken as they are."
+                                             : "Red, green and blue ramps: " + measured.known.ramps + ".";
+  trust.how_to_measure =
+      "corvantile-kit chart --verify 50 -o verify.ti1, measure it with the correction loaded, then corvantile-kit "
+      "verify " +
+      wishes.folder + " verify.ti3";
+  return trust;
+}
+
+// "key = value" lines of a settings group, without their comments.
+std::vector<text_pair> settings_of(const profile& p) {
+  std::vector<text_pair> pairs;
+  const std::string text = profile_text(p);
+  number_scanner lines(text);
+  while (const auto line = lines.next_line()) {
+    const std::size_t equals = line->find(" = ");
+    if (equals == std::string_view::npos) continue;
+    pairs.push_back({std::string(line->substr(2, equals - 2)), std::string(line->substr(equals + 3))});
+  }
+  return pairs;
+}
+
+remake_record remake_of(const solved_job& job, const nlohmann::ordered_json& record, const report_wishes& wishes) {
+  remake_record remake;
+  remake.settings = settings_of(job.names);
+  for (const char* part : {"inputs", "tables"})
+    for (const auto& [name, sum] : record[part].items()) remake.checksums.push_back({name, sum.get<std::string>()});
+  remake.version = "corvantile-kit " CORVANTILE_VERSION;
+  remake.command = "cd " + wishes.folder + " && Corvantile < settings.txt";
+  return remake;
+}
+
+}  // namespace
+
+report_data report_of(const solved_job& job, const checked& measured, const nlohmann::ordered_json& record,
+                      const report_wishes& wishes) {
+  report_data data = gather_report(source_of(job.result, job.names.set));
+  const std::string known = measured.known.display.empty() ? measured.known.source : measured.known.display;
+  data.display = !wishes.title.empty() ? wishes.title : known.empty() ? "Display" : known;
+  data.mode = name_of(job.names.set.mode);
+  data.target = target_in_words(job.names);
+  if (!measured.known.absolute.value_or(true)) data.unit = "relative";
+  data.date = date_text(now());
+  data.trust = trust_of(job, measured, wishes);
+  data.remake = remake_of(job, record, wishes);
+  return data;
+}
+
+void add_measured(report_data& data, const solved_job& job, const checked& measured, const readings& after) {
+  gather_measured(data, source_of(job.result, job.names.set), after.rows);
+  if (!data.measured) return;
+  std::vector<std::string>& diagnosis = data.measured->diagnosis;
+  if (after.calibration && !measured.known.calibration) {
+    diagnosis.push_back(
+        "A video calibration was in effect during this measurement, but not during the first: it acts on top of the "
+        "correction. Clear it (dispwin -c) and measure again.");
+  }
+  if (!after.calibration && measured.known.calibration) {
+    diagnosis.push_back(
+        "The first measurement went through a video calibration, this one did not: formats that leave the "
+        "calibration "
+        "in force need it loaded.");
+  }
+}
+
+}  // namespace corvantile::kit
