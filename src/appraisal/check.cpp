@@ -2,9 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
+#include <string_view>
+#include <utility>
 
 #include "colour/chromaticity.hpp"
+#include "job/judgements.hpp"
 #include "readings/ramps.hpp"
 
 namespace corvantile {
@@ -60,6 +64,29 @@ void sort_findings(std::vector<finding>& findings) {
   std::ranges::stable_sort(findings, std::ranges::greater{}, &finding::level);
 }
 
+void merge_findings(std::vector<finding>& findings, std::vector<finding> more) {
+  std::erase_if(more, [&](const finding& m) {
+    return std::ranges::any_of(findings, [&](const finding& f) { return f.id == m.id && f.level >= m.level; });
+  });
+  std::erase_if(findings,
+                [&](const finding& f) { return std::ranges::find(more, f.id, &finding::id) != more.end(); });
+  std::ranges::move(more, std::back_inserter(findings));
+  sort_findings(findings);
+}
+
+finding finding_of(const warning& w) {
+  const auto id = [](caution kind) -> std::string_view {
+    if (kind == caution::zeros_differ) return "dark-spread";
+    if (kind == caution::channels_do_not_add) return "additivity";
+    if (kind == caution::too_many_pieces) return "numsegs";
+    return name_of(kind);
+  };
+  // The last sentence says what to do.
+  const std::size_t stop = w.message.rfind(". ");
+  if (stop == std::string::npos) return {std::string(id(w.kind)), severity::warning, w.message, ""};
+  return {std::string(id(w.kind)), severity::warning, w.message.substr(0, stop), w.message.substr(stop + 2)};
+}
+
 quality check_measurements(const measurements& samples, const provenance& known) {
   const monitor mon = makemonitor(samples, 5);
   quality q;
@@ -86,7 +113,8 @@ quality check_measurements(const measurements& samples, const provenance& known)
   q.white_cct = xyz2cct(q.white_xy);
   q.white_from_d65 = uv1976_distance(q.white_xy, d65);
   q.gamut = compare_gamut(native);
-  q.numsegs = numsegs_carried(mon);
+  q.numsegs = largest_numsegs(mon);
+  q.warnings = judge(samples, mon);
   q.findings = findings_of(q);
   return q;
 }

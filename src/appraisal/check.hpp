@@ -9,6 +9,7 @@
 #include "appraisal/accuracy.hpp"
 #include "appraisal/gamut.hpp"
 #include "appraisal/ramp_figures.hpp"
+#include "job/warning.hpp"
 #include "monitor/measurements.hpp"
 #include "readings/provenance.hpp"
 
@@ -31,6 +32,12 @@ struct finding {
 /// Puts the worst first; of one severity in the order in which they were found.
 void sort_findings(std::vector<finding>& findings);
 
+/// Joins both, worst first. Of an identifier that both have, what is said more severely stays, or came first.
+void merge_findings(std::vector<finding>& findings, std::vector<finding> more);
+
+/// A job's warning as a finding, with the identifier that a check of the measurements has for the same thing.
+finding finding_of(const warning& w);
+
 /// What `check_measurements` finds out. Spreads are fractions, 0.01 being 1 %.
 struct quality {
   bool derived_ramps = false;
@@ -47,7 +54,8 @@ struct quality {
   double white_cct = 0;       ///< kelvin
   double white_from_d65 = 0;  ///< distance in CIE 1976 u'v'
   std::array<gamut_comparison, 4> gamut;
-  int numsegs = 0;                ///< see `numsegs_carried`
+  int numsegs = 0;                ///< see `largest_numsegs`
+  std::vector<warning> warnings;  ///< what a job with these measurements would warn of before it solves
   provenance known;               ///< as given
   std::vector<finding> findings;  ///< worst first
 };

@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "appraisal/check.hpp"
@@ -140,13 +141,12 @@ void judge_ramps(const quality& q, findings& out) {
        "the colour of gray wanders by " + decimal(q.wandering[0], 4) + " in u'v' between white and 5 % of its light",
        ""});
 
-  const std::string pieces = "the levels carry up to " + std::to_string(q.numsegs) + " pieces of a curve (numsegs)";
-  if (q.numsegs >= 5) {
-    out.push_back({"numsegs", severity::note, pieces, ""});
+  if (q.numsegs < 3) {
+    out.push_back({"numsegs", severity::warning, "the levels carry no fit: between them the curves are guesses",
+                   "measure more levels, 17 at least"});
   } else {
-    out.push_back({"numsegs", severity::warning,
-                   pieces + ": with the default 5, curves swing freely between readings",
-                   "set numsegs=" + std::to_string(q.numsegs) + ", or measure more levels, 17 at least"});
+    out.push_back({"numsegs", severity::note,
+                   "the levels carry up to " + std::to_string(q.numsegs) + " pieces of a curve (numsegs)", ""});
   }
 }
 
@@ -218,7 +218,9 @@ std::vector<finding> findings_of(const quality& q) {
                            judge_source, describe_display}) {
     judge(q, out);
   }
-  sort_findings(out);
+  std::vector<finding> warned;
+  for (const warning& w : q.warnings) warned.push_back(finding_of(w));
+  merge_findings(out, std::move(warned));
   return out;
 }
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <span>
 #include <vector>
 
 #include "appraisal/gamut.hpp"
@@ -46,16 +45,6 @@ double residual(const lightness_ramp& r, std::size_t i) {
   return off / std::sqrt(magnified);
 }
 
-// Whether each of `n` even pieces of [0, 1] holds a value: piece k those above k / n up to (k + 1) / n.
-bool fills(std::span<const double> values, int n) {
-  std::vector<bool> filled(static_cast<std::size_t>(n));
-  for (const double v : values) {
-    if (!(v > 0 && v <= 1 + 1e-9)) continue;
-    filled[std::min(filled.size() - 1, static_cast<std::size_t>(std::ceil(v * n)) - 1)] = true;
-  }
-  return std::ranges::all_of(filled, [](bool f) { return f; });
-}
-
 }  // namespace
 
 noise_figures noise_of(const monitor& mon, std::size_t ramps) {
@@ -89,18 +78,6 @@ std::array<double, 4> wandering_of(const monitor& mon) {
     }
   }
   return farthest;
-}
-
-int numsegs_carried(const monitor& mon) {
-  const auto carried = [&](int n) {
-    for (std::size_t c = 0; c < 3; ++c) {
-      if (!fills(mon.rampin.col(c), n) || !fills(mon.rampy.col(c), n)) return false;
-    }
-    return true;
-  };
-  int n = 1;
-  while (n < 256 && carried(n + 1)) ++n;
-  return n;
 }
 
 }  // namespace corvantile

@@ -23,8 +23,4 @@ noise_figures noise_of(const monitor& mon, std::size_t ramps);
 /// in CIE 1976 u'v' over the levels with at least 5 % of the ramp's light. White, red, green, blue.
 std::array<double, 4> wandering_of(const monitor& mon);
 
-/// The largest count of pieces, up to 256, for which no count up to it leaves a piece of any fitted curve without a
-/// reading: of the tone curves over the drive, and of X and Z over the channel's luminance. At least 1.
-int numsegs_carried(const monitor& mon);
-
 }  // namespace corvantile

@@ -77,17 +77,13 @@ std::string text_of(const quality& q, const std::vector<finding>& findings) {
 }  // namespace
 
 int run_check(const check_options& o) {
+  refuse_to_replace(o.output, o.force);
   const checked c = check_source(o.source);
   std::vector<finding> findings = c.figures.findings;
-  if (!o.settings.empty()) {
-    for (finding& f : plan_findings(read_settings_file(o.settings), c.samples)) findings.push_back(std::move(f));
-    sort_findings(findings);
-  }
-  if (o.json) {
-    write_output("-", record_of(c.figures, findings).dump(2) + '\n', true);
-  } else {
-    write_output(o.output, text_of(c.figures, findings), o.force);
-  }
+  if (!o.settings.empty()) merge_findings(findings, plan_findings(read_settings_file(o.settings), c.samples));
+  if (o.json) write_output("-", record_of(c.figures, findings).dump(2) + '\n', true);
+  const bool named = !o.output.empty() && o.output != "-";
+  if (named || !o.json) write_output(o.output, text_of(c.figures, findings), o.force);
   const bool serious = std::ranges::any_of(findings, [](const finding& f) { return f.level > severity::note; });
   return o.strict && serious ? status::findings : status::done;
 }

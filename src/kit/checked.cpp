@@ -44,9 +44,9 @@ std::vector<finding> plan_findings(const profile& p, const measurements& samples
 
 std::vector<finding> findings_of_job(const settings& set, const correction& result, const outcome& figures) {
   std::vector<finding> findings = check_plan(set, figures);
-  for (const warning& w : result.warnings)
-    findings.push_back({std::string(name_of(w.kind)), severity::warning, w.message, ""});
-  sort_findings(findings);
+  std::vector<finding> warned;
+  for (const warning& w : result.warnings) warned.push_back(finding_of(w));
+  merge_findings(findings, std::move(warned));
   return findings;
 }
 

@@ -102,6 +102,11 @@ TEST(Check, NamesEachFault) {
               {"noise", spoilt(restless), {}, severity::warning},
               {"chromaticity-wander", of({.nX = {{0.3, 0, 0}}}), {}, severity::warning},
               {"numsegs", of({.levels = 4}), {}, severity::warning},
+              {"numsegs",
+               of({.levels = 7, .nX = {{0.1, 0.1, 0.1}}, .nZ = {{0.1, 0.1, 0.1}}, .noise = 0.002}),
+               {},
+               severity::warning},
+              {"ramp-not-to-zero", spoilt([](matrix& d) { d(16, 0) = 5; }), {}, severity::warning},
               {"repeat-spread", unchanged, drifting, severity::error},
               {"white-drift", unchanged, drifting, severity::warning}};
   for (const auto& r : rows) {
