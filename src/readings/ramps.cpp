@@ -55,6 +55,10 @@ double level(const patch& p) { return std::max({p.drive[0], p.drive[1], p.drive[
 
 [[noreturn]] void refuse(const readings& all, const std::string& what) { refuse_content(all.source, what); }
 
+[[noreturn]] void refuse_for_chart(const readings& all, const std::string& what) {
+  refuse(all, what + ". These patches will do: corvantile-kit chart --ramps derived -o chart.ti1");
+}
+
 mat3 full_primaries(const sorted_readings& sorted) {
   const vec3& dark = sorted.dark->xyz;
   return {{sorted.ramp[1].back().xyz - dark, sorted.ramp[2].back().xyz - dark, sorted.ramp[3].back().xyz - dark}};
@@ -77,16 +81,16 @@ void require_essentials(const readings& all, const sorted_readings& sorted) {
   const auto& gray = sorted.ramp[0];
   if (all.rows.empty()) refuse(all, "holds no readings");
   if (gray.size() < 2) {
-    refuse(all, "holds no gray ramp: measure at least five gray levels (R = G = B) from black to white");
+    refuse_for_chart(all, "holds no gray ramp: measure at least five gray levels (R = G = B) from black to white");
   }
   if (!full(0)) {
-    refuse(all, "the brightest gray has a drive of " + percent(level(gray.back()), 2) +
-                    ", expected a white at full drive: measure it too");
+    refuse_for_chart(all, "the brightest gray has a drive of " + percent(level(gray.back()), 2) +
+                              ", expected a white at full drive: measure it too");
   }
-  if (!sorted.dark) refuse(all, "holds no reading at zero drive: measure black (R = G = B = 0) too");
+  if (!sorted.dark) refuse_for_chart(all, "holds no reading at zero drive: measure black (R = G = B = 0) too");
   if (gray.size() + 1 < least_levels) {
-    refuse(all, "the gray ramp has " + std::to_string(gray.size() + 1) +
-                    " levels with black and white, expected at least five: measure more grays (R = G = B)");
+    refuse_for_chart(all, "the gray ramp has " + std::to_string(gray.size() + 1) +
+                              " levels with black and white, expected at least five: measure more grays (R = G = B)");
   }
   std::string missing;
   for (std::size_t c = 0; c < 3; ++c) {
@@ -98,11 +102,13 @@ void require_essentials(const readings& all, const sorted_readings& sorted) {
   }
   const bool alone = std::ranges::all_of(std::span(sorted.ramp).subspan(1), [](const auto& r) { return r.empty(); });
   if (alone && sorted.others.empty()) {
-    refuse(all,
-           "holds a gray ramp alone: add full red, green and blue, for HCFR from the sheet of primaries as a "
-           "second file");
+    refuse_for_chart(
+        all,
+        "holds a gray ramp alone: add full red, green and blue, for HCFR from the sheet of primaries as a "
+        "second file");
   }
-  refuse(all, "no reading of full " + missing + ": measure each primary at full drive with the others at zero");
+  refuse_for_chart(all,
+                   "no reading of full " + missing + ": measure each primary at full drive with the others at zero");
 }
 
 using shared_level = std::array<const patch*, 4>;  // white, red, green, blue
