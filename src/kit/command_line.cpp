@@ -157,6 +157,7 @@ void add_predict(CLI::App& verb, predict_options& o) {
   verb.add_option("--tables", o.tables, "Behind the tables of this folder")->excludes(settings);
   verb.add_option("--numsegs", o.numsegs, "Pieces of the fitted curves (default 5)");
   verb.add_flag("--invert", o.invert, "X Y Z in; r g b and the distance left out");
+  add_common(verb, o, "The answers (default: standard output)");
   verb.footer(
       "Reads lines 'r g b' (0 to 1) on standard input and prints a line 'X Y Z' for each.\n\n"
       "Example:\n  echo 0.5 0.5 0.5 | corvantile-kit predict measurements.txt --tables my-display");
@@ -189,6 +190,7 @@ int run_command_line(int argc, char** argv) {
   const auto verb = [&](const char* name, const char* what, auto add, auto& options, auto verb_of) {
     CLI::App& command = *kit.add_subcommand(name, what);
     add(command, options);
+    command.set_version_flag("--version", "corvantile-kit " CORVANTILE_VERSION);
     command.callback([&run, &options, verb_of] { run = [&options, verb_of] { return verb_of(options); }; });
   };
   verb("make", "Do everything: import, check, solve, export, report", add_make, o.make, run_make);

@@ -2,10 +2,9 @@
 
 #include <cmath>
 #include <iostream>
-#include <iterator>
-#include <optional>
+#include <nlohmann/json.hpp>
 #include <string>
-#include <utility>
+#include <vector>
 
 #include "colour/nonpar_monitor.hpp"
 #include "driver/profile.hpp"
@@ -31,32 +30,61 @@ monitor fitted(const predict_options& o) {
   return makemonitor(parse_measurements(o.measurements, read_input(o.measurements)), set.numsegs, set.minslope);
 }
 
-std::string text_of(const vec3& v) { return (free_format(v[0]) + free_format(v[1]) + free_format(v[2])).substr(1); }
+// The three numbers of a line.
+vec3 asked_in(const std::string& line, std::size_t number, bool invert) {
+  number_scanner numbers(line, number);
+  vec3 asked;
+  for (double& v : asked.v) {
+    const bool read = numbers.next(v) == number_scanner::result::number && std::isfinite(v);
+    if (read && (invert || (v >= 0 && v <= 1))) continue;
+    refuse_content("standard input", numbers.problem(invert ? "X Y Z" : "r g b, each 0 to 1"));
+  }
+  double more = 0;
+  if (numbers.next(more) != number_scanner::result::end)
+    refuse_content("standard input", numbers.problem("three numbers and the end of the line"));
+  return asked;
+}
 
-std::string answer(const predict_options& o, const monitor& display, const vec3& asked) {
-  if (!o.invert) return text_of(inp2out_vec(display, asked));
+// X, Y, Z; or r, g, b and the distance left out.
+std::vector<double> answer(const predict_options& o, const monitor& display, const vec3& asked) {
+  if (!o.invert) {
+    const vec3 xyz = inp2out_vec(display, asked);
+    return {xyz[0], xyz[1], xyz[2]};
+  }
   const inversion found = out2inp(display, asked);
-  return text_of(found.value) + free_format(std::sqrt(found.fval));
+  return {found.value[0], found.value[1], found.value[2], std::sqrt(found.fval)};
+}
+
+std::string line_of(const std::vector<double>& numbers) {
+  std::string line;
+  for (const double v : numbers) line += free_format(v);
+  return line.substr(1) + '\n';
 }
 
 }  // namespace
 
 int run_predict(const predict_options& o) {
+  if (o.measurements == "-" || o.settings == "-")
+    throw failure(fault::setting, "standard input holds the lines to answer; name a file instead of -");
+  refuse_to_replace(o.output, o.force);
   monitor display = fitted(o);
   if (!o.tables.empty()) display = monwfe(display, front_end_on_disk(o.tables));
-  std::string line;
+
+  const bool at_once = !o.json && (o.output.empty() || o.output == "-");  // for programs that ask line by line
+  std::vector<std::vector<double>> answers;
+  std::string text, line;
   for (std::size_t n = 1; std::getline(std::cin, line); ++n) {
     if (trim(line).empty()) continue;
-    number_scanner numbers(line, n);
-    vec3 asked;
-    for (std::size_t i = 0; i < 3; ++i) {
-      if (numbers.next(asked[i]) == number_scanner::result::number && std::isfinite(asked[i])) continue;
-      refuse_content("standard input", numbers.problem(o.invert ? "X Y Z" : "r g b, each 0 to 1"));
+    const auto found = answer(o, display, asked_in(line, n, o.invert));
+    if (o.json) answers.push_back(found);
+    if (at_once) {
+      write_output("-", line_of(found), true);
+    } else {
+      text += line_of(found);
     }
-    std::cout << answer(o, display, asked) << '\n';
   }
-  std::cout.flush();
-  if (!std::cout) throw failure(fault::unwritable, "Cannot write standard output");
+  if (o.json) write_output("-", nlohmann::ordered_json{{"answers", answers}}.dump(2) + '\n', true);
+  if (!o.output.empty() && o.output != "-") write_output(o.output, text, o.force);
   return status::done;
 }
 
