@@ -22,9 +22,9 @@ bool is_our_own(const source_options& o, std::string_view text) {
 
 checked check_source(const source_options& o) {
   checked c;
-  const std::string text = o.source == "-" ? std::string() : read_input(o.source);
-  if (!text.empty() && is_our_own(o, text) && o.ramps == "auto") {
-    c.samples = parse_measurements(o.source, text);
+  const std::string text = read_input(o.source);
+  if (is_our_own(o, text) && o.ramps == "auto") {
+    c.samples = parse_measurements(o.source == "-" ? "standard input" : o.source, text);
     c.known = parse_provenance(text);
   } else {
     imported in = import_measurements(o);

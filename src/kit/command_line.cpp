@@ -71,11 +71,14 @@ void add_check(CLI::App& verb, check_options& o) {
 }
 
 void add_chart(CLI::App& verb, chart_options& o) {
-  verb.add_option("--levels", o.levels, "Even levels of each ramp, 5 to 256")->capture_default_str();
+  verb.add_option("--levels", o.levels, "Even levels of each ramp, 5 to 256")
+      ->check(CLI::Range(5, 256).description(""))
+      ->capture_default_str();
   verb.add_option("--ramps", o.ramps, "measured: four ramps; derived: gray and the three primaries")
       ->check(one_of({"measured", "derived"}))
       ->capture_default_str();
-  verb.add_option("--verify", o.verify, "Further patches over the cube and near gray, for check and verify");
+  verb.add_option("--verify", o.verify, "Further patches over the cube and near gray, for check and verify")
+      ->check(CLI::Range(0, 10000).description(""));
   verb.add_option("--format", o.format, "ti1 (ArgyllCMS), csv, or hcfr (HCFR's user patches)")
       ->check(one_of({"ti1", "csv", "hcfr"}))
       ->capture_default_str();

@@ -1,8 +1,8 @@
 #include "kit/files.hpp"
 
+#include <algorithm>
 #include <filesystem>
 #include <iostream>
-#include <iterator>
 #include <system_error>
 #include <xxhash.h>
 
@@ -14,8 +14,36 @@ namespace corvantile::kit {
 
 namespace fs = std::filesystem;
 
+namespace {
+
+// Standard input, which several may ask for and which can be read once.
+const std::string& standard_input() {
+  static const std::string text = [] {
+    constexpr std::size_t most = std::size_t{1} << 30U;
+    std::string all;
+    for (std::size_t used = 0; std::cin;) {
+      all.resize(std::max<std::size_t>(2 * all.size(), 65536));
+      std::cin.read(all.data() + used, static_cast<std::streamsize>(all.size() - used));
+      used += static_cast<std::size_t>(std::cin.gcount());
+      if (used > most) refuse_content("standard input", "more than " + std::to_string(most) + " bytes");
+      if (!std::cin) all.resize(used);
+    }
+    return all;
+  }();
+  return text;
+}
+
+// What a program may write to at any time: nothing of it is lost.
+bool is_stream(const std::string& name) {
+  std::error_code none;
+  const fs::file_status at = fs::status(name, none);
+  return fs::is_character_file(at) || fs::is_fifo(at) || fs::is_socket(at);
+}
+
+}  // namespace
+
 std::string read_input(const std::string& name) {
-  if (name == "-") return {std::istreambuf_iterator<char>(std::cin), {}};
+  if (name == "-") return standard_input();
   std::optional<std::string> text = read_file(name);
   if (!text) throw failure(fault::content, "Cannot open " + printable(name));
   return std::move(*text);
@@ -23,7 +51,7 @@ std::string read_input(const std::string& name) {
 
 void refuse_to_replace(const std::string& name, bool force) {
   std::error_code none;
-  if (force || name.empty() || name == "-" || !fs::exists(fs::symlink_status(name, none))) return;
+  if (force || name.empty() || name == "-" || !fs::exists(fs::symlink_status(name, none)) || is_stream(name)) return;
   throw failure(fault::unwritable, printable(name) + " is there already; --force replaces it");
 }
 

@@ -6,15 +6,16 @@
 
 namespace corvantile::kit {
 
-/// What the file holds; "-" is standard input. Throws `fault::content` where it cannot be opened: a missing input is
-/// an error here.
+/// What the file holds; "-" is standard input, the same text whenever it is asked for. Throws `fault::content` where
+/// it cannot be opened (a missing input is an error here), or for more than 1 GiB.
 std::string read_input(const std::string& name);
 
 /// Writes a text as the whole content of a file, or to standard output where the name is empty or "-". Throws
 /// `fault::unwritable` where it fails, and for a file that is there already unless `force`.
 void write_output(const std::string& name, std::string_view text, bool force);
 
-/// Throws `fault::unwritable` for a file or folder that is there already, unless `force`. To be asked early.
+/// Throws `fault::unwritable` for a file or folder that is there already, unless `force` or it is a device or a pipe.
+/// To be asked early.
 void refuse_to_replace(const std::string& name, bool force);
 
 /// Makes a folder and those above it. Throws `fault::unwritable`.

@@ -70,7 +70,7 @@ TEST(PlanFor, ChoosesModeAndWhite) {
     EXPECT_EQ(p.names.set.mode, r.mode);
     ASSERT_EQ(p.names.set.white.has_value(), r.grays.has_value());
     for (std::size_t i = 0; i < 2; ++i) {
-      if (r.grays) EXPECT_NEAR((*p.names.set.white)[i], (*r.grays)[i], 1e-6);
+      EXPECT_NEAR(p.names.set.white.value_or(vec2{})[i], r.grays.value_or(vec2{})[i], 1e-6);
       EXPECT_NEAR(p.names.set.xytable.white[i], r.white[i], 1e-6);
     }
     EXPECT_EQ(p.names.set.tlen, r.mode == match_mode::cv1 ? 256 : 4096);
