@@ -20,8 +20,8 @@ _corvantile_kit() {
   [ "$before" != = ] || before=${COMP_WORDS[COMP_CWORD - 2]}  # --option=word comes as three words
   COMPREPLY=()
   if [ "$COMP_CWORD" -eq 1 ]; then
-    words=$("$program" --help 2>/dev/null | awk '/^  -/ { print $1 } /^Subcommands:/ { on = 1; next } /^$/ { on = 0 } on { print $1 }' |
-      tr ',' '\n')
+    words=$("$program" --help 2>/dev/null |
+      awk '/^  -/ { print $1 } /^Subcommands:/ { on = 1 } /^$/ { on = 0 } on && /^  [a-z]/ { print $1 }' | tr ',' '\n')
   elif [[ $verb:$before == chart:--format ]]; then
     words="ti1 csv hcfr"
   elif [[ $before == --format ]]; then

@@ -4,9 +4,11 @@
 
 #include <CLI/CLI.hpp>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "kit/help_layout.hpp"
 #include "kit/verbs.hpp"
 #include "utils/version.hpp"
 
@@ -162,7 +164,7 @@ void add_predict(CLI::App& verb, predict_options& o) {
   verb.add_flag("--invert", o.invert, "X Y Z in; r g b and the distance left out");
   add_common(verb, o, "The answers (default: standard output)");
   verb.footer(
-      "Reads lines 'r g b' (0 to 1) on standard input and prints a line 'X Y Z' for each.\n\n"
+      "Reads lines 'r g b' (0 to 1) on standard input and prints 'X Y Z' for each.\n\n"
       "Example:\n  echo 0.5 0.5 0.5 | corvantile-kit predict measurements.txt --tables my-display");
 }
 
@@ -186,6 +188,7 @@ int run_command_line(int argc, char** argv) {
   kit.set_version_flag("--version", "corvantile-kit " CORVANTILE_VERSION);
   kit.set_help_flag("-h,--help", "Print this help and leave");
   kit.require_subcommand(1);
+  kit.formatter(std::make_shared<help_layout>());
   kit.footer("Each verb has a help of its own: corvantile-kit VERB --help");
 
   all_options o;

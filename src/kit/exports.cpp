@@ -134,16 +134,14 @@ const std::vector<entry>& entries() {
          const std::size_t n = s.o.entries.value_or(usual_vcgt_entries);
          return one(f, icc_file(n < 2 ? s.tables() : s.composed(n), behind_tables(s), s.about, n));
        }},
-      {{"monitor-icc", "profile of the display as measured, for desktops that manage colour", true, "display.icc",
-        false},
+      {{"monitor-icc", "profile of the display as measured, for colour-managed desktops", true, "display.icc", false},
        [](const auto& f, const subject& s) {
          profiled_display display = as_measured(s.job.result.measured);
          display.luminance = s.cd_m2(s.job.result.measured.whitepoint[1]);
          display.black_luminance = s.cd_m2(s.job.result.measured.darklight[1]);
          return one(f, monitor_icc_file(display, s.about));
        }},
-      {{"mhc2", "profile with the Windows MHC2 tag, for two tables with the sRGB curve", true, "correction-mhc2.icc",
-        false},
+      {{"mhc2", "profile with the Windows MHC2 tag: two tables, the sRGB curve", true, "correction-mhc2.icc", false},
        [](const auto& f, const subject& s) {
          return one(f, mhc2_file(s.tables(), behind_tables(s), s.about, s.o.entries.value_or(1024)));
        }},

@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Sourced: a measurement file of four ramps on standard input, as instruments' programs would have written it.
 # Drives of 0 to 255 in, as simulate_display writes them. The displays are simulated, and the files made here.
 

@@ -11,7 +11,7 @@ work=$(mktemp -d "${TMPDIR:-/tmp}/corvantile-verbs-XXXXXX")
 trap 'rm -rf "$work"' EXIT
 cd "$work" || exit 1
 PATH=$(dirname "$kit"):$PATH
-[ "$(locale -a 2>/dev/null | grep -x de_DE.utf8)" ] && export LC_ALL=de_DE.UTF-8
+locale -a 2>/dev/null | grep -qx de_DE.utf8 && export LC_ALL=de_DE.UTF-8
 failures=0
 checks=0
 
@@ -45,9 +45,10 @@ as_gray_scale_sheet <m.txt >gray.csv
 as_primaries_sheet <m.txt >primaries.csv
 
 # --- All verbs ---
-for verb in make import check chart solve export predict; do
+for verb in make import check chart solve export report verify predict; do
   is "$verb --version" "$("$kit" $verb --version; echo $?)" "corvantile-kit [0-9]*"$'\n0'
   is "$verb --help" "$("$kit" $verb --help | grep -A1 '^Example:')" $'Example:\n  *corvantile-kit '"$verb *"
+  is "$verb --help in 80 columns" "$("$kit" $verb --help | awk 'length > 80')" ""
   for option in --output --quiet --json --force; do
     is "$verb $option" "$("$kit" $verb --help | grep -c -- "$option\b")" "[1-9]"
   done
@@ -190,14 +191,15 @@ completes() {  # WORD...: what may stand for the last of them
   _corvantile_kit
   echo "${COMPREPLY[@]}"
 }
-is "verbs" "$(completes ch)" "check chart"
+is "verbs" "$(completes p) $(completes r) $(completes ch)" "predict report check chart"
+is "all that may come first" "$(completes "" | wc -w)" 12
 is "options" "$(completes import --c)" "--calibration"
 is "formats" "$(completes export job --format c)" "clf cube cube3d cal coe c"
 is "words behind =" "$(completes make --target = ad)" "adobe-rgb"
 is "files" "$(completes import display)" "display.@(csv display.ti3|ti3 display.csv)"
 for verb in make import check chart export; do
   for option in --from --ramps --target --gamma --white --for --matrix --layout --format; do
-    about=$("$kit" $verb --help | grep -A1 -- "^ *$option " ) || continue
+    about=$("$kit" $verb --help | grep -A2 -- "^ *$option " ) || continue
     for word in $(cd / && completes $verb "$option" ""); do
       [[ $option == --format && $verb == export || -e /$word ]] ||
         is "$verb $option $word" "$about" "*[ :,=]$word*"
