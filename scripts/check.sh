@@ -8,6 +8,7 @@
 #   cppcheck   cppcheck finds nothing (.cppcheck-suppressions says what is let pass)
 #   coverage   lines of src/ that the tests reach; reports, judges nothing
 #   interop    other people's programs read what the format writers write (scripts/interop.sh)
+#   loop       from a chart to a corrected display and back, with other people's tools at both ends (scripts/loop.sh)
 #   speed      the benchmarks build, and the usual jobs take no more instructions than scripts/bench_counts.txt says
 #   fuzz       each fuzz target for FUZZ_SECONDS (default 20) seconds
 set -euo pipefail
@@ -69,6 +70,10 @@ interop() {
   scripts/interop.sh
 }
 
+loop() {
+  scripts/loop.sh
+}
+
 speed() {
   scripts/setup.sh libbenchmark-dev
   cmake --preset bench >/dev/null
@@ -80,7 +85,7 @@ fuzz() {
   scripts/fuzz.sh "${FUZZ_SECONDS:-20}"
 }
 
-all=(format clang sanitize tidy cppcheck coverage interop speed fuzz)
+all=(format clang sanitize tidy cppcheck coverage interop loop speed fuzz)
 steps=("$@")
 [ ${#steps[@]} -gt 0 ] || steps=("${all[@]}")
 for step in "${steps[@]}"; do
