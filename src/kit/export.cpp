@@ -1,13 +1,13 @@
 // corvantile-kit export: from a job's folder to what a device loads.
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "kit/exports.hpp"
 #include "kit/files.hpp"
 #include "kit/job_folder.hpp"
 #include "kit/verbs.hpp"
-#include "utils/file_output.hpp"
 
 namespace corvantile::kit {
 namespace {
@@ -20,14 +20,13 @@ std::vector<std::string> put(const exported& made, const export_format& format, 
     return {target};
   }
   refuse_to_replace(target, o.force);
-  make_folder(target);
   std::vector<text_file> files;
   std::vector<std::string> names;
   for (const file_content& f : made.files) {
-    files.push_back({target + '/' + f.name, f.bytes});
-    names.push_back(files.back().path);
+    files.push_back({f.name, f.bytes});
+    names.push_back(target + '/' + f.name);
   }
-  write_files(files);
+  write_folder(target, std::move(files));
   return names;
 }
 

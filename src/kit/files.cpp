@@ -3,18 +3,44 @@
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <ranges>
+#include <string>
 #include <system_error>
 #include <xxhash.h>
 
 #include "utils/failure.hpp"
-#include "utils/file_output.hpp"
 #include "utils/text.hpp"
 
 namespace corvantile::kit {
 
 namespace fs = std::filesystem;
-
 namespace {
+
+// Folders that go again unless they are to be kept.
+class new_folders {
+ public:
+  new_folders() = default;
+  new_folders(const new_folders&) = delete;
+  new_folders& operator=(const new_folders&) = delete;
+  ~new_folders() {
+    std::error_code ignored;
+    for (const fs::path& name : std::views::reverse(names_)) fs::remove(name, ignored);  // empty ones only
+  }
+
+  void make(const fs::path& name) {
+    std::error_code failed;
+    std::vector<fs::path> missing;
+    for (fs::path p = name; !p.empty() && !fs::exists(p, failed); p = p.parent_path()) missing.push_back(p);
+    names_.insert(names_.end(), missing.rbegin(), missing.rend());
+    fs::create_directories(name, failed);
+    if (!failed) return;
+    throw failure(fault::unwritable, "Cannot make the folder " + printable(name.string()) + ": " + failed.message());
+  }
+  void keep() { names_.clear(); }
+
+ private:
+  std::vector<fs::path> names_;
+};
 
 // Standard input, which several may ask for and which can be read once.
 const std::string& standard_input() {
@@ -65,10 +91,15 @@ void write_output(const std::string& name, std::string_view text, bool force) {
   write_file(name, text);
 }
 
-void make_folder(const std::string& name) {
-  std::error_code failed;
-  fs::create_directories(name, failed);
-  if (failed) throw failure(fault::unwritable, "Cannot make the folder " + printable(name) + ": " + failed.message());
+void write_folder(const std::string& folder, std::vector<text_file> files) {
+  new_folders made;
+  made.make(folder);
+  for (text_file& f : files) {
+    f.path.insert(0, folder + '/');
+    made.make(fs::path(f.path).parent_path());
+  }
+  write_files(files);
+  made.keep();
 }
 
 std::string checksum(std::string_view text) {

@@ -3,6 +3,9 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "utils/file_output.hpp"
 
 namespace corvantile::kit {
 
@@ -18,8 +21,9 @@ void write_output(const std::string& name, std::string_view text, bool force);
 /// To be asked early.
 void refuse_to_replace(const std::string& name, bool force);
 
-/// Makes a folder and those above it. Throws `fault::unwritable`.
-void make_folder(const std::string& name);
+/// Writes files into a folder, all or none; their paths are relative to it. It and folders in it are made where they
+/// are missing, and those that were made go again where the files cannot be written. Throws `fault::unwritable`.
+void write_folder(const std::string& folder, std::vector<text_file> files);
 
 /// "xxh3:" and the 64 bits of the XXH3 checksum of a text, as 16 hexadecimal digits.
 std::string checksum(std::string_view text);

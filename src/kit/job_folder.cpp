@@ -165,10 +165,7 @@ std::vector<text_file> files_of(const job_inputs& inputs, const solved_job& job)
 }
 
 void write_job_folder(const std::string& folder, const job_inputs& inputs, const solved_job& job) {
-  std::vector<text_file> files = files_of(inputs, job);
-  for (text_file& f : files) f.path.insert(0, folder + '/');
-  make_folder(folder);
-  write_files(files);
+  write_folder(folder, files_of(inputs, job));
 }
 
 solved_job open_job_folder(const std::string& folder) {

@@ -7,6 +7,7 @@
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -22,7 +23,6 @@
 #include "kit/verbs.hpp"
 #include "kit/words.hpp"
 #include "utils/failure.hpp"
-#include "utils/file_output.hpp"
 #include "utils/text.hpp"
 
 namespace corvantile::kit {
@@ -76,13 +76,14 @@ std::vector<text_file> exports_of(const make_options& o, const solved_job& job, 
   return files;
 }
 
-void write_everything(const std::string& folder, std::vector<text_file> files) {
-  namespace fs = std::filesystem;
-  for (text_file& f : files) {
-    f.path.insert(0, folder + '/');
-    make_folder(fs::path(f.path).parent_path().string());
+// Exports of the job that was there before would pass for those of this one.
+void remove_other_exports(const std::string& folder, const std::vector<text_file>& written) {
+  std::error_code ignored;
+  for (const export_format& format : export_formats()) {
+    const std::string name = std::string("exports/") + format.usual_name;
+    const auto belongs = [&](const text_file& f) { return f.path == name || f.path.starts_with(name + '/'); };
+    if (std::ranges::none_of(written, belongs)) std::filesystem::remove_all(folder + '/' + name, ignored);
   }
-  write_files(files);
 }
 
 std::string verdict_of(const solved_job& job) {
@@ -133,7 +134,8 @@ int run_make(make_options o) {
   const report_data page = step(
       "report", [&] { return report_of(job, c, record_of(inputs, job), {.title = o.display, .folder = o.output}); });
   files.push_back({"report.html", report_page(page)});
-  write_everything(o.output, files);
+  write_folder(o.output, files);
+  remove_other_exports(o.output, files);
 
   for (const std::string& line : warning_lines(job.result)) say(o, line);
   for (const std::string& note : notes) say(o, "left out: " + note);
