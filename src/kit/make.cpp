@@ -104,12 +104,12 @@ std::string verdict_of(const solved_job& job) {
 void heed(const make_options& o, const checked& c) {
   for (const finding& f : c.figures.findings) {
     if (f.level == severity::note) continue;
-    say(o, std::string(name_of(f.level)) + ": " + f.message + (f.action.empty() ? "" : " " + f.action));
+    say(o, std::string(name_of(f.level)) + ": " + f.message + (f.action.empty() ? "" : "; " + f.action));
   }
   if (o.anyway || c.figures.findings.empty() || c.figures.findings.front().level != severity::error) return;
   const finding& worst = c.figures.findings.front();
   refuse_content(c.known.source,
-                 worst.id + ": " + worst.message + " " + worst.action + " (--anyway solves all the same)");
+                 worst.id + ": " + worst.message + "; " + worst.action + " (--anyway solves all the same)");
 }
 
 }  // namespace
