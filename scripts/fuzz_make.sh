@@ -26,6 +26,7 @@ spoil() {  # FILE SEED: one to three kinds of damage
     function below(n) { return int(rand() * n) }
     function some_line() { return 1 + below(n) }
     function number(words, count) {
+      if (below(2)) return sprintf("%.6f", 250 * rand() * rand())
       count = split("nan inf 1e400 -1 -0 0 1e-320 -99999.99 1e308 65536 0x10 1,5 1e", words, " ")
       return words[1 + below(count)]
     }
