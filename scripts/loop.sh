@@ -30,7 +30,7 @@ measure() {  # NAME PROFILE OPTION of fakeread...: NAME.txt, the measurements of
 
 show() {  # JOB PROFILE CORRECTION: JOB.ti3, what the display makes of the second chart behind the correction
   colours correct second.ti1 "$3" "$1.ti1"
-  fakeread "$profiles/$2.icm" "$1" >/dev/null
+  fakeread "${lifted[@]}" "$profiles/$2.icm" "$1" >/dev/null 2>&1
 }
 
 judged() {  # TARGET SHOWN: mean and peak CIEDE2000, and by how many percent the luminance of white is off
@@ -45,12 +45,14 @@ good() {  # MEAN PEAK LUMINANCE
 }
 
 failed=0
+lifted=()  # options of fakeread for a black above 0
+black=0,0,0
 play() {  # MEASUREMENTS PROFILE MODE GAMUT WHITE SETTINGS [noisy]
   local job=$1-$3 figures spoilt verdict=""
   echo "&opts wgfile='$1.txt' cvmode='$3' tlen=4096 numsegs=12 boundary_tol=0 $6 /" >"$job.settings"
   "$kit" solve -q "$job.settings" -o "$job"
   "$kit" export -q "$job" --format clf -o "$job.clf"
-  colours target second.ti1 "$job/job.json" "$4" "$5" 2.2 "$job-target.ti3"
+  colours target second.ti1 "$job/job.json" "$4" "$5" 2.2 "$black" "$job-target.ti3"
   show "$job" "$2" "$job.clf"
   read -ra figures <<<"$(judged "$job-target.ti3" "$job.ti3")"
   if [ "${7:-}" != noisy ]; then
@@ -78,5 +80,10 @@ modes DisplayP3 DisplayP3 display-p3
 modes ClayRGB1998 ClayRGB1998 adobe-rgb
 modes Rec2020 Rec2020 bt2020
 modes DisplayP3-noisy DisplayP3 display-p3 noisy
+lifted=(-A 3,0,0)
+measure DisplayP3-black DisplayP3 "${lifted[@]}" 2>/dev/null
+black=$(awk '/^BEGIN_DATA *$/ { data = 1 } data && $2 + $3 + $4 == 0 && NF == 7 { print $5 "," $6 "," $7; exit }' \
+  DisplayP3-black.ti3)
+play DisplayP3-black DisplayP3 CV2 srgb 0.3127,0.3290 ""
 [ $failed = 0 ] || exit 1
 echo "the loop closes"

@@ -3,12 +3,13 @@
 
 Usage: colours.py correct CHART.ti1 CORRECTION.clf CORRECTED.ti1
        colours.py spoil CORRECTION.clf SPOILT.clf
-       colours.py target CHART.ti1 JOB.json GAMUT WHITE CURVE TARGET.ti3
+       colours.py target CHART.ti1 JOB.json GAMUT WHITE CURVE BLACK TARGET.ti3
 
-correct: OpenColorIO applies a correction to the drives of a chart. spoil: the correction with its matrix transposed, or,
-where it has none, with red and blue exchanged. target: the XYZ that the chart should have, from published
+correct: OpenColorIO applies a correction to the drives of a chart. spoil: the correction with its matrix transposed,
+or, where it has none, with red and blue exchanged. target: the XYZ that the chart should have, from published
 chromaticities and curves alone; nothing but the luminance of full white is taken from the job's record. GAMUT names
-primaries, WHITE is x,y, CURVE an exponent or "srgb". Black is 0, as the reference profiles have it.
+primaries, WHITE is x,y, CURVE an exponent or "srgb", BLACK the X,Y,Z that the display shows at no drive and adds to
+every colour.
 """
 import json
 import sys
@@ -81,20 +82,23 @@ def solved(m, v):
     return [det(*(v if k == j else m[k] for k in range(3))) / whole for j in range(3)]
 
 
-def target(chart_name, record, gamut, white, curve, name):
+def target(chart_name, record, gamut, white, curve, black, name):
     luminance = json.load(open(record, encoding="ascii"))["figures"]["luminance"]["after"]
     directions = [(x / y, 1.0, (1 - x - y) / y) for x, y in GAMUTS[gamut]]
     x, y = (float(word) for word in white.split(","))
-    scale = solved(directions, [luminance * x / y, luminance, luminance * (1 - x - y) / y])
+    dark = [float(word) for word in black.split(",")]
+    full = [luminance * x / y, luminance, luminance * (1 - x - y) / y]
+    scale = solved(directions, [f - d for f, d in zip(full, dark)])
 
     def light(v):
         if curve == "srgb":
             return v / 12.92 if v <= 0.04045 else ((v + 0.055) / 1.055) ** 2.4
         return v ** float(curve)
 
-    write(name, "CTI3", "what the chart should look like",
-          [(i, drives, [sum(d[k] * s * light(v) for d, s, v in zip(directions, scale, drives)) for k in range(3)])
-           for i, drives in chart(chart_name)])
+    def shown(drives):
+        return [dark[k] + sum(d[k] * s * light(v) for d, s, v in zip(directions, scale, drives)) for k in range(3)]
+
+    write(name, "CTI3", "what the chart should look like", [(i, drives, shown(drives)) for i, drives in chart(chart_name)])
 
 
 {"correct": correct, "spoil": spoil, "target": target}[sys.argv[1]](*sys.argv[2:])
