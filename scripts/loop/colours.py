@@ -98,7 +98,7 @@ def target(chart_name, record, gamut, white, curve, black, name):
     def shown(drives):
         return [dark[k] + sum(d[k] * s * light(v) for d, s, v in zip(directions, scale, drives)) for k in range(3)]
 
-    write(name, "CTI3", "what the chart should look like", [(i, drives, shown(drives)) for i, drives in chart(chart_name)])
+    write(name, "CTI3", "what the chart should show", [(i, drives, shown(drives)) for i, drives in chart(chart_name)])
 
 
 {"correct": correct, "spoil": spoil, "target": target}[sys.argv[1]](*sys.argv[2:])
