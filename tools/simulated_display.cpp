@@ -40,18 +40,14 @@ struct generator {
 
 constexpr std::uint64_t extra_stream = 0x5eed'0f'e17a'5a3bu;  // keeps the ramps the same whatever `extra` is
 
-double determinant(const vec3& a, const vec3& b, const vec3& c) {
-  return a[0] * (b[1] * c[2] - b[2] * c[1]) - b[0] * (a[1] * c[2] - a[2] * c[1]) + c[0] * (a[1] * b[2] - a[2] * b[1]);
-}
-
 /// Chromaticity of the red primary: on the line z = 0 when it is to have no Z.
 vec2 red_xy(const simulated_display& d) { return d.dark_red_z ? vec2{{d.red[0], 1 - d.red[0]}} : d.red; }
 
 /// Luminance of each primary in a white of luminance 1.
 vec3 shares(const simulated_display& d) {
   const vec3 r = xy2xyz(red_xy(d)), g = xy2xyz(d.green), b = xy2xyz(d.blue), w = xy2xyz(d.white);
-  const double whole = determinant(r, g, b);
-  return {{determinant(w, g, b) / whole, determinant(r, w, b) / whole, determinant(r, g, w) / whole}};
+  const double whole = determinant({{r, g, b}});
+  return {{determinant({{w, g, b}}) / whole, determinant({{r, w, b}}) / whole, determinant({{r, g, w}}) / whole}};
 }
 
 bool whole_drives(const simulated_display& d) {

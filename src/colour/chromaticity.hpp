@@ -1,8 +1,8 @@
 #pragma once
 // Chromaticity coordinates, the colour of a black body, and correlated colour temperature.
 //
-// xy is always CIE 1931; uv is always the CIE 1960 UCS (the u'v' of 1976 is called so); XYZ carries its luminance in Y.
-// Batches hold one sample per row and agree with the single form bit for bit.
+// xy is always CIE 1931; uv is always the CIE 1960 UCS (the u'v' of 1976 is called so); XYZ carries its luminance in
+// Y. Batches hold one sample per row and agree with the single form bit for bit.
 
 #include <array>
 #include <optional>
@@ -18,13 +18,11 @@ struct chromaticity_table {
   friend bool operator==(const chromaticity_table&, const chromaticity_table&) = default;
 };
 
-/// u = 4x / (12y - 2x + 3), v = 6y / (12y - 2x + 3). The `_mat` forms take and give n x 2 matrices.
+/// u = 4x / (12y - 2x + 3), v = 6y / (12y - 2x + 3).
 vec2 xy2uv_vec(const vec2& xy);
-matrix xy2uv_mat(const matrix& xy);
 
 /// The inverse of `xy2uv_vec`: x = 3u / (2u - 8v + 4), y = 2v / (2u - 8v + 4).
 vec2 uv2xy_vec(const vec2& uv);
-matrix uv2xy_mat(const matrix& uv);
 
 /// CIE 1976 u' = u and v' = 1.5 v.
 vec2 xy2uv1976(const vec2& xy);
@@ -78,5 +76,11 @@ struct locus_swath {
 /// The iso-temperature line (in the sense of `xyz2cct`) through the black body at `T` kelvin, reaching `w` units of
 /// uv distance to either side of the locus.
 locus_swath cct_segment(double T, double w);
+
+// ---- Held ready: no job calls these ----
+
+/// `xy2uv_vec` and `uv2xy_vec` for each row of an n x 2 matrix.
+matrix xy2uv_mat(const matrix& xy);
+matrix uv2xy_mat(const matrix& uv);
 
 }  // namespace corvantile

@@ -29,16 +29,6 @@ struct cost2i {
   }
 };
 
-/// The same for the monitor values sin(a)^2.
-struct cost2m {
-  const prepared_monitor& mon;
-  const vec3& xyz;
-  double operator()(std::span<const double> a) const {
-    const vec3 m{{square_of_sine(a[0]), square_of_sine(a[1]), square_of_sine(a[2])}};
-    return dist2(mon.mon2out(m), xyz);
-  }
-};
-
 /// What an inversion found: inputs or monitor values in [0, 1], and the squared XYZ distance left. Out of gamut that
 /// is the (locally) closest reachable colour; whether it is close enough is for the caller to say.
 struct inversion {
@@ -50,18 +40,14 @@ struct inversion {
 /// is 1 or more, negative or not a number starts at full drive.
 inversion out2inp(const monitor& mon, const vec3& xyz, const std::optional<vec3>& start = {});
 
-/// Monitor values that show `xyz`, likewise.
-inversion out2mon(const monitor& mon, const vec3& xyz, const std::optional<vec3>& start = {});
-
 // ---- The brightest colour of a white ----
 
 /// The top for the chromaticity of a blackbody at `T` kelvin: the largest scale in [0.1, 2] times the monitor's white
 /// luminance that an inversion reaches to within `reachable`, by 28 bisections.
 ramp_top ramptop_temp(const monitor& mon, double T);
 
-/// The top for a chromaticity x, y, or for that of a colour X, Y, Z of any luminance.
+/// The top for a chromaticity x, y.
 ramp_top ramptop_xyz(const monitor& mon, const vec2& xy);
-ramp_top ramptop_xyz(const monitor& mon, const vec3& xyz);
 
 /// The brightest top on the line of constant colour temperature `T` within `hwid` (CIE 1960 uv)
 /// of the blackbody locus. It is that of the search's last evaluation, not of its best point:
@@ -75,8 +61,10 @@ lut make_gamma_table(double gamma, int n);
 
 /// Fills `tab` (n x 3, n at least 2) with the drive values of a gray ramp that has the colour of a blackbody at `T`
 /// kelvin and the luminance `curve`(s) relative to its top, at the positions s = i / (n - 1).
-/// `hwid` > 0 looks for a brighter top across the locus. Below the position `g0` the dark light is blended into the
-/// target, all of it at s = 0.
+/// `hwid` > 0 looks for a brighter top across the locus. Below the position `g0` (`alpha` in the settings) the dark
+/// light is blended in, because no display gets darker than that: the target is
+///   curve(s) top + w(s) dark,  w(s) = (1 + cos(pi s / g0)) / 2 for s <= g0, else 0
+/// so that all of it is there at s = 0, none from g0 on, and the weight has no kink at either end.
 ///
 /// Each level is searched from the drive values of the level above it, so that a search that ends in a false minimum
 /// leads the next ones astray. With `restart`, levels that were left further than `reachable` from their target are
@@ -84,9 +72,27 @@ lut make_gamma_table(double gamma, int n);
 gray_search colortemp_lut(matrix& tab, const monitor& mon, double T, const lut& curve, double g0, double hwid,
                           bool restart = false);
 
-/// The same for a constant chromaticity x, y, or for that of a colour X, Y, Z.
+/// The same for a constant chromaticity x, y.
 gray_search chromaticity_lut(matrix& tab, const monitor& mon, const vec2& xy, const lut& curve, double g0,
                              bool restart = false);
+
+// ---- Held ready: no job calls these ----
+
+/// `cost2i` for the monitor values sin(a)^2.
+struct cost2m {
+  const prepared_monitor& mon;
+  const vec3& xyz;
+  double operator()(std::span<const double> a) const {
+    const vec3 m{{square_of_sine(a[0]), square_of_sine(a[1]), square_of_sine(a[2])}};
+    return dist2(mon.mon2out(m), xyz);
+  }
+};
+
+/// Monitor values that show `xyz`, searched as `out2inp` does.
+inversion out2mon(const monitor& mon, const vec3& xyz, const std::optional<vec3>& start = {});
+
+/// `ramptop_xyz` and `chromaticity_lut` for the chromaticity of a colour X, Y, Z of any luminance.
+ramp_top ramptop_xyz(const monitor& mon, const vec3& xyz);
 gray_search chromaticity_lut(matrix& tab, const monitor& mon, const vec3& xyz, const lut& curve, double g0,
                              bool restart = false);
 

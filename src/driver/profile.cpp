@@ -46,9 +46,9 @@ struct key {
 // All there is to know about each key, in the order of the echo.
 constexpr key keys[] = {
     {"cvmode", "CVMode", text_key{&profile::cvmode, 32}},
-    {"outdir", "outdir", text_key{&profile::outdir, longest_path}},
-    {"wgfile", "wgfile", text_key{&profile::wgfile, longest_path}},
-    {"gamfile", "gamfile", text_key{&profile::gamfile, longest_path}},
+    {"outdir", "outdir", text_key{&profile::outdir, longest_name}},
+    {"wgfile", "wgfile", text_key{&profile::wgfile, longest_name}},
+    {"gamfile", "gamfile", text_key{&profile::gamfile, longest_name}},
     {"tlen", "tlen", integer_key{&settings::tlen}},
     {"nbits", "nbits", integer_key{&settings::nbits}},
     {"numsegs", "numsegs", integer_key{&settings::numsegs}},
@@ -92,7 +92,6 @@ constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c
 constexpr bool is_digit(char c) { return c >= '0' && c <= '9'; }
 constexpr bool starts_name(char c) { return lower(c) >= 'a' && lower(c) <= 'z'; }
 constexpr bool in_name(char c) { return starts_name(c) || is_digit(c) || c == '_'; }
-constexpr bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
 // Walks over the profile. Every character is passed once, and looked ahead at most once more.
 class scanner {
@@ -119,7 +118,7 @@ class scanner {
     while (!at_end()) {
       if (peek() == '!') {
         pos_ = std::min(text_.find('\n', pos_), text_.size());
-      } else if (is_blank(peek())) {
+      } else if (is_white_space(peek())) {
         take();
       } else {
         return;
@@ -147,7 +146,8 @@ class scanner {
     ahead.advance(ahead.name().size());
     ahead.skip_blanks();
     if (ahead.accept('(')) {
-      while (is_digit(ahead.peek()) || is_blank(ahead.peek()) || std::string_view(",:+-").find(ahead.peek()) < 4)
+      while (is_digit(ahead.peek()) || is_white_space(ahead.peek()) ||
+             std::string_view(",:+-").find(ahead.peek()) < 4)
         ahead.take();
       if (!ahead.accept(')')) return false;
       ahead.skip_blanks();
@@ -210,7 +210,7 @@ class reader {
       const std::string_view name = in_.name();
       in_.advance(name.size());
       const char next = in_.peek();
-      const bool separated = in_.at_end() || is_blank(next) || next == ',' || next == '/' || next == '!';
+      const bool separated = in_.at_end() || is_white_space(next) || next == ',' || next == '/' || next == '!';
       if (std::ranges::equal(name, std::string_view("opts"), {}, lower) && separated) return;
     }
     in_ = start;
@@ -299,7 +299,7 @@ class reader {
 
   bool at_separator() const {
     const char c = in_.peek();
-    return in_.at_end() || is_blank(c) || c == ',' || c == '/' || c == '!';
+    return in_.at_end() || is_white_space(c) || c == ',' || c == '/' || c == '!';
   }
 
   // The n of n*value, with the star; 0 where there is none.
@@ -529,7 +529,7 @@ void fill_xytable(settings& s, std::ostream& out, std::string_view standard) {
   }
 }
 
-void end_outdir_with_slash(profile& p) { p.outdir = cut(p.outdir + "/", longest_path); }
+void end_outdir_with_slash(profile& p) { p.outdir = cut(p.outdir + "/", longest_name); }
 
 std::string echo(const profile& p) {
   std::string out;

@@ -18,8 +18,6 @@
 
 namespace corvantile {
 
-inline constexpr std::size_t longest_path = 256;  ///< characters of a file's name that count
-
 /// What the group says: the settings of the job and the files that it works with. Every key has a member of its own
 /// name here or there. A new record holds the defaults.
 struct profile {
@@ -31,9 +29,9 @@ struct profile {
 };
 
 /// Reads the group from the start of `text`; what follows its closing slash is not looked at. Texts are cut to
-/// their length (256 bytes, `cvmode` 32) and lose trailing blanks. An `xytable` that is not given is all zero, until
-/// `fill_xytable`. Throws `fault::setting` with line, key and what was expected where the text is no such group, a
-/// key is unknown, or a value does not fit.
+/// their length (`longest_name` bytes, `cvmode` 32) and lose trailing blanks. An `xytable` that is not given is all
+/// zero, until `fill_xytable`. Throws `fault::setting` with line, key and what was expected where the text is no such
+/// group, a key is unknown, or a value does not fit.
 profile read_profile(std::string_view text);
 
 /// Sets `set.mode` from `cvmode`. Throws `fault::no_mode` when it was left unspecified, `fault::unknown_mode` when it
@@ -44,7 +42,7 @@ void name_mode(profile& p);
 /// so on `out`, takes sRGB and sets `gamma` back to its default.
 void fill_xytable(settings& s, std::ostream& out, std::string_view standard = "sRGB");
 
-/// Appends "/" to `outdir` whatever it ends in, and cuts the result to 256 bytes.
+/// Appends "/" to `outdir` whatever it ends in, and cuts the result to `longest_name` bytes.
 void end_outdir_with_slash(profile& p);
 
 /// The lines that verbose mode prints about the settings.

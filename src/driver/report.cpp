@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
 #include <ostream>
 #include <span>
 #include <string>
@@ -12,6 +11,7 @@
 
 #include "colour/chromaticity.hpp"
 #include "colour/color_metrics.hpp"
+#include "utils/array_helpers.hpp"
 #include "utils/text.hpp"
 
 namespace corvantile {
@@ -51,13 +51,6 @@ matrix samples_of(const test_ramp& ramp) {
   return inputs;
 }
 
-// The largest value, those that are not a number left out; not a number when there is no other.
-double largest(std::span<const double> values) {
-  double m = std::numeric_limits<double>::quiet_NaN();
-  for (const double v : values) m = std::fmax(m, v);
-  return m;
-}
-
 }  // namespace
 
 static std::string execution_time(std::string_view mode, double seconds) {
@@ -82,8 +75,7 @@ void report_gray_ramp(std::ostream& out, const monitor& mon, const matrix& input
   if (!white) return;
   std::vector<double> distance(xyz.rows());
   for (std::size_t i = 0; i < distance.size(); ++i) {
-    const vec2 d = xy2uv1976(chromaticity(row3(xyz, i))) - xy2uv1976(*white);
-    distance[i] = std::sqrt(d[0] * d[0] + d[1] * d[1]);
+    distance[i] = length(xy2uv1976(chromaticity(row3(xyz, i))) - xy2uv1976(*white));
   }
   print_column(out, "distance from white in u'v'", distance);
 }

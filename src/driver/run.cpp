@@ -57,7 +57,7 @@ void require_printed(std::ostream& out) {
 
 bool verbose_requested(std::span<const std::string_view> arguments) {
   return std::ranges::any_of(arguments, [](std::string_view a) {
-    const std::string_view text = trim(cut(a, 256));
+    const std::string_view text = trim(cut(a, longest_name));
     return text == "-verbose" || text == "-v";
   });
 }

@@ -83,10 +83,10 @@ std::vector<text_file> table_files(const correction& result, const profile& p) {
 void check_outdir(const profile& p) {
   if (p.outdir == "/") refuse_setting("outdir", "''", "names no folder; '.' is the working directory");
   for (const char* table : {post_name, matrix_name, pre_name}) {
-    if (p.outdir.size() + std::string_view(table).size() > longest_path || !p.outdir.ends_with('/')) {
+    if (p.outdir.size() + std::string_view(table).size() > longest_name || !p.outdir.ends_with('/')) {
       refuse_setting("outdir", text_of_outdir(p),
                      "too long: the path of a table, " + std::string(table) + ", has more than " +
-                         std::to_string(longest_path) + " characters");
+                         std::to_string(longest_name) + " characters");
     }
     refuse_to_overwrite(p, table, p.wgfile, "measurement");
     refuse_to_overwrite(p, table, p.gamfile, "gamma");

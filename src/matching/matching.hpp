@@ -23,20 +23,15 @@ struct segment {
   vec2 start, end;
 };
 
-/// x and y of each row X, Y, Z: n x 3 to n x 2. A zero sum gives NaN or infinity.
-matrix chromaticities(const matrix& xyz);
-
 /// Distance of two x, y chromaticities in the CIE 1960 uv plane.
 double uvdist(const vec2& xy1, const vec2& xy2);
 
-/// Chromaticities of the columns of a primaries matrix, then of their sum, the white. `_mat`: 3 x 3 to 4 x 2.
+/// Chromaticities of the columns of a primaries matrix, then of their sum, the white.
 chromaticity_table rgb2c_type(const mat3& rgb);
-matrix rgb2c_mat(const matrix& rgb);
 
 /// The primaries matrix whose columns have the chromaticities of rows red, green, blue and whose sum has that of row
-/// white at Y = 1. Primaries on one line, or a y of 0, give a non-finite result. `_mat`: 4 x 2 to 3 x 3.
+/// white at Y = 1. Primaries on one line, or a y of 0, give a non-finite result.
 mat3 c2rgb_type(const chromaticity_table& c);
-matrix c2rgb_mat(const matrix& c);
 
 /// Where the lines through two segments meet: start + t (end - start), with t of the first and s of the second.
 struct intersection {
@@ -48,9 +43,6 @@ struct intersection {
 /// Nothing when the segments are parallel: when the cross product of their directions, in units of the plane squared,
 /// is below 100 epsilon. The bound is absolute, so segments much shorter than 1e-7 count as parallel too.
 std::optional<intersection> intersection_parameters(const segment& seg1, const segment& seg2);
-
-/// Whether the segments have a point in common, end points included; false for parallel segments, even overlapping.
-bool segs_intersect(const segment& seg1, const segment& seg2);
 
 /// Radius of the inscribed circle: the margin at which the interior triangle shrinks to a point.
 double inradius(const triangle& tri);
@@ -147,5 +139,19 @@ struct two_table_solution {
 /// would exceed 1 - `rowsum_margin`. `tlen` is at least 2.
 two_table_solution twolutsolution(const monitor& mon, const chromaticity_table& target, const gspec& spec,
                                   std::size_t tlen);
+
+// ---- Held ready: no job calls these ----
+
+/// x and y of each row X, Y, Z: n x 3 to n x 2. A zero sum gives NaN or infinity.
+matrix chromaticities(const matrix& xyz);
+
+/// Whether the segments have a point in common, end points included; false for parallel segments, even overlapping.
+bool segs_intersect(const segment& seg1, const segment& seg2);
+
+/// `rgb2c_type` for a 3 x 3 matrix, giving 4 x 2: rows red, green, blue, white.
+matrix rgb2c_mat(const matrix& rgb);
+
+/// `c2rgb_type` for such a 4 x 2 matrix, giving 3 x 3.
+matrix c2rgb_mat(const matrix& c);
 
 }  // namespace corvantile

@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <vector>
 
 #include "colour/nonpar_monitor.hpp"
 #include "matching/matching.hpp"
+#include "utils/array_helpers.hpp"
 #include "utils/text.hpp"
 
 namespace corvantile {
@@ -15,9 +15,9 @@ double white_luminance(const mat3& m) { return m(1, 0) + m(1, 1) + m(1, 2); }
 
 // The largest row sum; a sum that is not a number does not count.
 double largest_row_sum(const mat3& m) {
-  double largest = std::numeric_limits<double>::quiet_NaN();
-  for (std::size_t i = 0; i < 3; ++i) largest = std::fmax(largest, m(i, 0) + m(i, 1) + m(i, 2));
-  return largest;
+  vec3 sums;
+  for (std::size_t i = 0; i < 3; ++i) sums[i] = m(i, 0) + m(i, 1) + m(i, 2);
+  return largest(sums.v);
 }
 
 bool has_negative_entry(const mat3& m) {
@@ -83,7 +83,7 @@ two_table_solution twolutsolution(const monitor& mon, const chromaticity_table& 
   front_end fe;
   set3chluts(fe, &sol.prelut, &sol.postlut, &sol.matrix);
   sol.cmon = monwfe(mon, fe);
-  sol.cmon.name = cut("frontend on " + mon.name, 256);
+  sol.cmon.name = cut("frontend on " + mon.name, longest_name);
   return sol;
 }
 

@@ -66,7 +66,7 @@ struct monitor {
 // ---- Making one (quadmon.cpp) ----
 
 /// Fits the model. `numsegs` pieces for every curve (5 when absent); `minslope` bounds the tone curves only.
-/// Stops the run with status 5 where the samples cannot give a model: not finite, a channel no brighter than the
+/// Throws `fault::content` where the samples cannot give a model: not finite, a channel no brighter than the
 /// dark, primaries on one line. A component of a channel that has no range to form its ratio, or whose ratio curve is
 /// not finite, gets the identity as its curve and 0 as its quadratic coefficient.
 monitor makemonitor(const measurements& samples, std::optional<int> numsegs = {}, double minslope = 0.0);

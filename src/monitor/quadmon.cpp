@@ -60,11 +60,9 @@ bool is_finite(const ppoly& pp) {
 // Three primaries of which one is a mixture of the other two span no gamut, and their matrix has no inverse.
 void require_gamut(const monitor& mon) {
   const auto& [r, g, b] = mon.RGB2XYZ.col;
-  const double volume =
-      r[0] * (g[1] * b[2] - g[2] * b[1]) + r[1] * (g[2] * b[0] - g[0] * b[2]) + r[2] * (g[0] * b[1] - g[1] * b[0]);
   const double edges = std::sqrt(dist2(r, {}) * dist2(g, {}) * dist2(b, {}));
   constexpr double flat = 1e-9;  // relative; real displays have some 0.1
-  if (!(std::abs(volume) > flat * edges)) {
+  if (!(std::abs(determinant(mon.RGB2XYZ)) > flat * edges)) {
     refuse_content(mon.name,
                    "the three primaries lie on one line of the chromaticity diagram; expected ramps of a red, a "
                    "green and a blue channel");
@@ -91,7 +89,7 @@ component_fit fit_component(std::span<const double> m, std::vector<double> ratio
 
 monitor makemonitor(const measurements& samples, std::optional<int> numsegs, double minslope) {
   monitor mon;
-  mon.name = samples.name.empty() ? "monitor" : cut(samples.name, 256);
+  mon.name = samples.name.empty() ? "monitor" : cut(samples.name, longest_name);
   mon.numsegs = numsegs.value_or(5);
   mon.minslope = minslope;
   const std::size_t ramps = ramp_count(samples.version);

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "numerics/linsolv.hpp"
+#include "utils/text.hpp"
 
 namespace corvantile {
 
@@ -39,7 +40,7 @@ class inverse_display {
 
 synthetic_monitor make_synthetic_monitor(std::string_view name, const mat3& primaries, lut table,
                                          const vec3& offset) {
-  return {std::string(name.substr(0, 256)), std::move(table), primaries, offset};
+  return {std::string(cut(name, longest_name)), std::move(table), primaries, offset};
 }
 
 static auto syn_inp2out(const synthetic_monitor& syn) {

@@ -25,16 +25,20 @@ synthetic_monitor make_synthetic_monitor(std::string_view name, const mat3& prim
                                          const vec3& offset = {});
 
 /// Input to X, Y, Z: primaries * table(input) + offset.
-vec3 syn_inp2out_vec(const synthetic_monitor& syn, const vec3& inp);
 matrix syn_inp2out_mat(const synthetic_monitor& syn, const matrix& inp);
+
+/// For each column of the primaries matrix, the sum of its three entries.
+/// This is not the X, Y, Z of full drive: that would be the sums of the rows.
+vec3 syn_whitepoint(const synthetic_monitor& syn);
+
+// ---- Held ready: no job calls these ----
+
+/// Input to X, Y, Z of one triple.
+vec3 syn_inp2out_vec(const synthetic_monitor& syn, const vec3& inp);
 
 /// X, Y, Z to input. A tone table that does not rise strictly is inverted through its own monotone smoothing, see
 /// `iba`. Singular primaries give a non-finite result.
 vec3 syn_out2inp_vec(const synthetic_monitor& syn, const vec3& xyz);
 matrix syn_out2inp_mat(const synthetic_monitor& syn, const matrix& xyz);
-
-/// For each column of the primaries matrix, the sum of its three entries.
-/// This is not the X, Y, Z of full drive: that would be the sums of the rows.
-vec3 syn_whitepoint(const synthetic_monitor& syn);
 
 }  // namespace corvantile

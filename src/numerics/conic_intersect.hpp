@@ -11,13 +11,6 @@
 
 namespace corvantile {
 
-/// The conic a u^2 + b u v + c v^2 + d u + e v + f, as (a, b, c, d, e, f).
-using conic = std::array<double, 6>;
-
-inline double eval(const conic& q, double u, double v) {
-  return q[0] * (u * u) + q[1] * u * v + q[2] * (v * v) + q[3] * u + q[4] * v + q[5];
-}
-
 // Searches over values in [0, 1] need no bounds where an angle stands for each value.
 
 /// The value that an angle, any angle, stands for.
@@ -30,6 +23,15 @@ inline double square_of_sine(double angle) {
 inline double angle_of(double value, double otherwise) {
   if (value >= 0 && value < 1) return std::asin(std::sqrt(value));
   return value >= 1 ? std::numbers::pi / 2 : otherwise;
+}
+
+// ---- Held ready: no job calls these ----
+
+/// The conic a u^2 + b u v + c v^2 + d u + e v + f, as (a, b, c, d, e, f).
+using conic = std::array<double, 6>;
+
+inline double eval(const conic& q, double u, double v) {
+  return q[0] * (u * u) + q[1] * u * v + q[2] * (v * v) + q[3] * u + q[4] * v + q[5];
 }
 
 /// Q1(u, v)^2 + Q2(u, v)^2 with u, v the squared sines of the two angles.

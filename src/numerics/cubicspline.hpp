@@ -47,6 +47,8 @@ class spline_system {
   std::vector<extent> extents_;  // of the columns of lu_
 };
 
+// ---- Held ready: no job calls these ----
+
 /// The slopes `d` that make the cubic Hermite interpolant of `x`, `y` and `d` twice continuously differentiable.
 /// Arguments and limits as for `spline_system`.
 void spline(std::span<const double> x, std::span<const double> y, std::span<double> d,

@@ -20,9 +20,6 @@ namespace corvantile {
 matrix inv(const matrix& a);
 /// The same steps and bits on the stack.
 mat3 inv(const mat3& a);
-/// Overwrites `b` with the solution x of A x = b, A square. Singular as for `inv`.
-void solve(const matrix& a, std::span<double> b);
-
 /// Factors the n x n matrix in place into L U by Gaussian elimination with partial pivoting; `ipvt` takes n pivot
 /// rows. Returns 0, or k when pivot k, counted from 1, is zero (the last such): the factors are complete even so,
 /// but `sgesl` and `sgedi` will divide by it.
@@ -36,6 +33,11 @@ void sgesl(std::span<const double> a, std::size_t lda, std::size_t n, std::span<
 /// The determinant is det[0] 10^det[1] with 1 <= |det[0]| < 10, or det[0] = 0. `work` has n elements.
 void sgedi(std::span<double> a, std::size_t lda, std::size_t n, std::span<const std::size_t> ipvt,
            std::array<double, 2>& det, std::span<double> work, int job);
+
+// ---- Held ready: no job calls these ----
+
+/// Overwrites `b` with the solution x of A x = b, A square. A singular matrix as in `inv`.
+void solve(const matrix& a, std::span<double> b);
 
 /// Factors as `sgefa` does and returns an estimate of 1 / (|A| |A^-1|) in the 1-norm: near 0 for a matrix that is
 /// singular to working precision. `z` has n elements and ends as an approximate null vector where that is so.

@@ -1,5 +1,5 @@
 #pragma once
-// Array helpers: the sort of the Nelder-Mead minimiser, and the identity matrix, which is held ready.
+// Array helpers: the sort of the Nelder-Mead minimiser, and the identity matrix.
 
 #include <cstddef>
 #include <span>
@@ -8,13 +8,6 @@
 #include "numerics/matrix.hpp"
 
 namespace corvantile {
-
-/// The n x n identity matrix.
-inline matrix eye(std::size_t n) {
-  matrix m(n, n);
-  for (std::size_t i = 0; i < n; ++i) m(i, i) = 1.0;
-  return m;
-}
 
 /// Sorts `v` in place; `perm` (empty, or as long as `v`) receives the permutation, counted from 0: the element now at
 /// i stood at perm[i]. Ascending, equal values keep their order. Descending is that order reversed, so that equal
@@ -32,6 +25,15 @@ inline void sort(std::span<double> v, bool descending = false, std::span<std::si
   if (descending) {
     for (std::size_t i = 0; i < v.size() / 2; ++i) swap_at(i, v.size() - 1 - i);
   }
+}
+
+// ---- Held ready: no job calls these ----
+
+/// The n x n identity matrix.
+inline matrix eye(std::size_t n) {
+  matrix m(n, n);
+  for (std::size_t i = 0; i < n; ++i) m(i, i) = 1.0;
+  return m;
 }
 
 }  // namespace corvantile

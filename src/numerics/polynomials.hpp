@@ -22,14 +22,6 @@ struct polynomial {
 inline polynomial makepoly(std::vector<double> c) { return {std::move(c)}; }
 /// The constant 1, where repeated products start.
 inline polynomial poly_identity() { return {{1.0}}; }
-/// The monomial x^n; the constant 1 for n <= 0.
-polynomial poly_arg_power(int n);
-/// Number of coefficients less one; -1 when never set.
-inline int poly_degree(const polynomial& p) { return static_cast<int>(p.coef.size()) - 1; }
-/// `p` without its leading coefficients of magnitude <= tol; zero (degree 0) when none remains.
-/// The default `tol` is 2^-52 times the largest magnitude of a coefficient.
-polynomial poly_trim(const polynomial& p, std::optional<double> tol = {});
-
 // Sums and differences have the length of the longer operand, products len(a) + len(b) - 1.
 polynomial real_times_poly(double r, const polynomial& p);
 polynomial poly_times_real(const polynomial& p, double r);
@@ -61,22 +53,37 @@ inline double polyval(const polynomial& p, double x) {
 
 /// The antiderivative with the constant term `c`; one degree more.
 polynomial polyint(const polynomial& p, double c = 0.0);
-/// The integral of `p` from `a` to `b`, as the difference of the antiderivative's values.
-double polydefint(const polynomial& p, double a, double b);
 /// The derivative; one degree less, but zero (degree 0) for a constant.
 polynomial polyder(const polynomial& p);
 
-/// p(x)^n, multiplied up one factor at a time; the constant 1 for n <= 0.
-polynomial poly_to_power(const polynomial& p, int n);
-/// q(x) = p(s x).
-polynomial poly_arg_scale(const polynomial& p, double s);
 /// q(x) = p(x - s).
 polynomial poly_arg_shift(const polynomial& p, double s);
-/// p(q(x)), of length degree(p) degree(q) + 1.
-polynomial poly_compose(const polynomial& p, const polynomial& q);
-
 /// The least-squares polynomial of degree `n` >= 0 through the points (x[i], y[i]), equally many of each, by the
 /// pseudo-inverse: with fewer than n + 1 distinct points it is the solution of least norm. Always n + 1 coefficients.
 polynomial polyfit(std::span<const double> x, std::span<const double> y, int n);
+
+// ---- Held ready: no job calls these ----
+
+/// The monomial x^n; the constant 1 for n <= 0.
+polynomial poly_arg_power(int n);
+
+/// Number of coefficients less one; -1 when never set.
+inline int poly_degree(const polynomial& p) { return static_cast<int>(p.coef.size()) - 1; }
+
+/// `p` without its leading coefficients of magnitude <= tol; zero (degree 0) when none remains.
+/// The default `tol` is 2^-52 times the largest magnitude of a coefficient.
+polynomial poly_trim(const polynomial& p, std::optional<double> tol = {});
+
+/// The integral of `p` from `a` to `b`, as the difference of the antiderivative's values.
+double polydefint(const polynomial& p, double a, double b);
+
+/// p(x)^n, multiplied up one factor at a time; the constant 1 for n <= 0.
+polynomial poly_to_power(const polynomial& p, int n);
+
+/// q(x) = p(s x).
+polynomial poly_arg_scale(const polynomial& p, double s);
+
+/// p(q(x)), of length degree(p) degree(q) + 1.
+polynomial poly_compose(const polynomial& p, const polynomial& q);
 
 }  // namespace corvantile

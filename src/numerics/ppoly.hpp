@@ -31,36 +31,15 @@ inline ppoly makeppoly(std::vector<double> knots, std::vector<polynomial> polys)
 /// knots. Three equal lengths, at least 2. Equal neighbours in `x` give a non-finite piece.
 ppoly hermite2ppoly(std::span<const double> x, std::span<const double> y, std::span<const double> d);
 
-inline int pp_knot_count(const ppoly& pp) { return static_cast<int>(pp.knots.size()); }
-inline int pp_poly_count(const ppoly& pp) { return static_cast<int>(pp.polys.size()); }
-/// Copies the knots into `out`, which has room for all of them.
-void pp_knots(const ppoly& pp, std::span<double> out);
-/// Copies the pieces into `out`, which has room for all of them.
-void pp_polys(const ppoly& pp, std::span<polynomial> out);
-/// Piece `i`, where an index beyond either end means the piece at that end. (`pp_setpoly` refuses such an index.)
-polynomial pp_getpoly(const ppoly& pp, int i);
-/// Makes piece `i` a copy of `p` and returns true; an index beyond either end changes nothing and returns false.
-bool pp_setpoly(ppoly& pp, const polynomial& p, int i);
-
 /// f(x). An interior knot belongs to the piece on its left. NaN when there is no piece. Allocates nothing.
 double ppval(const ppoly& pp, double x);
 /// The continuous antiderivative F with F(first knot) = c, on the same knots.
 ppoly ppint(const ppoly& pp, double c = 0.0);
-/// The derivative, piece by piece.
-ppoly ppder(const ppoly& pp);
-/// The integral of f from `a` to `b`, either of which may lie outside the knots.
-double ppdefint(const ppoly& pp, double a, double b);
-
 /// x with f(x) = y by bisection of [a, b], down to a bracket no wider than `tol`; the last midpoint is returned.
 /// f may rise or fall; f(b) <= f(a) counts as falling. A target out of reach leads to the nearer end. A bracket no
 /// wider than `tol` to begin with, or of NaN width, gives (a + b) / 2. A `tol` finer than the spacing of the
 /// numbers at the root gives the best that they can express.
 double ppsolve_s(const ppoly& pp, double y, double a, double b, double tol);
-/// The same for many targets at once. All take as many steps as the first target needs.
-std::vector<double> ppsolve_v(const ppoly& pp, std::span<const double> y, double a, double b, double tol);
-/// The same for a matrix of targets; the result has its shape.
-matrix ppsolve_m(const ppoly& pp, const matrix& y, double a, double b, double tol);
-
 /// The same function, extrapolation included, with `x` among its knots. Unchanged when `x` lies within
 /// 10 epsilon max|knot| of a knot already.
 ppoly insert_knot(const ppoly& pp, double x);
@@ -95,5 +74,29 @@ inline ppoly operator*(double r, const ppoly& pp) { return real_times_pp(r, pp);
 inline ppoly operator*(const ppoly& pp, double r) { return pp_times_real(pp, r); }
 inline ppoly operator*(const ppoly& a, const ppoly& b) { return pp_times_pp(a, b); }
 inline ppoly operator/(const ppoly& pp, double r) { return pp_over_real(pp, r); }
+
+// ---- Held ready: no job calls these ----
+
+inline int pp_knot_count(const ppoly& pp) { return static_cast<int>(pp.knots.size()); }
+inline int pp_poly_count(const ppoly& pp) { return static_cast<int>(pp.polys.size()); }
+/// Copies the knots into `out`, which has room for all of them.
+void pp_knots(const ppoly& pp, std::span<double> out);
+/// Copies the pieces into `out`, which has room for all of them.
+void pp_polys(const ppoly& pp, std::span<polynomial> out);
+/// Piece `i`, where an index beyond either end means the piece at that end. (`pp_setpoly` refuses such an index.)
+polynomial pp_getpoly(const ppoly& pp, int i);
+/// Makes piece `i` a copy of `p` and returns true; an index beyond either end changes nothing and returns false.
+bool pp_setpoly(ppoly& pp, const polynomial& p, int i);
+
+/// The derivative, piece by piece.
+ppoly ppder(const ppoly& pp);
+
+/// The integral of f from `a` to `b`, either of which may lie outside the knots.
+double ppdefint(const ppoly& pp, double a, double b);
+
+/// `ppsolve_s` for many targets at once. All take as many steps as the first target needs.
+std::vector<double> ppsolve_v(const ppoly& pp, std::span<const double> y, double a, double b, double tol);
+/// The same for a matrix of targets; the result has its shape.
+matrix ppsolve_m(const ppoly& pp, const matrix& y, double a, double b, double tol);
 
 }  // namespace corvantile

@@ -2,8 +2,15 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace corvantile {
+
+double largest(std::span<const double> v) {
+  double m = std::numeric_limits<double>::quiet_NaN();
+  for (const double x : v) m = std::fmax(m, x);
+  return m;
+}
 
 std::vector<int> find_vec(const std::vector<bool>& mask) {
   std::vector<int> found;

@@ -9,6 +9,11 @@
 
 namespace corvantile {
 
+/// The largest value, those that are not a number left out; not a number when there is no other.
+double largest(std::span<const double> v);
+
+// ---- Held ready: no job calls these ----
+
 /// Indices of the true elements, ascending.
 std::vector<int> find_vec(const std::vector<bool>& mask);
 

@@ -27,7 +27,9 @@ std::string prtmat_real(const mat3& a, std::optional<std::string_view> title = {
 /// The integer matrix, laid out in the same way.
 std::string prtmat_int(const int_matrix& a, std::optional<std::string_view> title = {});
 
-/// The same onto `unit`.
+// ---- Held ready: no job calls these ----
+
+/// `prtmat_real` and `prtmat_int` onto `unit`.
 void prtmat_real(std::ostream& unit, const matrix& a, std::optional<std::string_view> title = {});
 void prtmat_real(std::ostream& unit, const mat3& a, std::optional<std::string_view> title = {});
 void prtmat_int(std::ostream& unit, const int_matrix& a, std::optional<std::string_view> title = {});

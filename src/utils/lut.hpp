@@ -16,15 +16,6 @@ struct lut {
   friend bool operator==(const lut&, const lut&) = default;
 };
 
-/// A table, or why there is none.
-struct lut_and_stat {
-  lut table;     ///< empty unless `stat` is 0
-  int stat = 0;  ///< 0 built, 1 lengths differ, 2 `x` neither rises nor falls strictly, 3 no memory, 4 below 2 points
-};
-
-/// The table through the points (x, y). Falling abscissae are stored the other way round.
-lut_and_stat makelut_stat(std::span<const double> x, std::span<const double> y);
-
 /// The table through the points (x, y), repaired where need be: reversed unless the last abscissa exceeds the first;
 /// and where the abscissae then do not rise strictly, they are replaced by their own monotone smoothing over
 /// position. The ordinates stay. The repaired table may still be invalid: `isvalid_lut` tells.
@@ -80,9 +71,6 @@ lut invlut(const lut& t);
 /// Whether both vectors are there, of one length, and the abscissae rise strictly. One point is enough.
 bool isvalid_lut(const lut& t);
 
-/// Makes `t` a table that was never built.
-void reset_lut(lut& t);
-
 /// Monotone smoothing of the samples (x, y) with `nseg` pieces and slopes of at least `minslope` (before
 /// normalisation; see `pp_iba`), evaluated at `n` evenly spaced points from the first to the last abscissa, or at the
 /// abscissae themselves when `n` is absent.
@@ -91,11 +79,25 @@ std::vector<double> iba(std::span<const double> x, std::span<const double> y, in
 
 /// `n` evenly spaced values from `a` to `b`, both exact; each interior one computed directly. n = 1 gives `b`.
 std::vector<double> linspace(double a, double b, std::size_t n);
-/// The same grid, with a default length.
-std::vector<double> oldlinspace(double a, double b, std::size_t n = 100);
-
 /// Whether each value exceeds (falls below) the one before it. True for fewer than two values.
 bool increasing(std::span<const double> v);
 bool decreasing(std::span<const double> v);
+
+// ---- Held ready: no job calls these ----
+
+/// A table, or why there is none.
+struct lut_and_stat {
+  lut table;     ///< empty unless `stat` is 0
+  int stat = 0;  ///< 0 built, 1 lengths differ, 2 `x` neither rises nor falls strictly, 3 no memory, 4 below 2 points
+};
+
+/// The table through the points (x, y). Falling abscissae are stored the other way round.
+lut_and_stat makelut_stat(std::span<const double> x, std::span<const double> y);
+
+/// Makes `t` a table that was never built.
+void reset_lut(lut& t);
+
+/// `linspace` with a default length.
+std::vector<double> oldlinspace(double a, double b, std::size_t n = 100);
 
 }  // namespace corvantile

@@ -32,8 +32,7 @@ void append_not_finite(std::string& out, double v, std::size_t width) {
 }
 
 // A separator ends a number; all but the comma and the slash also count as blank.
-constexpr bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
-constexpr bool is_separator(char c) { return is_blank(c) || c == ',' || c == '/'; }
+constexpr bool is_separator(char c) { return is_white_space(c) || c == ',' || c == '/'; }
 constexpr auto separators = []() {
   std::array<bool, 256> t{};
   for (std::size_t c = 0; c < t.size(); ++c) t[c] = is_separator(static_cast<char>(c));
@@ -227,7 +226,7 @@ std::optional<std::string> read_file(std::string_view name, std::size_t most) {
 }
 
 void number_scanner::skip_blanks() {
-  for (; pos_ < text_.size() && is_blank(text_[pos_]); ++pos_)
+  for (; pos_ < text_.size() && is_white_space(text_[pos_]); ++pos_)
     if (text_[pos_] == '\n') ++line_;
 }
 

@@ -35,6 +35,12 @@ void append_integer(std::string& out, std::int64_t v, std::size_t width = 0);
 /// Free format: one blank, then the shortest digits that read back as the same double. Several of them make a line.
 std::string free_format(double v);
 
+/// What separates words, line ends among them.
+constexpr bool is_white_space(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+
+/// Characters that the name of a file, or of a monitor called after it, keeps.
+inline constexpr std::size_t longest_name = 256;
+
 /// The first `length` bytes: what a text of that fixed length keeps of a longer one.
 std::string_view cut(std::string_view s, std::size_t length);
 
