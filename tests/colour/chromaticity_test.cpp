@@ -29,14 +29,6 @@ TEST(BlackBody, HasPublishedColours) {
   EXPECT_LT(dist2(blackbody_color(2856), {{1.09850, 1, 0.35585}}), 5e-9) << "illuminant A, ASTM E308-01";
 }
 
-TEST(BlackBody, SumsTheFourDecimalTableWithItsOwnConstants) {
-  // Computed independently from the four-decimal table; a six-digit table gives 5009.6656 K and 9286.8433 K.
-  EXPECT_NEAR(xyz2cct(blkbod(2856)), 2790.4881, 5.1e-5);
-  EXPECT_NEAR(xyz2cct(blkbod(5000)), 5009.6470, 5.1e-5);
-  EXPECT_NEAR(xyz2cct(blkbod(6504)), 6502.3051, 5.1e-5);
-  EXPECT_NEAR(xyz2cct(blkbod(9300)), 9287.0084, 5.1e-5);
-}
-
 TEST(Xyz2Cct, GivesPublishedTemperatures) {
   EXPECT_NEAR(xyz2cct(vec2{{0.31270, 0.32900}}), 6500.74204318, 1e-6) << "D65, colour-science/colour";
   EXPECT_NEAR(xyz2cct(vec2{{0.44757, 0.40745}}), 2790.64222533, 1e-6) << "illuminant A, colour-science/colour";
@@ -46,7 +38,8 @@ TEST(Xyz2Cct, GivesPublishedTemperatures) {
 TEST(CctSegment, IsTheLineOfConstantTemperatureWithTheWidthAskedFor) {
   for (const double T : {2500.0, 6504.0, 20000.0}) {
     const locus_swath s = cct_segment(T, 0.02);
-    EXPECT_TRUE(s.tmin < 0 && s.tmax > 0);
+    EXPECT_LT(s.tmin, 0);
+    EXPECT_GT(s.tmax, 0);
     for (const double t : {s.tmin, s.tmax}) {
       EXPECT_NEAR(distance(xy2uv_vec(s.at(t)), xy2uv_vec(s.p)), 0.02, 1e-14);
       EXPECT_NEAR(xyz2cct(s.at(t)) / xyz2cct(s.p), 1.0, 1e-12);

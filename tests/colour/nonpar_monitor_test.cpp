@@ -6,8 +6,6 @@
 #include <tuple>
 
 #include "colour/chromaticity.hpp"
-#include "numerics/monotone_smoothing.hpp"
-#include "numerics/neldmead.hpp"
 #include "tests/monitor/fitted.hpp"
 
 namespace corvantile {
@@ -36,41 +34,6 @@ TEST(Inversion, StartsWhereToldOrAtFullDrive) {
   EXPECT_NE(from_full, out2inp(plain, target, vec3{{0.4, 0, 0.4}}).value) << "0 is angle 0";
   EXPECT_EQ(from_full, out2inp(plain, target, vec3{{0.4, -0.1, 0.4}}).value);
   EXPECT_EQ(from_full, out2inp(plain, target, vec3{{0.4, std::nan(""), 0.4}}).value);
-}
-
-// Runs a search with and without leaving out repeated iterations. Whether it stalled, the results being the same.
-template <class Cost, class Start>
-bool stalls(Cost&& cost, const Start& start) {
-  nm_settings set{.scale = 0.05, .tol = 1e-14, .maxit = 100000};
-  const auto skipping = neldermead(cost, start, set);
-  if (skipping.converged) return false;
-  set.skip_cycles = false;
-  const auto full = neldermead(cost, start, set);
-  EXPECT_EQ(std::tuple(skipping.xmin, skipping.fmin, skipping.iters, skipping.converged),
-            std::tuple(full.xmin, full.fmin, full.iters, full.converged));
-  EXPECT_LT(skipping.evals, full.evals / 20);
-  return true;
-}
-
-TEST(StalledSearch, GivesTheSameBitsWithoutItsRepetitions) {
-  const monitor bright = fitted(random_display(101), 8);  // 687 cd/m2
-  const prepared_monitor prepared(bright);
-  int stalled = 0;
-  for (int percent = 80; percent < 100 && stalled < 2; ++percent) {  // about the brightest 6500 K
-    const vec3 xyz = percent / 100.0 * bright.whitepoint[1] * blackbody_color(6500);
-    stalled += stalls(cost2i{prepared, xyz}, std::array{1.0, 1.0, 1.0});
-  }
-  EXPECT_GT(stalled, 0);
-  // Fits of luminances stay unconverged where those of monitor values, which are at most 1, do not.
-  stalled = 0;
-  for (std::uint64_t seed = 1; seed < 20 && stalled == 0; ++seed) {
-    const monitor noisy = fitted({.white_luminance = 1000, .noise = 0.01, .seed = seed});
-    std::vector<double> y;
-    for (const double m : noisy.rampy.col(0)) y.push_back(m * noisy.Ymax[0]);
-    monotone_fit fit(noisy.rampin.col(0), y, 6, 0.0);
-    stalled += stalls([&](auto p) { return fit.cost(p); }, std::span<const double>(fit.starting_point()));
-  }
-  EXPECT_GT(stalled, 0);
 }
 
 // The definition, with every trial inverted to its end.
@@ -109,7 +72,6 @@ TEST(RampTop, TheSwathsIsTheBrightestOnItsLine) {
 
 TEST(GrayRamp, ShowsTheCurveTimesTheTopPlusTheWeightedDark) {
   const lut curve = make_gamma_table(2, 65);
-  EXPECT_EQ(interp(curve, 0.25), 0.0625);
   const vec2 warm{{0.33, 0.345}};
   matrix by_temperature(18, 3), by_swath(18, 3), by_chromaticity(18, 3);
   colortemp_lut(by_temperature, plain, 6500, curve, 0.5, 0);

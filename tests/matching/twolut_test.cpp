@@ -59,7 +59,8 @@ TEST(TwoTables, PostTablesInvertTheToneCurvesWhoseLeastSlopeBoundsTheirs) {
     const double x = static_cast<double>(i) / 64, rise = (bound(i, 1) - bound(i - 1, 1)) * 64;
     EXPECT_NEAR(ppval(display.inpcurve[1], exact(i, 1)), x, 1e-11);
     EXPECT_NEAR(bound(i, 1), exact(i, 1), x < 0.2 ? 0.2 : 0.02) << x;
-    EXPECT_TRUE(rise > 0 && rise < 1.05 / 0.2) << rise;
+    EXPECT_GT(rise, 0);
+    EXPECT_LT(rise, 1.05 / 0.2);
   }
 }
 

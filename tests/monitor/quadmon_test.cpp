@@ -1,10 +1,9 @@
-#include <fstream>
 #include <gtest/gtest.h>
 #include <limits>
 #include <sstream>
-#include <unistd.h>
 
 #include "tests/monitor/fitted.hpp"
+#include "utils/array_io.hpp"
 #include "utils/failure.hpp"
 
 namespace corvantile {
@@ -27,6 +26,9 @@ TEST(Fit, RecoversTheDisplay) {
 TEST(Fit, PinsTheDarkEndWhateverItReadsAndBoundsTheToneCurvesOnly) {
   measurements m = measured({});
   m.data(2 * 17 - 1, 4) += 0.4;  // the dark end of the red ramp, by half a percent of its range
+  measurements swayed = m;       // in X, with the same mean
+  swayed.data(2 * 17 - 1, 3) += 0.4, swayed.data(16, 3) -= 0.4;
+  EXPECT_NEAR(ppval(makemonitor(swayed).xcurve[0], 0.1), ppval(makemonitor(m).xcurve[0], 0.1), 1e-6);
   const monitor free = makemonitor(m), bound = makemonitor(m, 5, 0.1);
   EXPECT_EQ(bound.rampy(0, 0), 0);
   EXPECT_LT(ppval(ppder(free.inpcurve[1]), 0), 0.02);
@@ -47,18 +49,14 @@ TEST(Fit, AveragesTheDarkOverAllRampsAndTakesOnlyTheDriveScaleFromExtraSamples) 
   }
 }
 
-TEST(Fit, TheTwoDefaultNumbersOfPiecesDiffer) {
-  const std::string file = testing::TempDir() + "quadmon_test" + std::to_string(getpid());
-  std::ofstream(file) << measurement_file({});
-  EXPECT_EQ(pp_poly_count(loadmonitor(file).inpcurve[2]), 8);
-  EXPECT_EQ(loadmonitor(file, 5).inpcurve, makemonitor(load_measurements(file)).inpcurve);
-  std::remove(file.c_str());
-}
-
 TEST(MeasurementFile, IsReadAsOneStreamBehindComments) {
   const std::string ramp = "255 255 255 9 9 9 0 0 0 0 0 0\n", rest = "9 0 0 0 0 0 0 " + ramp + ramp + ramp;
   const matrix m = parse_measurements("m", "; one\n;two\n2,0,2 and more\n255\n255 255,9 9\n" + rest + "words").data;
   EXPECT_TRUE(std::ranges::equal(m.col(5), std::array{9, 0, 9, 0, 9, 0, 9, 0}));
+  EXPECT_EQ(parse_measurements("m", "17 600 2\n408*1 3600*0").data.rows(), 668u) << "repeat counts";
+  const auto header = [](std::size_t length) { return "2 0" + std::string(length - 4, ' ') + "2\n48*1"; };
+  EXPECT_EQ(parse_measurements("m", header(1024)).version, 2);
+  EXPECT_THROW(parse_measurements("m", header(1025)), failure) << "behind what counts of the line";
 }
 
 TEST(MeasurementFile, IsRefusedWhereItGivesNoModel) {
@@ -75,8 +73,13 @@ TEST(MeasurementFile, IsRefusedWhereItGivesNoModel) {
       {"2 0 2\n" + w + "9 x 0\n" + g + b, "number 2 of 6 of sample 3 (level 1 of the red ramp)"},
       {"2 0 2\nNaN 9 9 9 9 9" + rest + r + g + b, "m: sample 1 (level 1 of the white ramp): R is NaN"},
       {"2 0 2\n" + w + r + "0 9 0 9 9 Inf" + rest + b, "m: sample 5 (level 1 of the green ramp): Z is Inf"},
+      {"3 0 2\n9 9 9 1 1 1 12*5\n5 0 0 4 2 1\n9 0 0 2 1 1\n42*0",
+       "m: line 3: sample 4 (level 1 of the red ramp): drive 5 is not the highest of its ramp, sample 5"},
+      {"3 0 2\n9 9 9 1 1 1 12*5\n9 0 0 4 2 1\n6*0\n5 5*0\n36*0",
+       "m: line 5: sample 6 (level 3 of the red ramp): drive 5 is not the lowest of its ramp, sample 5"},
       {"2 0 2\n" + w + r + g + off, "m: the blue channel gets no brighter than the dark"},
       {"2 0 2\n" + off + r + g + b, "m: sample 1 (level 1 of the white ramp): X, Y, Z are 0 0 0, expected a white"},
+      {"2 0 2\n9 9 9 -2 1.1 -2" + rest + r + g + b, "X, Y, Z are -2 1.1 -2, expected a white"},
       {"2 0 2\n" + off + off + off + off, "m: no drive value is above 0"},
       {"2 0 2\n" + w + r + g + "0 0 9 .5 .5 .2" + rest, "m: the three primaries lie on one line"}};
   for (const auto& [text, fragment] : rows) {
@@ -97,10 +100,26 @@ TEST(FixLowEnd, ACubicThroughTheOriginIsKept) {
   for (std::size_t i = 0; i < 5; ++i) EXPECT_NEAR(fixlowend(x, y)[i], y[i], 1e-14) << i;
 }
 
-TEST(Dump, NamesNoFrontEndWhereThereIsNone) {
-  std::ostringstream out;
-  dumpmon(out, plain);
-  EXPECT_TRUE(out.str().starts_with("simulated\nwhitepoint = 237.61"));
+TEST(Dump, ListsNameColoursAndMatrices) {
+  monitor mon;
+  mon.name = "m  ";
+  double n = 0;
+  for (vec3* v : {&mon.whitepoint, &mon.darklight, &mon.Xmax, &mon.Ymax, &mon.Zmax, &mon.nX, &mon.nZ})
+    *v = {{++n, 0.25, -0.5}};
+  mon.RGB2XYZ = {{vec3{{1, 2, 3}}, vec3{{4, 5, 6}}, vec3{{7, 8, 9}}}};
+  mon.XYZ2RGB = mon.fe.matrix = mon.RGB2XYZ / 10;
+  std::string want = "m\n";
+  for (const char* label : {"whitepoint", "darklight", "Xmax", "Ymax", "Zmax", "nX", "nZ"})
+    want += std::string(label) + " = " + std::to_string(1 + std::ranges::count(want, '.') / 3) +
+            ".00000000   .25000000   -.50000000\n";
+  want += "RGB2XYZ:\n 1 4 7\n 2 5 8\n 3 6 9\nXYZ2RGB:\n 0.1 0.4 0.7\n 0.2 0.5 0.8\n 0.3 0.6 0.9\n";
+  for (const bool composite : {false, true}) {
+    mon.composite = composite;
+    std::ostringstream out;
+    dumpmon(out, mon);
+    EXPECT_EQ(out.str(),
+              composite ? "m\nComposite\n" + prtmat_real(mon.fe.matrix, "with matrix: ") + want.substr(2) : want);
+  }
 }
 
 }  // namespace

@@ -46,7 +46,8 @@ TEST(Spline, IsTwiceContinuouslyDifferentiableAndKeepsItsEndConditions) {
 TEST(Spline, TooFewOrEqualKnotsAreHarmless) {
   EXPECT_EQ(slopes_of({0, 2}, {1, 5}, 2), (vec{2, 2})) << "two natural knots: a line";
   for (const int endcond : {1, 2, 3, 4}) {
-    EXPECT_TRUE(std::isnan(slopes_of({0}, {1}, endcond)[0]) && slopes_of({}, {}, endcond).empty()) << endcond;
+    EXPECT_TRUE(std::isnan(slopes_of({0}, {1}, endcond)[0])) << endcond;
+    EXPECT_EQ(slopes_of({}, {}, endcond), vec{}) << endcond;
     for (const vec& x : {vec{0, 1}, {0, 1, 3}, {1, 1, 1, 1}}) slopes_of(x, x, endcond);  // stays within its arrays
   }
 }

@@ -1,13 +1,13 @@
 #include "numerics/neldmead.hpp"
 
+#include <bit>
 #include <cmath>
-#include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
 #include <random>
+#include <tuple>
 
 #include "numerics/conic_intersect.hpp"
-#include "numerics/nonlinfit.hpp"
 
 namespace corvantile {
 
@@ -21,7 +21,8 @@ TEST(NelderMead, FindsAKnownMinimumInBothKindsOfDimension) {
   const auto sized = neldermead(rosenbrock, point(std::array{-1.2, 1.0}), {.tol = 1e-16});
   EXPECT_TRUE(fixed.converged);
   EXPECT_NEAR(std::abs(fixed.xmin[0] - 1) + std::abs(fixed.xmin[1] - 1), 0, 1e-6);
-  EXPECT_TRUE(std::ranges::equal(fixed.xmin, sized.xmin) && fixed.iters == sized.iters && fixed.evals == sized.evals);
+  EXPECT_TRUE(std::ranges::equal(fixed.xmin, sized.xmin));
+  EXPECT_EQ(std::pair(fixed.iters, fixed.evals), std::pair(sized.iters, sized.evals));
   EXPECT_GT(neldermead(rosenbrock, std::array{-1.2, 1.0}, {.tol = 1e-16, .enough = 1e-3}).fmin, 1e-9);
   const auto hopeless = [](auto) { return nan; };
   EXPECT_EQ(neldermead(hopeless, std::array{1.0}, {.maxit = 500}).iters, 501) << "not converged";
@@ -45,7 +46,7 @@ TEST(NelderMead, TakesEachStepByItsRule) {
       return x[0] == 0 ? 3 : x[0] == 1 ? at[0] : x[0] == 1.5 ? at[1] : x[0] == 0.75 ? at[2] : at[3];
     };
     const auto r = neldermead(cost, std::array{0.0, 0.0}, {.maxit = 1});
-    EXPECT_TRUE(r.fmin == best && r.evals == evals) << why;
+    EXPECT_EQ(std::pair(r.fmin, static_cast<int>(r.evals)), std::pair(best, evals)) << why;
   }
 }
 
@@ -82,8 +83,10 @@ TEST(NelderMead, LeavingOutRepeatedIterationsChangesNothing) {
     const auto skipped = neldermead(cost, std::array{0.5, 0.1 * (i % 4), 0.2}, set);
     set.skip_cycles = false;
     const auto full = neldermead(cost, std::array{0.5, 0.1 * (i % 4), 0.2}, set);
-    EXPECT_TRUE(skipped.xmin == full.xmin && std::memcmp(&skipped.fmin, &full.fmin, sizeof(double)) == 0) << i;
-    EXPECT_TRUE(skipped.iters == full.iters && skipped.converged == full.converged) << i;
+    const auto outcome = [](const auto& r) {
+      return std::tuple(r.xmin, std::bit_cast<std::uint64_t>(r.fmin), r.iters, r.converged);
+    };
+    EXPECT_EQ(outcome(skipped), outcome(full)) << i;
     if (skipped.evals < full.evals / 2) ++stalls;
   }
   EXPECT_GE(stalls, 5) << "or the test shows nothing";
@@ -100,12 +103,6 @@ TEST(Conics, MeetInTheUnitSquare) {
     const vec2 mu = cmus(q1, q2, start) - want;
     EXPECT_NEAR(std::abs(mu[0]) + std::abs(mu[1]), 0, 2e-5) << why;
   }
-}
-
-TEST(RampFit, CostIsTheSquaredDistanceFromTheRamp) {
-  const std::array x{0.0, 0.25, 0.5, 1.0}, square{0.0, 0.0625, 0.25, 1.0};
-  EXPECT_EQ((nlerr{x, square}(std::array{1.0})) + (nlerr{x, x}(std::array{0.0})), 0.0);
-  EXPECT_EQ((nlerr{x, square}(std::array{0.0})), 0.1875 * 0.1875 + 0.25 * 0.25);
 }
 
 }  // namespace corvantile

@@ -31,7 +31,7 @@ static matrix times(const matrix& a, const matrix& b) {
 }
 
 static void expect_near(const matrix& got, const matrix& want, double tol, const char* what) {
-  ASSERT_TRUE(got.rows() == want.rows() && got.cols() == want.cols()) << what;
+  ASSERT_EQ(std::pair(got.rows(), got.cols()), std::pair(want.rows(), want.cols())) << what;
   for (std::size_t k = 0; k < got.data().size(); ++k) EXPECT_NEAR(got.data()[k], want.data()[k], tol) << what << k;
 }
 
@@ -73,7 +73,8 @@ TEST(Svd, PseudoInverse) {
 TEST(Svd, EndsAndIsSafeForExtremeValues) {
   for (const double bad : {nan, inf, -inf}) pinv(of(2, 3, {1, 2, 3, 4, bad, 6}));  // must return
   for (const double scale : {1., 1e300, 1e-320}) EXPECT_NEAR(pythag(3 * scale, -4 * scale), 5 * scale, 2e-15 * scale);
-  EXPECT_TRUE(pythag(0, 0) == 0 && pythag(inf, inf) == inf && pythag(1, -inf) == inf && std::isnan(pythag(nan, 1)));
+  EXPECT_EQ((vec{pythag(0, 0), pythag(inf, inf), pythag(1, -inf)}), (vec{0, inf, inf}));
+  EXPECT_TRUE(std::isnan(pythag(nan, 1)));
 }
 
 }  // namespace corvantile

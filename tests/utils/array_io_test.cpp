@@ -45,10 +45,12 @@ TEST(ArrayFiles, AreReadBackAndPackCellCorners) {
   EXPECT_EQ(read_file(name), " 0.1\n -1e+300\n");
   for (const std::string text : {"7\n\n 7\r\n7", "7 7\n7 8\n7", "7\n7\n7\nend\n3\n"}) {
     write_file(name, text);
-    EXPECT_TRUE(loadarray(name, v) && v == std::vector<double>(3, 7)) << "as many as lines that begin with one";
+    EXPECT_TRUE(loadarray(name, v));
+    EXPECT_EQ(v, std::vector<double>(3, 7)) << "as many as lines that begin with one";
   }
   write_file(name, "1 one\n2\n");
-  EXPECT_TRUE(!loadarray(name, v) && v.empty());
+  EXPECT_FALSE(loadarray(name, v));
+  EXPECT_EQ(v.size(), 0u);
   int_matrix a(2, 3);
   std::ranges::copy(std::array{0x3ff, 1, 0, 2, 1024 + 5, -1}, a.data().begin());  // the low ten bits count
   dumpxram(a, name);

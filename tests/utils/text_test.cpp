@@ -76,11 +76,16 @@ TEST(NumberScanner, ListsLinesAndPositions) {
   std::int64_t n = 0;
   double v = 0;
   EXPECT_EQ(s.next_line(), "; made by hand");
-  EXPECT_TRUE(s.next(n) == number && n == 17 && s.next(n) == bad) << "0.5 is no integer";
+  EXPECT_EQ(s.next(n), number);
+  EXPECT_EQ(n, 17);
+  EXPECT_EQ(s.next(n), bad) << "0.5 is no integer";
   EXPECT_EQ(s.problem("an integer"), "line 2: expected an integer, found '0.5'");
-  EXPECT_TRUE(s.next(v) == number && v == 0.5) << "but still a number";
+  EXPECT_EQ(s.next(v), number);
+  EXPECT_EQ(v, 0.5) << "but still a number";
   EXPECT_EQ(s.next_line(), " rest");
-  EXPECT_TRUE(s.next(v) == number && !s.next_line() && s.next(v) == end) << "repeats go with their line";
+  EXPECT_EQ(s.next(v), number);
+  EXPECT_EQ(s.next_line(), std::nullopt);
+  EXPECT_EQ(s.next(v), end) << "repeats go with their line";
   EXPECT_EQ(s.problem(), "line 4: expected a number, found the end");
 }
 
