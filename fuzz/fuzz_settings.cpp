@@ -7,6 +7,7 @@
 #include "driver/profile.hpp"
 #include "driver/tables.hpp"
 #include "fuzz/expect.hpp"
+#include "utils/text.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace corvantile;
@@ -27,7 +28,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::ostringstream out;
   fill_xytable(p.set, out);
   end_outdir_with_slash(p);
-  expect(p.outdir.size() <= longest_path, "a directory's name is cut to its length");
+  expect(p.outdir.size() <= longest_name, "a directory's name is cut to its length");
   expect(echo(p).ends_with("\n\n"), "the echo ends with an empty line");
   refused_as_setting([&] { check_outdir(p); });
   for (const bool power_law : {false, true}) refused_as_setting([&] { check_settings(p.set, power_law); });

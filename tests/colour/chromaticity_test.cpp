@@ -14,7 +14,6 @@ TEST(Chromaticity, ConvertsPublishedPairs) {
   EXPECT_LT(distance(xy2uv_vec({{0.26414771, 0.37770001}}), {{0.15085309, 0.32355314}}), 2e-8) << "colour-science";
   EXPECT_LT(distance(uv2xy_vec({{0.31125983, 0.34646688}}), {{0.50453169, 0.37440000}}), 2e-8) << "colour-science";
   EXPECT_LT(distance(*xyz2xy(xy2xyz(d65, 250)), d65), 3e-16);
-  EXPECT_EQ(xy2xyz(d65, 250)[1], 250);
   EXPECT_EQ(xyz2xy({{0, 0, 0}}), std::nullopt) << "black has no chromaticity";
 }
 

@@ -7,7 +7,6 @@ namespace corvantile {
 namespace {
 
 TEST(Xyz2Lab, FollowsItsDefinition) {
-  EXPECT_EQ(cuberoot(0.008856), 7.787 * 0.008856 + 16.0 / 116.0) << "the threshold itself lies on the line";
   const vec3 white{{95.047, 100, 108.883}};
   EXPECT_EQ(xyz2lab_vec({}, white), vec3{}) << "black: 116 * 16/116 - 16";
   EXPECT_LT(dist2(xyz2lab_vec({{95.047, 12.5, 108.883}}, white), {{42, 250, -100}}), 1e-26);

@@ -10,11 +10,13 @@
 #include <tuple>
 #include <unistd.h>
 
-#include "colour/nonpar_monitor.hpp"
+#include "colour/color_metrics.hpp"
 #include "driver/exit_status.hpp"
+#include "driver/gamma_file.hpp"
+#include "driver/report.hpp"
 #include "driver/run.hpp"
 #include "driver/tables.hpp"
-#include "tools/simulated_display.hpp"
+#include "tests/monitor/fitted.hpp"
 #include "utils/text.hpp"
 
 namespace corvantile {
@@ -60,8 +62,11 @@ outcome run_job(const std::string& options, bool verbose = false) {
 }
 void expect_stop(const std::string& options, int status, const std::string& fragment, const names& written = {}) {
   const outcome o = run_job(options);
-  EXPECT_TRUE(o.status == status && o.err.find(fragment) != o.err.npos) << options << ": " << o.status << o.err;
-  EXPECT_TRUE(o.err.find("normal exit") == o.err.npos && o.out.empty() && files() == written) << options;
+  EXPECT_EQ(o.status, status) << options << ": " << o.err;
+  EXPECT_NE(o.err.find(fragment), o.err.npos) << options << ": " << o.err;
+  EXPECT_EQ(o.err.find("normal exit"), o.err.npos) << options;
+  EXPECT_EQ(o.out, "") << options;
+  EXPECT_EQ(files(), written) << options;
 }
 
 // A folder with the measurements of one display, in which jobs run one after the other.
@@ -88,20 +93,16 @@ std::vector<double> below(const std::string& title, const std::string& out, std:
 }
 
 TEST_F(Job, EachModeWritesItsFilesInOrder) {
-  const std::string pre = "preLUT.txt", m = "matrix.txt", post = "postLUT.txt";
+  const std::string pre = "out/preLUT.txt", m = "out/matrix.txt", post = "out/postLUT.txt";
   const std::pair<std::string, std::vector<std::string>> cases[] = {
-      {"cvmode='CV1'", {post}}, {"cvmode='cv2'", {pre, post, m}}, {"cvmode='CV2_1'", {post, m, pre}}};
+      {"CV1", {post}}, {"cv2", {pre, post, m}}, {"CV2_1", {post, m, pre}}};
   for (const auto& [mode, order] : cases) {
-    names in_the_way;
-    clear();
-    for (auto name = order.rbegin(); name != order.rend(); ++name) {
-      fs::create_directory("out/" + *name);
-      in_the_way.insert(*name);
-      expect_stop(mode, 6, "out/" + *name + ": Is a directory", in_the_way);  // none of those before is written
-    }
-    clear();
-    EXPECT_EQ(run_job(mode).err, " normal exit\n");
-    EXPECT_EQ(files(), names(order.begin(), order.end()));
+    const profile p = read_profile("&opts tlen=2 outdir='out/' /");
+    settings set{.mode = *mode_named(mode), .tlen = 2};
+    std::vector<std::string> paths;
+    for (const text_file& f : table_files(solve(set, load_measurements("m.txt")), p)) paths.push_back(f.path);
+    EXPECT_EQ(paths, order);
+    EXPECT_EQ(run_job("cvmode='" + mode + "'").err, " normal exit\n");
   }
 }
 
@@ -114,6 +115,8 @@ TEST_F(Job, ReportTellsWhatTheTablesDo) {
       {"CV2' tlen=1024", 2.2, 0},
       {"CV2_1' temp=6504", 2.2, 6502.3051}};
   const monitor mon = loadmonitor("m.txt", 5);
+  EXPECT_EQ(mon.inpcurve, makemonitor(load_measurements("m.txt")).inpcurve);
+  EXPECT_EQ(pp_poly_count(loadmonitor("m.txt").inpcurve[2]), 8) << "another default than the fit's own";
   for (const auto& [options, gamma, kelvin] : cases) {
     SCOPED_TRACE(options);
     clear();
@@ -124,15 +127,15 @@ TEST_F(Job, ReportTellsWhatTheTablesDo) {
     const std::vector<double> Y = below("\n output luminance\n", out, at);
 
     const rows pre = table("preLUT.txt"), m = table("matrix.txt"), post = table("postLUT.txt");
-    ASSERT_TRUE(cct.size() == post.size() && Y.size() == post.size());
+    ASSERT_EQ(std::pair(cct.size(), Y.size()), std::pair(post.size(), post.size()));
     const std::size_t last = post.size() - 1;
     for (std::size_t i = 0; i < post.size(); ++i) {
       vec3 drive = post[i];
       for (std::size_t k = 0; two_tables && k < 3; ++k) {  // as a user would apply the three tables
-        const double x = m[k][0] * pre[i][0] + m[k][1] * pre[i][1] + m[k][2] * pre[i][2];
-        const std::size_t j = std::min(static_cast<std::size_t>(x * static_cast<double>(last)), last - 1);
-        drive[k] =
-            post[j][k] + (x * static_cast<double>(last) - static_cast<double>(j)) * (post[j + 1][k] - post[j][k]);
+        const double x =
+            (m[k][0] * pre[i][0] + m[k][1] * pre[i][1] + m[k][2] * pre[i][2]) * static_cast<double>(last);
+        const std::size_t j = std::min(static_cast<std::size_t>(x), last - 1);
+        drive[k] = post[j][k] + (x - static_cast<double>(j)) * (post[j + 1][k] - post[j][k]);
       }
       EXPECT_NEAR(Y[i], inp2out_vec(mon, drive)[1], 1e-11 * Y.back());
       const double s = static_cast<double>(i) / static_cast<double>(last);
@@ -158,21 +161,27 @@ TEST_F(Job, GraysTakeAnyWhite) {
     EXPECT_EQ(run_job(std::string("cvmode='CV1' white=") + none).status, 4) << none;
 }
 
-TEST_F(Job, CorrectedDisplayLooksLikeItsTargets) {
-  const std::string out = run_job("cvmode='CV2' tlen=4096", true).out;
-  for (std::size_t k = 0; k < 3; ++k) EXPECT_GT(table("matrix.txt").at(k)[k], 0.7) << "a channel for its own";
+TEST(Report, RampsEndAtFullDriveSeenAgainstColumnSumsAndNumbersAloneCount) {
+  const auto syn =
+      make_synthetic_monitor("t", {{vec3{{41, 21, 2}}, vec3{{36, 72, 12}}, vec3{{18, 7, 95}}}}, {{0, 1}, {0, 1}});
+  const vec3 full{{1, 1, 1}}, white{{64, 120, 120}};
+  monitor holed = composite;
+  holed.fe.pre[0] = {{0, 0.9, 1}, {0, 0.9, std::nan("")}};
+  std::ostringstream out;
+  report_ramps(out, plain, syn);
+  report_ramps(out, holed, syn);
   std::size_t at = 0;
+  std::vector<double> ramp;
   std::set<std::vector<double>> ramps;
-  // As measured: a table of twice the length leaves a third of it, but the wanted primaries are out of reach.
-  for (const auto& [target, limit] : {std::pair("modified", 0.07), std::pair("reference", 1.2)}) {
-    below("\n comparing frontend on m.txt to " + std::string(target) + " target\n", out, at);
-    for (const char* ramp : {"gray", "red", "green", "blue", "yellow", "magenta", "cyan"}) {
-      const std::vector<double> values = below("\n " + std::string(ramp) + " ramp errmax = ", out, at);
-      ASSERT_TRUE(values.size() == 201 && ramps.insert(values).second) << target << ' ' << ramp;
-      EXPECT_LT(values[0], limit);
-      EXPECT_EQ(values[0], *std::max_element(values.begin() + 1, values.end()));
-    }
+  for (const char* name : {"red", "green", "blue", "yellow", "magenta", "cyan", "gray"}) {
+    ramp = below(std::string(" ") + name + " ramp errmax = ", out.str(), at = 0);
+    EXPECT_EQ(ramp[0], *std::max_element(ramp.begin() + 1, ramp.end())) << name;
+    EXPECT_TRUE(ramps.insert(ramp).second) << name;
   }
+  EXPECT_EQ(ramp.back(),
+            deltae2000_vec(xyz2lab_vec(syn.primaries * full, white), xyz2lab_vec(inp2out_vec(plain, full), white)));
+  EXPECT_NE(out.str().find("\n NaN\n"), std::string::npos);
+  EXPECT_EQ(out.str().find("errmax = NaN"), std::string::npos);
 }
 
 TEST_F(Job, EverySettingReachesTheSolution) {
@@ -196,22 +205,29 @@ TEST_F(Job, CodesRoundHalvesAwayFromZeroAndAreNotClamped) {
   EXPECT_THROW(table_text("t", m, 0, 2), failure) << "allowed in the last row only";
 }
 
-TEST_F(Job, ScaleAndStartOfTheGammaFileDoNotMatter) {
-  const char* cases[] = {"5  0 0  .25 .2  .5 .1  .75 .55  1 1",
-                         "5  0 1.5  64 1.9  128 1.7  192 2.6  256 3.5",   // other units, light at the start
-                         "5\n5,1.5 64 1.9\n128\n1.7 192 2.6 256 3.5\n"};  // and a first drive value, taken as 0
-  rows first;
-  for (const std::string text : cases) {
+TEST_F(Job, OnlyTheShapeOfToneSamplesCounts) {
+  const auto curve = [](const char* text) { return tone_curve(parse_tone_samples("g", text), 5); };
+  const lut first = curve("5  0 0  .25 .2  .5 .1  .75 .55  1 1");  // the dent is smoothed
+  EXPECT_TRUE(increasing(first.y));
+  for (const char* text :
+       {"5  0 1.5  64 1.9  128 1.7  192 2.6  256 3.5", "5\n5,1.5 64 1.9\n128\n1.7 192 2.6 256 3.5\n"})
+    for (std::size_t i = 0; i < 5; ++i) EXPECT_NEAR(curve(text).y[i], first.y[i], 1e-6) << text;
+  const measurements samples = measured({});
+  const auto tone = parse_tone_samples("g", "9 0 0 1 1 2 3 3 4 4 9 5 9 6 9 7 12 8 30");
+  const correction result = solve({.mode = match_mode::cv2, .tlen = 17, .numsegs = 7}, samples, tone);
+  EXPECT_EQ(result.two->ref_smon.table, tone_curve(tone, 7)) << "as many pieces as asked for";
+  EXPECT_NE(result.two->ref_smon.table, tone_curve(tone, 5));
+  const char* refused[][2] = {{"", "line 1: expected the number of points, found the end"},
+                              {"1 0 0", "the number of points is 1, expected at least 2"},
+                              {"3 0 0\n1 x\n2 2", "line 2: expected the luminance of point 2, found 'x'"},
+                              {"3 0 0 1 nan 2 2", "point 2 is not finite"},
+                              {"3 0 0 2 1 2 2", "the drive value of point 3 is 2, expected more than 2"},
+                              {"2 -5 0 -1 1", "the drive value of point 2 is -1, expected more than 0"},
+                              {"3 0 -1e308 1 2 2 1e308", "gamma.txt: the last luminance less the first is Infinity"},
+                              {"3 0 1 1 2 2 1", "nothing to normalise by"}};
+  for (const auto& [text, fragment] : refused) {
     std::ofstream("gamma.txt") << text;
-    const std::string report = run_job("cvmode='CV2' gamfile='gamma.txt'", true).out;
-    EXPECT_EQ(report.find("\n Setting gamma curve start pixel to 0\n") != report.npos, text == cases[2]);
-    EXPECT_EQ(run_job("cvmode='CV2' gamfile='gamma.txt'").out, "");
-    const rows t = table("preLUT.txt");
-    if (text == cases[0]) first = t;
-    for (std::size_t i = 1; i < t.size(); ++i) {
-      EXPECT_GT(t[i][1], t[i - 1][1]) << "the dent is smoothed";
-      EXPECT_NEAR(t[i][1], first[i][1], 1e-6) << text;
-    }
+    expect_stop("cvmode='CV2' gamfile='gamma.txt'", 5, fragment);
   }
 }
 
@@ -223,6 +239,9 @@ TEST_F(Job, MissingGammaFile) {
     EXPECT_TRUE(run_job(mode + rest, true).out.ends_with(said));
   }
   expect_stop("cvmode='CV2' gamfile='none.txt' gamma=0", 4, "gamma = 0");
+  std::ofstream("g.txt") << "2 5 0 9 1";
+  const std::string moved = run_job("cvmode='CV2' gamfile='g.txt'", true).out;
+  EXPECT_NE(moved.find("\n Setting gamma curve start pixel to 0\n"), moved.npos);
   run_job("cvmode='CV2' gamma=1.9");
   const rows power_law = table("preLUT.txt");
   EXPECT_EQ(run_job("cvmode='CV2'" + rest).out, "");
@@ -230,20 +249,19 @@ TEST_F(Job, MissingGammaFile) {
   EXPECT_NE(run_job("cvmode='CV2'" + rest, true).out.find(said + " comparing"), std::string::npos);
 }
 
-TEST_F(Job, GammaFilesThatGiveNoCurve) {
-  const char* cases[][2] = {{"", "line 1: expected the number of points, found the end"},
-                            {"1 0 0", "the number of points is 1, expected at least 2"},
-                            {"3 0 0\n1 x\n2 2", "line 2: expected the luminance of point 2, found 'x'"},
-                            {"3 0 0 1 nan 2 2", "point 2 is not finite"},
-                            {"3 0 0 2 1 2 2", "the drive value of point 3 is 2, expected more than 2"},
-                            {"3 5 0 3 1 7 2", "the drive value of point 2 is 3, expected more than 5"},
-                            {"2 -5 0 -1 1", "the drive value of point 2 is -1, expected more than 0"},
-                            {"3 0 -1e308 1 2 2 1e308", "gamma.txt: the last luminance less the first is Infinity"},
-                            {"3 0 1 1 2 2 1", "nothing to normalise by"}};
-  for (const auto& [text, fragment] : cases) {
-    std::ofstream("gamma.txt") << text;
-    expect_stop("cvmode='CV2' gamfile='gamma.txt'", 5, fragment);
-  }
+TEST_F(Job, FoldersThatWouldTakeNoTableOrAnInput) {
+  const auto folder_of = [](std::size_t n) { return "outdir='" + std::string(n, 'o') + "'"; };
+  fs::copy("m.txt", "out/postLUT.txt");
+  std::ofstream("out/matrix.txt") << "3 0 0 1 1 2 2";
+  const std::tuple<std::string, int, const char*> cases[] = {
+      {"outdir=''", 4, "outdir = '': names no folder"},
+      {folder_of(245), 4, "too long: the path of a table, postLUT.txt, has more than 256 characters"},
+      {folder_of(256), 4, "too long"},
+      {folder_of(244), 6, "No such file"},
+      {"wgfile='./out/../out/postLUT.txt'", 4, "postLUT.txt would overwrite the measurement file"},
+      {"gamfile='out/matrix.txt'", 4, "matrix.txt would overwrite the gamma file"}};
+  for (const auto& [option, status, why] : cases)
+    expect_stop("cvmode='CV1' " + option, status, why, {"matrix.txt", "postLUT.txt"});
 }
 
 // The single values are the settings' own test; here, when they are judged and what needs the monitor for it.

@@ -5,6 +5,7 @@
 
 #include "driver/exit_status.hpp"
 #include "driver/run.hpp"
+#include "driver/standard_input.hpp"
 #include "driver/tables.hpp"
 
 namespace corvantile {
@@ -53,11 +54,21 @@ TEST(Settings, EveryFormOfTheGroup) {
       {"&opts xytable ( 2 , 2 ) = 1,2*2/", "xytable=0 0 0 1 2 2 0 0", "element and those after it"},
       {"&opts xytable(2:,2:3)=1 2/", "xytable=0 0 0 1 0 2 0 0", "one bound and both"},
       {"&opts xytable(:,::2)=1 2 3 4/", "xytable=1 2 0 0 3 4 0 0", "stride"},
-      {"&opts xytable(2:1:-1,4:1:-3)=1 2 3 4/", "xytable=4 3 0 0 0 0 2 1", "backwards"},
+      {"&opts xytable(2:1:-1 ,4:1:-3 )=1 2 3 4/", "xytable=4 3 0 0 0 0 2 1", "backwards, blanks behind"},
       {"&opts xytable(1,1)=.5 xytable(2,1)=.25/", "xytable=.5 .25 0 0 0 0 0 0", "one key twice in a row"},
   };
   for (const auto& [profile, plainly, why] : rows)
     EXPECT_EQ(echo(read_profile(profile)), echo(of(plainly))) << why << ": " << profile;
+}
+
+TEST(Settings, AreReadNoFurtherThanTheirEnd) {
+  for (const std::string whole :
+       {"&opts/", "\xEF\xBB\xBF \n! /\n&opts outdir='it''s /' wgfile=\"'/\" ! ' /\n/", " n"})
+    for (std::size_t n = 0; n <= whole.size(); ++n) {
+      group_end end;  // asked in two pieces, wherever they part
+      EXPECT_EQ(end.passed(whole.substr(0, n)), n == whole.size()) << whole << n;
+      EXPECT_EQ(end.passed(whole.substr(n)), n < whole.size()) << whole << n;
+    }
 }
 
 TEST(Settings, Texts) {
@@ -94,7 +105,8 @@ TEST(Settings, ErrorsNameLineKeyAndWhatWasExpected) {
   };
   for (const auto& [profile, message] : rows) {
     const std::string said = stop_of([&, p = profile] { read_profile(p); });
-    EXPECT_TRUE(said.starts_with("4: Settings, line ") && said.find(message) != said.npos) << profile << ": " << said;
+    EXPECT_EQ(said.find("4: Settings, line "), 0u) << profile << ": " << said;
+    EXPECT_NE(said.find(message), said.npos) << profile << ": " << said;
   }
 }
 
@@ -146,7 +158,9 @@ TEST(Settings, ValuesAreJudgedWhereTheModeUsesThem) {
     return stop_of([&] { check_settings(p.set, p.gamfile.empty()); });
   };
   const std::pair<match_mode, std::vector<std::string>> refused[] = {
-      {one, {"tlen=1", "nbits=32", "nbits=-1", "numsegs=2", "numsegs=257", "gamma=0", "temp=Infinity", "wptemp=NaN"}},
+      {one,
+       {"tlen=1", "tlen=1048577", "nbits=32", "nbits=-1", "numsegs=2", "numsegs=257", "gamma=0", "temp=Infinity",
+        "wptemp=NaN"}},
       {two, {"minslope=NaN", "gamma=Infinity", "lumfrac=0", "lumfrac=Infinity", "rowsum_margin=1"}},
       {both, {"alpha=NaN", "beta=NaN", "hwid=Infinity", "boundary_tol=NaN"}}};
   for (const auto& [mode, values] : refused)
@@ -163,7 +177,7 @@ TEST(Settings, ValuesAreJudgedWhereTheModeUsesThem) {
   for (const auto& [xytable, why] : gamuts)
     EXPECT_NE(judge(two, std::string("xytable=") + xytable).find(why), std::string::npos) << xytable;
   const std::string unused = "temp=-1 beta=nan wptemp=nan hwid=nan lumfrac=0 rowsum_margin=1 xytable=.3,0";
-  EXPECT_EQ(judge(one, "nbits=31 numsegs=256 " + unused), "not at all");
+  EXPECT_EQ(judge(one, "tlen=1048576 nbits=31 numsegs=256 " + unused), "not at all");
   EXPECT_EQ(maxcode(of("nbits=31").set), 2147483647);
   EXPECT_EQ(judge(one, "numsegs=-1 gamma=nan gamfile='g'"), "not at all");
   EXPECT_EQ(judge(two, "temp=nan alpha=nan xytable=.3127,.329,.64,.33,.15,.06,.3,.6"), "not at all");

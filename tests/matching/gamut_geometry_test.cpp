@@ -62,8 +62,7 @@ TEST(AdjustPrimaries, UnreachableOnesMoveTowardsWhiteOntoTheBoundary) {
         const vec2 a = xy2uv_vec(gamut[e]), along = xy2uv_vec(gamut[(e + 1) % 3]) - a, to = xy2uv_vec(c[i]) - a;
         nearest = std::min(nearest, std::abs(along[0] * to[1] - along[1] * to[0]) / distance(along, {}));
       }
-      const bool within = i == 1 && margin == 0;
-      EXPECT_NEAR(within ? got.distances[i] : nearest, margin, 1e-15) << i;
+      EXPECT_NEAR(i == 1 && margin == 0 ? got.distances[i] : nearest, margin, 1e-15) << i;
     }
   }
 }

@@ -103,15 +103,15 @@ TEST(FixLowEnd, ACubicThroughTheOriginIsKept) {
 TEST(Dump, ListsNameColoursAndMatrices) {
   monitor mon;
   mon.name = "m  ";
-  double n = 0;
-  for (vec3* v : {&mon.whitepoint, &mon.darklight, &mon.Xmax, &mon.Ymax, &mon.Zmax, &mon.nX, &mon.nZ})
-    *v = {{++n, 0.25, -0.5}};
+  std::string want = "m\n";
+  const char* labels[] = {"whitepoint", "darklight", "Xmax", "Ymax", "Zmax", "nX", "nZ"};
+  vec3* values[] = {&mon.whitepoint, &mon.darklight, &mon.Xmax, &mon.Ymax, &mon.Zmax, &mon.nX, &mon.nZ};
+  for (std::size_t i = 0; i < 7; ++i) {
+    *values[i] = {{1, 0.25, -0.01 * static_cast<double>(i)}};
+    want += std::string(labels[i]) + " = 1.00000000   .25000000   -.0" + std::to_string(i) + "000000\n";
+  }
   mon.RGB2XYZ = {{vec3{{1, 2, 3}}, vec3{{4, 5, 6}}, vec3{{7, 8, 9}}}};
   mon.XYZ2RGB = mon.fe.matrix = mon.RGB2XYZ / 10;
-  std::string want = "m\n";
-  for (const char* label : {"whitepoint", "darklight", "Xmax", "Ymax", "Zmax", "nX", "nZ"})
-    want += std::string(label) + " = " + std::to_string(1 + std::ranges::count(want, '.') / 3) +
-            ".00000000   .25000000   -.50000000\n";
   want += "RGB2XYZ:\n 1 4 7\n 2 5 8\n 3 6 9\nXYZ2RGB:\n 0.1 0.4 0.7\n 0.2 0.5 0.8\n 0.3 0.6 0.9\n";
   for (const bool composite : {false, true}) {
     mon.composite = composite;

@@ -15,7 +15,6 @@ TEST(Polynomial, OperationsGiveTheExactCoefficients) {
   EXPECT_EQ((2.0 - a).coef, (coefs{1, -2, -3})) << "negates every term";
   EXPECT_EQ((a + makepoly({0, 0, -3})).coef, (coefs{1, 2, 0})) << "a cancelled leading term stays";
   EXPECT_EQ(polyint(a, 4.0).coef, (coefs{4, 1, 1, 1}));
-  EXPECT_EQ(polyder(polyint(a, 9.0)), a);
   EXPECT_EQ(polyder(makepoly({7})).coef, coefs{0}) << "zero, not empty";
   EXPECT_EQ(poly_arg_shift(makepoly({0, 0, 1}), 1.0).coef, (coefs{1, -2, 1})) << "(x - 1)^2";
   EXPECT_EQ(poly_arg_scale(one, 2.0).coef, (coefs{1, 2, 4}));
