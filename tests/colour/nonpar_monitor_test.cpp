@@ -74,16 +74,16 @@ TEST(GrayRamp, ShowsTheCurveTimesTheTopPlusTheWeightedDark) {
   const lut curve = make_gamma_table(2, 65);
   const vec2 warm{{0.33, 0.345}};
   matrix by_temperature(18, 3), by_swath(18, 3), by_chromaticity(18, 3);
-  colortemp_lut(by_temperature, plain, 6500, curve, 0.5, 0);
-  colortemp_lut(by_swath, plain, 6500, curve, 0.5, 0.005);
-  chromaticity_lut(by_chromaticity, plain, warm, curve, 0.5);
+  colortemp_lut(by_temperature, plain, 6500, curve, 0.4, 0);
+  colortemp_lut(by_swath, plain, 6500, curve, 0.4, 0.005);
+  chromaticity_lut(by_chromaticity, plain, warm, curve, 0.4);
   const std::pair<matrix, ramp_top> ramps[] = {{by_temperature, ramptop_temp(plain, 6500)},
                                                {by_swath, bcgtw(plain, 6500, 0.005)},
                                                {by_chromaticity, ramptop_xyz(plain, warm)}};
   for (const auto& [tab, top] : ramps) {
     EXPECT_EQ(row3(tab, 17), top.inp) << "without any dark";
     for (std::size_t i = 0; i < 17; ++i) {
-      const double s = static_cast<double>(i) / 17, w = s > 0.5 ? 0 : (std::cos(2 * std::numbers::pi * s) + 1) / 2;
+      const double s = static_cast<double>(i) / 17, w = s > 0.4 ? 0 : (std::cos(std::numbers::pi * s / 0.4) + 1) / 2;
       const vec3 target = interp(curve, s) * top.xyz + w * plain.darklight;
       EXPECT_LT(dist2(inp2out_vec(plain, row3(tab, i)), target), 1e-12 * dist2(target, {})) << i;
     }
