@@ -1,5 +1,6 @@
 #include "driver/standard_input.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <unistd.h>
@@ -10,21 +11,23 @@
 namespace corvantile {
 
 bool group_end::passed(std::string_view piece) {
-  for (const char c : piece) {
-    if (comment_) {
-      comment_ = c != '\n';
-    } else if (quote_ != 0) {
-      if (c == quote_) quote_ = 0;  // a doubled quote opens the text again at once
-    } else if (c == '!') {
-      comment_ = true;
-    } else if (c == '\'' || c == '"') {
-      quote_ = c;
-    } else if (c == '/') {
-      return true;
-    } else if (!began_ && std::string_view(" \t\r\n\xEF\xBB\xBF").find(c) == std::string_view::npos) {
-      if (c != '&') return true;
-      began_ = true;
-    }
+  return std::ranges::any_of(piece, [this](char c) { return passes(c); });
+}
+
+bool group_end::passes(char c) {
+  if (comment_) {
+    comment_ = c != '\n';
+  } else if (quote_ != 0) {
+    if (c == quote_) quote_ = 0;  // a doubled quote opens the text again at once
+  } else if (c == '!') {
+    comment_ = true;
+  } else if (c == '\'' || c == '"') {
+    quote_ = c;
+  } else if (c == '/') {
+    return true;
+  } else if (!began_ && std::string_view(" \t\r\n\xEF\xBB\xBF").find(c) == std::string_view::npos) {
+    if (c != '&') return true;
+    began_ = true;
   }
   return false;
 }

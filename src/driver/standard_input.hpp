@@ -14,6 +14,8 @@ class group_end {
   bool passed(std::string_view piece);
 
  private:
+  bool passes(char c);
+
   char quote_ = 0;  // the text in quotes that is open
   bool comment_ = false;
   bool began_ = false;  // something other than blanks and comments was seen

@@ -7,7 +7,7 @@ namespace corvantile {
 
 static std::string significant(double v, int digits) {
   std::array<char, 32> buf{};
-  const auto end = std::to_chars(buf.data(), buf.data() + buf.size(), v, std::chars_format::general, digits).ptr;
+  auto* const end = std::to_chars(buf.data(), buf.data() + buf.size(), v, std::chars_format::general, digits).ptr;
   return {buf.data(), end};
 }
 

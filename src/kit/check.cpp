@@ -15,6 +15,7 @@
 #include "kit/job_folder.hpp"
 #include "kit/verbs.hpp"
 #include "kit/words.hpp"
+#include "utils/decimal.hpp"
 #include "utils/text.hpp"
 
 namespace corvantile::kit {
@@ -47,8 +48,8 @@ json record_of(const quality& q, const std::vector<finding>& findings) {
 
 std::string accuracy_line(const char* what, const difference_figures& f) {
   if (f.n == 0) return std::string(what) + "none";
-  return std::string(what) + "mean " + decimals(f.mean, 2) + ", 95 % within " + decimals(f.p95, 2) + ", largest " +
-         decimals(f.max, 2) + " (" + std::to_string(f.n) + " patches)";
+  return std::string(what) + "mean " + decimal(f.mean, 2) + ", 95 % within " + decimal(f.p95, 2) + ", largest " +
+         decimal(f.max, 2) + " (" + std::to_string(f.n) + " patches)";
 }
 
 std::string text_of(const quality& q, const std::vector<finding>& findings) {
@@ -57,20 +58,20 @@ std::string text_of(const quality& q, const std::vector<finding>& findings) {
     text += std::string(name_of(f.level)) + ": " + f.id + '\n' + wrapped(f.message, 4);
     if (!f.action.empty()) text += wrapped("-> " + f.action, 4);
   }
-  text += "\nwhite         x " + decimals(q.white_xy[0], 4) + ", y " + decimals(q.white_xy[1], 4) + ", " +
-          decimals(q.white_cct, 0) + " K, " + decimals(q.white_from_d65, 4) + " u'v' from D65\n";
-  text += "luminance     " + decimals(q.white[1], 1) + ", contrast " +
-          (std::isfinite(q.contrast) ? decimals(q.contrast, 0) + " : 1" : std::string("unknown (dark of 0)")) + '\n';
+  text += "\nwhite         x " + decimal(q.white_xy[0], 4) + ", y " + decimal(q.white_xy[1], 4) + ", " +
+          decimal(q.white_cct, 0) + " K, " + decimal(q.white_from_d65, 4) + " u'v' from D65\n";
+  text += "luminance     " + decimal(q.white[1], 1) + ", contrast " +
+          (std::isfinite(q.contrast) ? decimal(q.contrast, 0) + " : 1" : std::string("unknown (dark of 0)")) + '\n';
   text += "model against samples, CIEDE2000\n";
   text += accuracy_line("  unseen      ", q.accuracy.unseen) + '\n';
   text += accuracy_line("  near gray   ", q.accuracy.near_gray) + '\n';
   text += accuracy_line("  white ramp  ", q.accuracy.white_ramp) + '\n';
-  text += "channels' sum " + decimals(100 * q.additivity, 2) + " % off the white; dark readings " +
-          decimals(100 * q.dark_spread, 3) + " % of white apart" +
-          (q.repeat_spread ? "; repeats " + decimals(100 * *q.repeat_spread, 2) + " % apart" : "") + '\n';
+  text += "channels' sum " + decimal(100 * q.additivity, 2) + " % off the white; dark readings " +
+          decimal(100 * q.dark_spread, 3) + " % of white apart" +
+          (q.repeat_spread ? "; repeats " + decimal(100 * *q.repeat_spread, 2) + " % apart" : "") + '\n';
   text += "gamut         ";
   for (const gamut_comparison& g : q.gamut)
-    text += std::string(g.name) + " " + decimals(100 * g.coverage, 0) + " %" + (&g == &q.gamut.back() ? "" : ", ");
+    text += std::string(g.name) + " " + decimal(100 * g.coverage, 0) + " %" + (&g == &q.gamut.back() ? "" : ", ");
   return text + " covered\n";
 }
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "kit/files.hpp"
+#include "utils/decimal.hpp"
 #include "utils/failure.hpp"
 #include "utils/text.hpp"
 
@@ -36,9 +37,9 @@ provenance known_of(const source_options& o, const imported& in) {
 
 std::string prediction_line(const char* name, const prediction_figures& f) {
   std::string line = std::string(name) + " ramps predict " + std::to_string(f.all.n) +
-                     " other patches to CIEDE2000 " + decimals(f.all.mean, 2);
+                     " other patches to CIEDE2000 " + decimal(f.all.mean, 2);
   if (f.near_gray.n > 0) {
-    line += ", " + std::to_string(f.near_gray.n) + " of them near gray to " + decimals(f.near_gray.mean, 2);
+    line += ", " + std::to_string(f.near_gray.n) + " of them near gray to " + decimal(f.near_gray.mean, 2);
   }
   return line;
 }

@@ -119,7 +119,7 @@ void require_listed_files(const std::string& folder, const json& record) {
     for (const auto& [name, sum] : record[part].items()) {
       const bool plain = name.find('/') == std::string::npos;
       if (plain && sum == checksum(input_of(folder, name.c_str()))) continue;
-      refuse_content(printable(folder + '/' + name),
+      refuse_content(printable(std::string(folder).append(1, '/').append(name)),
                      "not the file that job.json lists: another job has written here, or somebody has edited it; "
                      "solve again");
     }

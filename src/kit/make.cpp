@@ -22,6 +22,7 @@
 #include "kit/targets.hpp"
 #include "kit/verbs.hpp"
 #include "kit/words.hpp"
+#include "utils/decimal.hpp"
 #include "utils/failure.hpp"
 #include "utils/text.hpp"
 
@@ -44,7 +45,7 @@ class progress {
     } end{shown_};
     auto result = step();
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
-    if (shown_) std::cerr << ' ' << decimals(took.count(), 2) << " s";
+    if (shown_) std::cerr << ' ' << decimal(took.count(), 2) << " s";
     return result;
   }
 
@@ -89,12 +90,12 @@ void remove_other_exports(const std::string& folder, const std::vector<text_file
 std::string verdict_of(const solved_job& job) {
   const outcome& f = job.figures;
   const double kept = f.white_before[1] > 0 ? 100 * f.white_after[1] / f.white_before[1] : 0;
-  std::string line = "By the model, grays come to CIEDE2000 " + decimals(f.gray_mean, 2) +
-                     " of their target on average (" + decimals(f.gray_largest, 2) + " at most); the white keeps " +
-                     decimals(kept, 0) + " % of its luminance";
+  std::string line = "By the model, grays come to CIEDE2000 " + decimal(f.gray_mean, 2) +
+                     " of their target on average (" + decimal(f.gray_largest, 2) + " at most); the white keeps " +
+                     decimal(kept, 0) + " % of its luminance";
   if (f.gamut) {
     const double most = std::ranges::max(f.gamut->moved.v);
-    line += most > 0 ? "; primaries out of reach were moved by up to " + decimals(most, 3) + " uv"
+    line += most > 0 ? "; primaries out of reach were moved by up to " + decimal(most, 3) + " uv"
                      : "; all primaries are reached";
   }
   return line + '.';

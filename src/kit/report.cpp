@@ -11,6 +11,7 @@
 #include "kit/report_job.hpp"
 #include "kit/verbs.hpp"
 #include "kit/words.hpp"
+#include "utils/decimal.hpp"
 #include "utils/text.hpp"
 
 namespace corvantile::kit {
@@ -45,7 +46,7 @@ nlohmann::ordered_json summary(const difference_summary& d) {
 
 std::string text_of(const measured_record& m) {
   const auto line = [](const char* what, const difference_summary& d) {
-    return std::string(what) + "mean " + decimals(d.mean, 2) + ", largest " + decimals(d.max, 2) +
+    return std::string(what) + "mean " + decimal(d.mean, 2) + ", largest " + decimal(d.max, 2) +
            (d.where.empty() ? "" : " (" + d.where + ")") + '\n';
   };
   std::string text = wrapped(m.verdict, 0);

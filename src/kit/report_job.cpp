@@ -5,6 +5,7 @@
 #include "kit/dates.hpp"
 #include "kit/words.hpp"
 #include "report/gather.hpp"
+#include "utils/decimal.hpp"
 #include "utils/text.hpp"
 #include "utils/version.hpp"
 
@@ -12,14 +13,14 @@ namespace corvantile::kit {
 namespace {
 
 std::string white_in_words(const settings& set) {
-  const auto xy = [](const vec2& v) { return "x " + decimals(v[0], 4) + ", y " + decimals(v[1], 4); };
+  const auto xy = [](const vec2& v) { return "x " + decimal(v[0], 4) + ", y " + decimal(v[1], 4); };
   if (!matches_gray(set.mode)) return "white at " + xy(set.xytable.white);
-  if (set.temp >= 0) return "grays at " + decimals(set.temp, 0) + " K";
+  if (set.temp >= 0) return "grays at " + decimal(set.temp, 0) + " K";
   return set.white ? "grays at " + xy(*set.white) : "grays of the display's own white";
 }
 
 std::string target_in_words(const profile& p) {
-  const std::string curve = p.gamfile.empty() ? "gamma " + decimals(p.set.gamma, 2) : "the curve of a gamma file";
+  const std::string curve = p.gamfile.empty() ? "gamma " + decimal(p.set.gamma, 2) : "the curve of a gamma file";
   const std::string primaries =
       !solves_two_tables(p.set.mode) ? "the display's own primaries"
       : p.set.xytable.red == srgb.red && p.set.xytable.green == srgb.green && p.set.xytable.blue == srgb.blue

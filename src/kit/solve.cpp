@@ -7,6 +7,7 @@
 #include "kit/files.hpp"
 #include "kit/job_folder.hpp"
 #include "kit/verbs.hpp"
+#include "utils/decimal.hpp"
 #include "utils/failure.hpp"
 #include "utils/text.hpp"
 
@@ -38,9 +39,9 @@ int run_solve(const solve_options& o) {
 
   for (const std::string& line : warning_lines(job.result)) say(o, line);
   say(o, std::string(name_of(job.names.set.mode)) + " solved into " + folder + ": gray CIEDE2000 mean " +
-             decimals(job.figures.gray_mean, 2) + ", largest " + decimals(job.figures.gray_largest, 2) +
-             "; luminance " + decimals(job.figures.white_before[1], 1) + " before, " +
-             decimals(job.figures.white_after[1], 1) + " after");
+             decimal(job.figures.gray_mean, 2) + ", largest " + decimal(job.figures.gray_largest, 2) +
+             "; luminance " + decimal(job.figures.white_before[1], 1) + " before, " +
+             decimal(job.figures.white_after[1], 1) + " after");
   if (o.json) write_output("-", record_of(inputs, job).dump(2) + '\n', true);
   return status::done;
 }

@@ -8,6 +8,7 @@
 
 #include "colour/chromaticity.hpp"
 #include "kit/files.hpp"
+#include "utils/decimal.hpp"
 #include "utils/failure.hpp"
 #include "utils/text.hpp"
 
@@ -35,7 +36,7 @@ constexpr std::array<named_target, 5> targets{
   throw failure(fault::setting, std::string(option) + " " + value + ": " + why);
 }
 
-std::string in_words(const vec2& xy) { return "x " + decimals(xy[0], 4) + ", y " + decimals(xy[1], 4); }
+std::string in_words(const vec2& xy) { return "x " + decimal(xy[0], 4) + ", y " + decimal(xy[1], 4); }
 
 vec3 mean_dark(const measurements& m) {
   const auto n = static_cast<std::size_t>(m.nramp);

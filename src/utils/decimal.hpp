@@ -10,7 +10,7 @@ namespace corvantile {
 /// `v` with `digits` decimals, rounded from the exact value, the zero before the point kept: 0.50, -0.02, nan, inf.
 inline std::string decimal(double v, int digits) {
   std::array<char, 400> buf{};  // sign, 309 digits, point, decimals
-  const auto end = std::to_chars(buf.data(), buf.data() + buf.size(), v, std::chars_format::fixed, digits).ptr;
+  auto* const end = std::to_chars(buf.data(), buf.data() + buf.size(), v, std::chars_format::fixed, digits).ptr;
   return {buf.data(), end};
 }
 

@@ -81,13 +81,6 @@ std::string fixed_field(double v, std::size_t width, int digits) {
   return s;
 }
 
-std::string decimals(double v, int digits) {
-  std::string s = fixed_field(v, 0, digits);
-  if (const std::size_t at = s.find_first_not_of('-'); s[at] == '.') s.insert(at, 1, '0');
-  if (s.ends_with('.')) s.pop_back();
-  return s;
-}
-
 std::string general_field(double v, std::size_t width, int digits) {
   std::string s;
   if (!std::isfinite(v)) {

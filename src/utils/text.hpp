@@ -20,9 +20,6 @@ std::string fixed_field(double v, std::size_t width, int digits);
 /// The same, appended to `out` without a string of its own.
 void append_fixed(std::string& out, double v, std::size_t width, int digits);
 
-/// `v` with `digits` decimals as people write it: `0.50`, `-3.1`.
-std::string decimals(double v, int digits);
-
 /// gw.d: `digits` significant digits in a field of `width` characters. From 0.1 to below 10^digits, and for 0, fixed
 /// point followed by four blanks; else `0.1234E-05`, with the zero before the point only where there is room.
 /// `width` is at least 5 and `digits` at least 1.
