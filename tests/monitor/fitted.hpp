@@ -6,7 +6,9 @@
 
 namespace corvantile {
 
-inline measurements measured(const simulated_display& d) { return {"simulated", sample_rows(d), d.levels, d.version}; }
+inline measurements measured(const simulated_display& d) {
+  return {"simulated", sample_rows(d), d.levels, d.version};
+}
 
 /// The model of `d`, in 5 pieces unless told otherwise.
 inline monitor fitted(const simulated_display& d, std::optional<int> numsegs = {}, double minslope = 0.0) {
