@@ -37,9 +37,9 @@ std::string white_text(const settings& set) {
 }
 
 std::string advice_on_restart(const settings& set) {
-  return set.restart ? "Fewer pieces (numsegs = " + std::to_string(set.numsegs) + ") or more levels may help."
-                     : "Set restart = 1, use fewer pieces (numsegs = " + std::to_string(set.numsegs) +
-                           ") or measure more levels.";
+  return set.restart ? "Fewer pieces than numsegs = " + std::to_string(set.numsegs) + ", or more levels, may help."
+                     : "Set restart = 1, use fewer pieces than numsegs = " + std::to_string(set.numsegs) +
+                           ", or measure more levels.";
 }
 
 // One search: of the whole ramp, or of the ramp that its top shades to. `what` names its white.

@@ -12,8 +12,8 @@ constexpr double rounding = 1e-6;
 constexpr int fine_bits = 12;
 
 void judge_matrix(const settings& set, const mat3& m, std::vector<warning>& to) {
-  const auto entry = [](std::size_t i, std::size_t j) {
-    return "matrix, row " + std::to_string(i) + ", column " + std::to_string(j);
+  const auto entry = [](std::size_t i, std::size_t j) {  // counted from 1, as readers of matrices do
+    return "matrix, row " + std::to_string(i + 1) + ", column " + std::to_string(j + 1);
   };
   for (std::size_t i = 0; i < 3; ++i) {
     for (std::size_t j = 0; j < 3; ++j) {
@@ -42,7 +42,7 @@ void judge_matrix(const settings& set, const mat3& m, std::vector<warning>& to) 
     const double sum = m(i, 0) + m(i, 1) + m(i, 2);
     if (!(sum > 1 + rounding)) continue;
     to.push_back({caution::matrix_above_one,
-                  "rowsum_margin = " + short_number(set.rowsum_margin) + ": row " + std::to_string(i) +
+                  "rowsum_margin = " + short_number(set.rowsum_margin) + ": row " + std::to_string(i + 1) +
                       " of the matrix adds up to " + short_number(sum) +
                       ", so that bright colours ask for more than full drive and are clipped. Use 0 or more."});
     break;
