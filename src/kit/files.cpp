@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
-#include <ranges>
 #include <string>
 #include <system_error>
+#include <vector>
 #include <xxhash.h>
 
 #include "utils/failure.hpp"
@@ -24,7 +24,7 @@ class new_folders {
   new_folders& operator=(const new_folders&) = delete;
   ~new_folders() {
     std::error_code ignored;
-    for (const fs::path& name : std::views::reverse(names_)) fs::remove(name, ignored);  // empty ones only
+    for (auto name = names_.rbegin(); name != names_.rend(); ++name) fs::remove(*name, ignored);  // empty ones only
   }
 
   void make(const fs::path& name) {
