@@ -65,8 +65,8 @@ svg::points white_of(const gamut_corners& c, const char* style, svg::marker shap
 
 // An arrow from where a primary was asked for to where it is, with its length.
 void add_move(svg::plot& p, const vec2& from, const vec2& to, std::size_t channel) {
-  const double length = distance(from, to);
-  if (!(length >= shown_distance)) return;
+  const double moved = distance(from, to);
+  if (!(moved >= shown_distance)) return;
   p.marks.emplace_back(svg::arrow{"move", from[0], from[1], to[0], to[1]});
   struct place {
     double dx, dy;
@@ -75,7 +75,7 @@ void add_move(svg::plot& p, const vec2& from, const vec2& to, std::size_t channe
   constexpr std::array<place, 3> places{
       {{8, 16, svg::anchor::start}, {8, 14, svg::anchor::start}, {10, 10, svg::anchor::start}}};
   const place& at = places[channel];
-  p.marks.emplace_back(svg::note{svg::number(length, 4), from[0], from[1], at.dx, at.dy, at.anchor});
+  p.marks.emplace_back(svg::note{svg::number(moved, 4), from[0], from[1], at.dx, at.dy, at.anchor});
 }
 
 svg::plot diagram(const gamut_record& g) {
@@ -119,8 +119,10 @@ std::string place(const vec2& uv) { return html::fixed(uv[0], 4) + ", " + html::
 std::string corner_table(const gamut_record& g) {
   const auto corner = [](const gamut_corners& c, std::size_t k) { return k < 3 ? c.primaries_uv[k] : c.white_uv; };
   std::vector<html::column> columns{{"", false}, {"before"}, {"reached"}};
-  if (g.asked) columns.insert(columns.begin() + 2, {"asked for"});
-  if (g.asked) columns.push_back({"apart"});
+  if (g.asked) {
+    columns.insert(columns.begin() + 2, {"asked for"});
+    columns.push_back({"apart"});
+  }
   std::vector<html::row> rows;
   for (std::size_t k = 0; k < 4; ++k) {
     html::row r{k < 3 ? channel_names[k] : "white", place(corner(g.before, k)), place(corner(g.after, k))};
