@@ -47,13 +47,14 @@ const std::string& standard_input() {
   static const std::string text = [] {
     constexpr std::size_t most = std::size_t{1} << 30U;
     std::string all;
-    for (std::size_t used = 0; std::cin;) {
+    std::size_t used = 0;
+    do {
       all.resize(std::max<std::size_t>(2 * all.size(), 65536));
       std::cin.read(all.data() + used, static_cast<std::streamsize>(all.size() - used));
       used += static_cast<std::size_t>(std::cin.gcount());
       if (used > most) refuse_content("standard input", "more than " + std::to_string(most) + " bytes");
-      if (!std::cin) all.resize(used);
-    }
+    } while (std::cin);
+    all.resize(used);
     return all;
   }();
   return text;

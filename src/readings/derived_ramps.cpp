@@ -34,10 +34,10 @@ std::vector<std::size_t> longest_rising(std::span<const double> v) {
 // `light` is there; 0 at light 0 comes before the first. Returns how many.
 std::size_t repair(std::span<double> m, std::span<const double> light) {
   const std::vector<std::size_t> sound = longest_rising(m);
-  std::size_t next = 0;  // index into sound
+  std::size_t next = 0;  // index into sound, which ends with the last of m
   double m_below = 0, light_below = 0;
   for (std::size_t i = 0; i < m.size(); ++i) {
-    if (next < sound.size() && sound[next] == i) {
+    if (sound[next] == i) {
       m_below = m[i];
       light_below = light[i];
       ++next;

@@ -72,7 +72,7 @@ bool is_stray(const std::vector<patch>& ramp, std::size_t i) {
   const double below = i > 0 ? y(i - 1) : 0.0, above = y(i + 1);
   if (!(below < above)) return false;
   const bool too_bright = y(i) > 1.2 * above && y(i) - above > least;
-  const bool too_dark = y(i) < below / 1.2 && below - y(i) > least;
+  const bool too_dark = below > 1.2 * y(i) && below - y(i) > least;
   return too_bright || too_dark;
 }
 

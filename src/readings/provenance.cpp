@@ -206,8 +206,8 @@ provenance parse_provenance(std::string_view text) {
 }
 
 std::string measurement_text(const measurements& m, std::string_view comment) {
-  const std::size_t ramps = m.version == 1 ? 7 : 4;
-  const std::size_t extra = m.data.rows() - ramps * static_cast<std::size_t>(m.nramp);
+  const std::size_t n_ramps = m.version == 1 ? 7 : 4;
+  const std::size_t extra = m.data.rows() - n_ramps * static_cast<std::size_t>(m.nramp);
   std::string out(comment);
   out += std::to_string(m.nramp) + ' ' + std::to_string(extra) + ' ' + std::to_string(m.version) + '\n';
   for (std::size_t i = 0; i < m.data.rows(); ++i) {
