@@ -25,6 +25,14 @@ void add_common(CLI::App& verb, common_options& o, const std::string& output) {
   verb.add_flag("--force", o.force, "Replace what is there");
 }
 
+// For verbs whose output is no record: it and the record can't both go to standard output.
+void keep_json_apart(CLI::App& verb, const common_options& o) {
+  verb.parse_complete_callback([&o] {
+    if (o.json && (o.output.empty() || o.output == "-"))
+      throw CLI::ValidationError("--json", "the output wants standard output, too; name a file for it with -o");
+  });
+}
+
 void add_source(CLI::App& verb, source_options& o) {
   verb.add_option("SOURCE", o.source, "What the instrument's program wrote; - for standard input")->required();
   verb.add_option("SECOND", o.second, "HCFR: the other of the two sheets");
@@ -58,6 +66,7 @@ void add_import(CLI::App& verb, import_options& o) {
   add_source(verb, o.source);
   verb.add_option("--calibration", o.calibration, "Write the calibration that was in effect to this .cal file");
   add_common(verb, o, "The measurement file (default: standard output)");
+  keep_json_apart(verb, o);
   verb.footer(
       "Reads ArgyllCMS .ti3 and other CGATS, CSV and other tables, HCFR's sheets (gray\n"
       "scale and primaries), and Corvantile's own measurement file.\n\n"
@@ -85,6 +94,7 @@ void add_chart(CLI::App& verb, chart_options& o) {
       ->check(one_of({"ti1", "csv", "hcfr"}))
       ->capture_default_str();
   add_common(verb, o, "The chart (default: standard output)");
+  keep_json_apart(verb, o);
   verb.footer(
       "White and black come again and again, so that drift shows.\n\n"
       "Example:\n  corvantile-kit chart --levels 17 --verify 50 -o ramps.ti1\n"
@@ -157,8 +167,13 @@ void add_verify(CLI::App& verb, verify_options& o) {
 }
 
 void add_predict(CLI::App& verb, predict_options& o) {
-  verb.add_option("MEASUREMENTS", o.measurements, "The measurement file")->required();
-  auto* settings = verb.add_option("--settings", o.settings, "Fit as a job with these settings would");
+  const CLI::Validator a_file(
+      [](const std::string& name) -> std::string {
+        return name == "-" ? "standard input holds the lines to answer; name a file" : "";
+      },
+      "");
+  verb.add_option("MEASUREMENTS", o.measurements, "The measurement file")->required()->check(a_file);
+  auto* settings = verb.add_option("--settings", o.settings, "Fit as a job with these settings would")->check(a_file);
   verb.add_option("--tables", o.tables, "Behind the tables of this folder")->excludes(settings);
   verb.add_option("--numsegs", o.numsegs, "Pieces of the fitted curves (default 5)");
   verb.add_flag("--invert", o.invert, "X Y Z in; r g b and the distance left out");

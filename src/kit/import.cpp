@@ -46,8 +46,6 @@ nlohmann::ordered_json record_of(const imported& in) {
 }  // namespace
 
 int run_import(const import_options& o) {
-  if (o.json && (o.output.empty() || o.output == "-"))
-    throw failure(fault::setting, "--json and the measurements both want standard output; name a file with -o");
   refuse_to_replace(o.output, o.force);
   refuse_to_replace(o.calibration, o.force);
   const imported in = import_measurements(o.source);

@@ -61,6 +61,15 @@ imported import_measurements(const source_options& o) {
   return in;
 }
 
+measurements measurements_in(const std::string& name, const std::string& text) {
+  try {
+    return parse_measurements(name, text);
+  } catch (const failure& wrong) {
+    if (kind_of(text) == source_kind::corvantile) throw;
+    throw failure(wrong.kind, wrong.message + "; corvantile-kit import makes a measurement file of it");
+  }
+}
+
 std::vector<std::string> summary_of(const imported& in) {
   const ramp_choice& c = in.choice;
   const std::size_t extra = c.data.data.rows() - 4 * static_cast<std::size_t>(c.data.nramp);

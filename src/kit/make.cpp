@@ -53,10 +53,33 @@ class progress {
   bool shown_;
 };
 
+// Formats that could not be written, and why: several have one reason.
+class omissions {
+ public:
+  void add(const std::string& format, std::string why) {
+    const std::string prefix = "Format " + format + ": ";
+    if (why.starts_with(prefix)) why.erase(0, prefix.size());
+    const auto same = std::ranges::find(list_, why, &std::pair<std::string, std::string>::second);
+    if (same == list_.end()) {
+      list_.emplace_back(format, why);
+    } else {
+      same->first += ", " + format;
+    }
+  }
+  std::vector<std::string> lines() const {
+    std::vector<std::string> lines;
+    for (const auto& [formats, why] : list_) lines.push_back(formats + ": " + why);
+    return lines;
+  }
+
+ private:
+  std::vector<std::pair<std::string, std::string>> list_;
+};
+
 // The exports of a job, as files of its folder. A format of "all" that cannot hold the job is left out; of a device
 // that was asked for by name none may be missing.
 std::vector<text_file> exports_of(const make_options& o, const solved_job& job, const provenance& known,
-                                  std::vector<std::string>& notes) {
+                                  omissions& left_out) {
   std::vector<text_file> files;
   for (const device_format& wanted : formats_for(o.wanted.device, job.names.set.mode)) {
     const export_format& format = format_named(wanted.format);
@@ -71,7 +94,7 @@ std::vector<text_file> exports_of(const make_options& o, const solved_job& job, 
       }
     } catch (const failure& f) {
       if (f.kind != fault::inexpressible || o.wanted.device != "all") throw;
-      notes.push_back(f.message);
+      left_out.add(format.name, f.message);
     }
   }
   return files;
@@ -128,9 +151,9 @@ int run_make(make_options o) {
   const plan p = plan_for(o.wanted, in.choice.data);
   const job_inputs inputs{.names = p.names, .measurements = in.text, .gamma = p.gamma, .why = p.why};
   const solved_job job = step("solve", [&] { return solve_job(inputs); });
-  std::vector<std::string> notes;
+  omissions left_out;
   std::vector<text_file> files = files_of(inputs, job);
-  for (text_file& f : step("export", [&] { return exports_of(o, job, in.known, notes); }))
+  for (text_file& f : step("export", [&] { return exports_of(o, job, in.known, left_out); }))
     files.push_back(std::move(f));
   const report_data page = step(
       "report", [&] { return report_of(job, c, record_of(inputs, job), {.title = o.display, .folder = o.output}); });
@@ -139,7 +162,7 @@ int run_make(make_options o) {
   remove_other_exports(o.output, files);
 
   for (const std::string& line : warning_lines(job.result)) say(o, line);
-  for (const std::string& note : notes) say(o, "left out: " + note);
+  for (const std::string& line : left_out.lines()) say(o, "Left out: " + line);
   say(o, verdict_of(job));
   say(o, loading_advice(o.output, o.wanted.device, job.names.set.mode));
   say(o, "The report is " + o.output + "/report.html.");
@@ -148,7 +171,7 @@ int run_make(make_options o) {
     record["folder"] = o.output;
     record["files"] = nlohmann::ordered_json::array();
     for (const text_file& f : files) record["files"].push_back(f.path);
-    record["left_out"] = notes;
+    record["left_out"] = left_out.lines();
     write_output("-", record.dump(2) + '\n', true);
   }
   return status::done;

@@ -9,6 +9,7 @@
 #include "colour/nonpar_monitor.hpp"
 #include "driver/profile.hpp"
 #include "kit/files.hpp"
+#include "kit/imported.hpp"
 #include "kit/tables_on_disk.hpp"
 #include "kit/verbs.hpp"
 #include "monitor/measurements.hpp"
@@ -27,7 +28,7 @@ monitor fitted(const predict_options& o) {
   judged.numsegs = set.numsegs;
   judged.minslope = set.minslope;
   check_settings(judged, true);
-  return makemonitor(parse_measurements(o.measurements, read_input(o.measurements)), set.numsegs, set.minslope);
+  return makemonitor(measurements_in(o.measurements, read_input(o.measurements)), set.numsegs, set.minslope);
 }
 
 // The three numbers of a line.
@@ -64,8 +65,6 @@ std::string line_of(const std::vector<double>& numbers) {
 }  // namespace
 
 int run_predict(const predict_options& o) {
-  if (o.measurements == "-" || o.settings == "-")
-    throw failure(fault::setting, "standard input holds the lines to answer; name a file instead of -");
   refuse_to_replace(o.output, o.force);
   monitor display = fitted(o);
   if (!o.tables.empty()) display = monwfe(display, front_end_on_disk(o.tables));

@@ -3,8 +3,10 @@
 #include <optional>
 #include <utility>
 
+#include "driver/gamma_file.hpp"
 #include "driver/profile.hpp"
 #include "kit/files.hpp"
+#include "kit/imported.hpp"
 #include "kit/job_folder.hpp"
 #include "kit/verbs.hpp"
 #include "utils/decimal.hpp"
@@ -14,14 +16,17 @@
 namespace corvantile::kit {
 namespace {
 
-// The settings, and the texts of the files that they name, as a folder of its own.
+// The settings, and the texts of the files that they name, as a folder of its own. What is wrong in a text is told
+// here, by the name that it still has.
 job_inputs inputs_of(const profile& given) {
   job_inputs inputs{.names = given, .measurements = read_input(given.wgfile), .gamma = {}, .why = {}};
   inputs.names.wgfile = "measurements.txt";
   inputs.names.outdir = ".";
+  measurements_in(given.wgfile, inputs.measurements);
   if (!given.gamfile.empty()) {
     inputs.gamma = read_input(given.gamfile);
     inputs.names.gamfile = "gamma.txt";
+    parse_tone_samples(given.gamfile, *inputs.gamma);
   }
   return inputs;
 }

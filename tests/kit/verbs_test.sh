@@ -78,7 +78,8 @@ near "of a table" 0.00001 <(rows_of <measurements.txt) <(rows_of <csv.txt)
 ends 0 "*derived ramps of 33 levels*" import primaries.csv gray.csv -o sheets.txt
 near "ramps derived from sheets" 0.001 <(rows_of <m.txt | head -132 | cut -d' ' -f4-) \
   <(rows_of <sheets.txt | head -132 | cut -d' ' -f4-)
-refuses 4 "--json and the measurements both want standard output*" import display.ti3 --json
+ends 2 "--json: *standard output*" import display.ti3 --json
+ends 2 "--json: *standard output*" chart --json
 refuses 5 "display.ti3: no calibration was in effect*" import display.ti3 -o none.txt --calibration none.cal
 
 head -c 3000 display.ti3 >cut.ti3
@@ -153,8 +154,9 @@ done <<'EOF'
 0.5 1.5 0:'1.5'
 0.5 0.5 0.5 1:'1'
 EOF
-refuses 4 "*standard input*" predict -
+ends 2 "*standard input*" predict -
 refuses 4 "*numsegs*" predict m.txt --numsegs 1
+refuses 5 "display.ti3: line 1: *corvantile-kit import*" predict display.ti3
 
 # --- solve, and what the folder is good for ---
 mkdir plain && "$program" <settings.txt 2>stderr
