@@ -1,6 +1,7 @@
 // What the figures of measurements mean, in words. One function a subject; each adds at most a few findings.
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <span>
 #include <string>
@@ -127,13 +128,13 @@ void judge_ramps(const quality& q, findings& out) {
                  level == severity::note ? "" : "measure with a longer integration time, or more than once"});
 
   if (!q.derived_ramps) {  // derived ones have one chromaticity by construction
-    const auto farthest = std::ranges::max_element(q.wandering.begin() + 1, q.wandering.end());
-    const severity wandering = graded(*farthest, 0.05, 1e9);
-    const char* name = ramp_names[static_cast<std::size_t>(farthest - q.wandering.begin())];
+    const auto farthest = static_cast<std::size_t>(
+        std::ranges::max_element(q.wandering.begin() + 1, q.wandering.end()) - q.wandering.begin());
+    const severity wandering = graded(q.wandering[farthest], 0.05, 1e9);
     out.push_back(
         {"chromaticity-wander", wandering,
-         std::string("the channels keep their colour along their ramps within ") + decimal(*farthest, 4) +
-             " in u'v', " + name + " wanders most",
+         std::string("the channels keep their colour along their ramps within ") + decimal(q.wandering[farthest], 4) +
+             " in u'v', " + ramp_names[farthest] + " wanders most",
          wandering == severity::note ? "" : "look for stray light, and for colour processing in the display"});
   }
   out.push_back(
