@@ -1,15 +1,16 @@
 #!/usr/bin/env bash
 # Other people's programs judge what the format writers write: OpenColorIO, ArgyllCMS, colord, xcalib, Little CMS,
 # libdrm's structures, Icarus Verilog, SRecord, GCC, libxml2. Each must accept what is right, with the numbers of the
-# tables, and reject swapped channels, transposed matrices and files cut short. Everything is left in build/interop/.
+# tables, and reject swapped channels, transposed matrices and files cut short. HTML Tidy, libxml2 and Chromium judge
+# the report. Everything is left in build/interop/.
 # Usage: scripts/interop.sh
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/setup.sh gcc argyll argyll-ref colord iverilog libdrm-dev liblcms2-2 libxml2-utils opencolorio-tools pkg-config \
-  python3-pyopencolorio srecord xcalib
+scripts/setup.sh gcc argyll argyll-ref chromium colord iverilog libdrm-dev liblcms2-2 libxml2-utils opencolorio-tools pkg-config \
+  python3-pil python3-pyopencolorio srecord tidy xcalib
 cmake --preset release >/dev/null
-cmake --build --preset release --target Corvantile simulate_display write_all --parallel "$(nproc)" >/dev/null
+cmake --build --preset release --target Corvantile corvantile-kit simulate_display write_all --parallel "$(nproc)" >/dev/null
 bin=$PWD/build/release/bin
 top=$PWD/build/interop
 rm -rf "$top"
@@ -57,4 +58,18 @@ for job in "$top"/jobs/*; do
   done
 done
 /usr/bin/python3 scripts/interop/judge.py "$top/scratch" "$top"/jobs/*
+
+echo "Reports:"
+(
+  mkdir "$top/reports"
+  cd "$top/reports"
+  "$bin/simulate_display" levels=17 extra=60 noise=0.003 red=0.64,0.34 >display.txt
+  for target in native srgb bt2020; do
+    "$bin/corvantile-kit" make display.txt --target $target --for linux --display "A <display> & its \"name\"" -q \
+      -o $target
+  done
+  "$bin/corvantile-kit" report native --measured display.txt -q -o measured.html
+  mkdir measured && mv measured.html measured/report.html
+)
+/usr/bin/python3 scripts/interop/judge_report.py "$top/scratch" "$top"/reports/*/report.html
 echo "all formats were read by others as they were meant"

@@ -19,8 +19,9 @@ std::string finding_list(const trust_record& t) {
   if (t.findings.empty()) return html::paragraph("The checks of the measurements found nothing to report.");
   std::string out = "<ul class=\"findings\">\n";
   for (const finding_record& f : t.findings) {
-    out += html::joined({"<li><span class=\"severity\">", text(f.severity), "</span> ", text(f.message), " <em>",
-                         text(f.action), "</em> <code>", text(f.id), "</code></li>\n"});
+    const std::string action = f.action.empty() ? "" : html::joined({"<em>", text(f.action), "</em> "});
+    out += html::joined({"<li><span class=\"severity\">", text(f.severity), "</span> ", text(f.message), " ", action,
+                         "<code>", text(f.id), "</code></li>\n"});
   }
   return out + "</ul>\n";
 }
