@@ -74,7 +74,7 @@ int main(std::span<const std::string_view> arguments) {
   try {
     const auto given = [&](std::string_view word) { return std::ranges::count(arguments, word) > 0; };
     if (given("--help")) return stop(exit_status::normal, help.substr(0, help.size() - 1), out);
-    if (given("--version")) return stop(exit_status::normal, banner, out);
+    if (given("--version")) return stop(exit_status::normal, version_line, out);
     std::cerr << ' ' << banner << '\n';
     tell_a_terminal();
     run_program(arguments, settings_on_standard_input(), out, std::cerr);

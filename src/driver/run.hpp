@@ -9,7 +9,13 @@
 
 namespace corvantile {
 
-inline constexpr std::string_view banner = "Corvantile " CORVANTILE_VERSION;
+/// First line on standard error, and of a verbose report. It names the version that the tables and the printed
+/// numbers are those of, to the byte, and not the release: callers and stored reports compare it. It changes when
+/// they do.
+inline constexpr std::string_view banner = "Corvantile 1.09";
+
+/// What `--version` says: the release, and whose tables it makes.
+inline constexpr std::string_view version_line = "Corvantile " CORVANTILE_VERSION ", tables as of 1.09";
 
 /// True when an argument is "-verbose" or "-v", trailing blanks aside. All others mean nothing.
 bool verbose_requested(std::span<const std::string_view> arguments);

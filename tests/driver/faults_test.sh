@@ -55,7 +55,7 @@ good=$(tables)
 is "verbose report" "$("$program" x -v <settings 2>&1; echo $?)" \
   $' Corvantile 1.09\nCorvantile 1.09\nCVMode = CV2_1\noutdir = out/\n*chroma*\nCV2 execution time = *\n\nCV1 execution time = *\n normal exit\n0'
 is "--version" "$("$program" x --version 2>&1 >&-; "$program" --version 2>stderr; echo $?)" \
-  $'Cannot write standard output\nCorvantile 1.09\n0'
+  $'Cannot write standard output\nCorvantile 2.0.0, tables as of 1.09\n0'
 is "--help" "$("$program" --help 2>&1; echo $?)" $'Corvantile turns*--version *\n0'
 job "$gray"
 is "a caller that keeps the pipe open" "$({ cat settings; sleep 5; } | timeout 4 "$program" 2>&1; echo $?)" \

@@ -46,7 +46,7 @@ as_primaries_sheet <m.txt >primaries.csv
 
 # --- All verbs ---
 for verb in make import check chart solve export report verify predict; do
-  is "$verb --version" "$("$kit" $verb --version; echo $?)" "corvantile-kit [0-9]*"$'\n0'
+  is "$verb --version" "$("$kit" $verb --version; echo $?)" $'corvantile-kit 2.0.0\n0'
   is "$verb --help" "$("$kit" $verb --help | grep -A1 '^Example:')" $'Example:\n  *corvantile-kit '"$verb *"
   is "$verb --help in 80 columns" "$("$kit" $verb --help | awk 'length > 80')" ""
   for option in --output --quiet --json --force; do
