@@ -1,19 +1,8 @@
 #!/usr/bin/env bash
-# library.sh CMAKE BUILD EXAMPLES: a program of somebody else's, built against the installed library by CMake and by
-# pkg-config, with warnings of its own choosing, solves the shipped measurements.
+# library.sh CMAKE BUILD EXAMPLES: what `cmake --install` makes of the library, in folders with a blank in their name and
+# beneath DESTDIR, serves somebody else's program.
 set -euo pipefail
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
-"$1" --install "$2" --prefix "$scratch/usr" --component development >/dev/null
-"$1" -S "$3/library" -B "$scratch/build" -D CMAKE_PREFIX_PATH="$scratch/usr" -D CMAKE_BUILD_TYPE=Release >/dev/null
-"$1" --build "$scratch/build" >/dev/null
-said=$("$scratch/build/gray_axis" "$3/gray_axis/measurements.txt")
-echo "$said"
-[[ $said == *"white after:   6498.3 K"* ]]  # what the formula reads for a black body of 6500 K
-if command -v pkg-config >/dev/null; then
-  pc=$(find "$scratch/usr" -name pkgconfig)
-  # shellcheck disable=SC2046  # words
-  "${CXX:-c++}" -std=c++20 "$3/library/gray_axis.cpp" -o "$scratch/again" \
-    $(PKG_CONFIG_PATH=$pc pkg-config --cflags --libs corvantile)
-  [[ $("$scratch/again" "$3/gray_axis/measurements.txt") == "$said" ]]
-fi
+DESTDIR="$scratch/a root" "$1" --install "$2" --prefix "/a prefix" --component development >/dev/null
+"$(dirname "$0")/use_library.sh" "$1" "$scratch/a root/a prefix" "$3"
