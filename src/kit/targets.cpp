@@ -154,7 +154,9 @@ std::string gamma_file_of(const std::string& curve, double white, double black) 
   constexpr int points = 257;
   const double lw = std::pow(white, 1 / 2.4);
   const double lb = std::pow(std::max(black, 0.0), 1 / 2.4);
+  const std::optional<double> exponent = parse_real(curve);
   const auto light = [&](double v) {
+    if (exponent) return std::pow(v, *exponent);
     if (curve == "srgb") return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
     if (curve == "lstar") return v <= 0.08 ? v * 100 / 903.3 : std::pow((v * 100 + 16) / 116, 3.0);
     return std::pow(std::max(v * (lw - lb) + lb, 0.0), 2.4);

@@ -33,8 +33,8 @@ struct plan {
 /// `fault::setting` for a wish that cannot be read.
 plan plan_for(const wishes& w, const measurements& samples);
 
-/// A gamma file of a curve over 257 even drives: "srgb" (IEC 61966-2-1), "lstar" (CIE 1976 L*), or "bt1886" (ITU-R
-/// BT.1886) for the given luminances of white and black.
+/// A gamma file of a curve over 257 even drives: "srgb" (IEC 61966-2-1), "lstar" (CIE 1976 L*), "bt1886" (ITU-R
+/// BT.1886) for the given luminances of white and black, or the power of an exponent such as "2.4".
 std::string gamma_file_of(const std::string& curve, double white, double black);
 
 }  // namespace corvantile::kit
