@@ -10,6 +10,7 @@
 #   interop    other people's programs read what the format writers write (scripts/interop.sh)
 #   loop       from a chart to a corrected display and back, with other people's tools at both ends (scripts/loop.sh)
 #   speed      the benchmarks build, and the usual jobs take no more instructions than scripts/bench_counts.txt says
+#   package    the Debian packages build, lintian finds nothing, and they work where they are installed (scripts/package.sh)
 #   fuzz       each fuzz target for FUZZ_SECONDS (default 20) seconds
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -81,11 +82,15 @@ speed() {
   scripts/bench.sh --check
 }
 
+package() {
+  scripts/package.sh
+}
+
 fuzz() {
   scripts/fuzz.sh "${FUZZ_SECONDS:-20}"
 }
 
-all=(format clang sanitize tidy cppcheck coverage interop loop speed fuzz)
+all=(format clang sanitize tidy cppcheck coverage interop loop speed package fuzz)
 steps=("$@")
 [ ${#steps[@]} -gt 0 ] || steps=("${all[@]}")
 for step in "${steps[@]}"; do

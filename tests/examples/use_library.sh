@@ -12,6 +12,7 @@ echo "$said"
 if command -v pkg-config >/dev/null; then
   PKG_CONFIG_PATH=$(find "$2" -name pkgconfig)
   export PKG_CONFIG_PATH
+  flags=()
   eval "flags=($(pkg-config --cflags --libs corvantile))"  # blanks in names come escaped
   "${CXX:-c++}" -std=c++20 "$3/library/gray_axis.cpp" -o "$scratch/again" "${flags[@]}"
   [[ $("$scratch/again" "$3/gray_axis/measurements.txt") == "$said" ]]

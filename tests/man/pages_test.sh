@@ -12,8 +12,8 @@ wrong() {  # PAGE WORD...
   failures=$((failures + 1))
 }
 same() {  # PAGE LIST LIST: sorted words, those of the program and those of the page
-  [ "$2" == "$3" ] || wrong "$1" "does not tell of:" $(comm -23 <(echo "$2") <(echo "$3")) \
-    "- and tells of what is not there:" $(comm -13 <(echo "$2") <(echo "$3"))
+  [ "$2" == "$3" ] || wrong "$1" "does not tell of:" "$(comm -23 <(echo "$2") <(echo "$3") | xargs)" \
+    "- and tells of what is not there:" "$(comm -13 <(echo "$2") <(echo "$3") | xargs)"
 }
 # The first column of a help text, and all options that stand in a page's macros, a word a line.
 options_of() { sed -n 's/^  \(-[^ ]*\).*/\1/p' | tr -d ' ' | tr ',' '\n' | sort -u; }
@@ -32,8 +32,8 @@ if [ -x "$bin/corvantile-kit" ]; then
   for verb in $verbs; do
     page=corvantile-kit-$verb.1
     [ -f "$page" ] || { wrong "$page" "is missing"; continue; }
-    grep -qx ".It Cm $verb" corvantile-kit.1 && grep -q "^.Xr corvantile-kit-$verb 1" corvantile-kit.1 ||
-      wrong corvantile-kit.1 "does not tell of $verb"
+    grep -qx ".It Cm $verb" corvantile-kit.1 || wrong corvantile-kit.1 "does not tell of $verb"
+    grep -q "^.Xr corvantile-kit-$verb 1" corvantile-kit.1 || wrong corvantile-kit.1 "does not refer to $page"
     same "$page" "$("$bin/corvantile-kit" "$verb" --help | options_of)" "$(options_in "$page")"
   done
   same corvantile-kit-export.1 "$("$bin/corvantile-kit" export --help |
