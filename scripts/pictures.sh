@@ -11,8 +11,8 @@ bin=$(realpath "${1:-build/release/bin}")
 work=$(mktemp -d "${TMPDIR:-/tmp}/corvantile-pictures-XXXXXX")
 trap 'rm -rf "$work"' EXIT
 
-pictures=(gray-cct gray-distance balance-before balance-after local-gamma tone-luminance gamut-uv
-  ramp-gray ramp-red ramp-green ramp-blue)
+pictures=(gray-cct gray-distance balance-before balance-after local-gamma gamut-uv ramp-gray
+  ramp-red ramp-green ramp-blue)
 
 "$bin/corvantile-kit" make -q examples/two_table/measurements.txt --for linux -o "$work/job"
 mkdir "$work/pictures"

@@ -1,6 +1,7 @@
 // One picture of a job's report as an SVG file of its own, for the documentation: on a ground of its own, so that it
 // can be read on light and on dark pages, and with a size, so that pages do not blow it up.
 
+#include <array>
 #include <charconv>
 #include <cstdio>
 #include <exception>
@@ -10,6 +11,7 @@
 
 #include "kit/job_folder.hpp"
 #include "report/gather.hpp"
+#include "report/html.hpp"
 #include "report/page.hpp"
 
 namespace corvantile {
@@ -35,24 +37,28 @@ std::optional<size> size_of(std::string_view picture) {
   return height.ec == std::errc{} ? std::optional(s) : std::nullopt;
 }
 
-std::string pixels(int units) { return std::to_string(static_cast<int>(units * enlarged)); }
+// Left, top, width and height of the ground, each behind its own words.
+std::string ground(size inner, const std::array<std::string_view, 4>& before) {
+  const std::array<int, 4> box{-margin, -margin, inner.width + 2 * margin, inner.height + 2 * margin};
+  std::string text;
+  for (std::size_t i = 0; i < box.size(); ++i) text += html::joined({before[i], std::to_string(box[i])});
+  return text;
+}
 
-// The picture with its ground: the size behind the view box, and behind the style sheet what overrules it.
-std::string on_ground(std::string picture, size inner) {
-  const int width = inner.width + 2 * margin, height = inner.height + 2 * margin;
-  const std::string box = "0 0 " + std::to_string(inner.width) + ' ' + std::to_string(inner.height) + '"';
-  const std::string corner = std::to_string(-margin), w = std::to_string(width), h = std::to_string(height);
-  picture.replace(picture.find(box), box.size(),
-                  corner + ' ' + corner + ' ' + w + ' ' + h + "\" width=\"" + pixels(width) + "\" height=\"" +
-                      pixels(height) + '"');
-  constexpr std::string_view sheet_ends = "</style>";
-  const std::size_t at = picture.find(sheet_ends);
-  picture.insert(at,
-                 "svg{width:" + pixels(width) + "px;height:" + pixels(height) + "px}\n.ground{fill:var(--paper)}\n");
-  picture.insert(picture.find(sheet_ends) + sheet_ends.size(), "<rect class=\"ground\" x=\"" + corner + "\" y=\"" +
-                                                                   corner + "\" width=\"" + w + "\" height=\"" + h +
-                                                                   "\" rx=\"6\"/>");
-  return picture;
+// The picture on its ground, which is of the paper's colour, and as large on the page as `enlarged` says.
+std::string on_ground(std::string_view picture, size inner) {
+  const auto pixels = [](int units) { return std::to_string(static_cast<int>((units + 2 * margin) * enlarged)); };
+  const std::string width = pixels(inner.width), height = pixels(inner.height);
+  constexpr std::string_view box_begins = R"(viewBox=")", sheet_ends = "</style>";
+  const std::size_t box = picture.find(box_begins) + box_begins.size(), after_box = picture.find('"', box);
+  const std::size_t sheet = picture.find(sheet_ends);
+  return html::joined({picture.substr(0, box), ground(inner, {"", " ", " ", " "}), R"(" width=")", width,
+                       R"(" height=")", height, picture.substr(after_box, sheet - after_box),
+                       // the page's style sheet lets pictures fill the page
+                       "svg{width:", width, "px;height:", height, "px}\n.ground{fill:var(--paper)}\n", sheet_ends,
+                       R"(<rect class="ground" x=")",
+                       ground(inner, {"", R"(" y=")", R"(" width=")", R"(" height=")"}), R"(" rx="6"/>)",
+                       picture.substr(sheet + sheet_ends.size())});
 }
 
 int run(const std::string& folder, const std::string& id) {
