@@ -5,6 +5,7 @@
 #   code       the page's blocks fenced as ```cpp compile against the library as installed. A block with a `main` is a
 #              program; the others, in their order, are the body of one, whose output is that of the blocks fenced as
 #              ```text.
+#   python     blocks fenced as ```python run where examples/two_table keeps its tables
 #   links      relative links lead to files that exist, and to headings in them
 #   pictures   docs/pictures is what scripts/pictures.sh makes today
 # A failing command is told with its page and line.
@@ -115,6 +116,12 @@ check_code() {  # PAGE
   echo "$1: $(find "$folder" -name '*.cpp' | wc -l) programs compiled and ran"
 }
 
+run_python() {  # PAGE
+  grep -q '^ *```python' "$1" && command -v python3 >/dev/null || return 0
+  blocks "$1" python | (cd examples/two_table/expected && python3 -) >/dev/null ||
+    { echo "$1: its Python fails"; return 1; }
+}
+
 anchors() {  # PAGE: its headings as links name them
   awk '/^ *```/ { inside = !inside } !inside && /^#+ / { sub(/^#+ */, ""); print tolower($0) }' "$1" |
     sed 's/[^a-z0-9 _-]//g; s/ /-/g'
@@ -146,6 +153,7 @@ failed=0
 for page in "${pages[@]}"; do
   run_commands "$page" || failed=1
   check_code "$page" || failed=1
+  run_python "$page" || failed=1
   check_links "$page" || failed=1
 done
 scripts/pictures.sh --check "$bin" || failed=1
