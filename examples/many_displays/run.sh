@@ -15,6 +15,7 @@ fi
 sources=$1 results=$2
 shift 2
 jobs=${JOBS:-$(getconf _NPROCESSORS_ONLN 2>/dev/null || echo 1)}
+[ -d "$sources" ] || { echo "No folder $sources" >&2; exit 2; }
 command -v corvantile-kit >/dev/null || { echo "corvantile-kit is not in the PATH" >&2; exit 2; }
 
 # list SEPARATOR: the sources, in one order.
