@@ -21,7 +21,7 @@ command -v corvantile-kit >/dev/null || { echo "corvantile-kit is not in the PAT
 # list SEPARATOR: the sources, in one order.
 list() { find "$sources" -maxdepth 1 -type f ! -name '.*' | sort | tr '\n' "$1"; }
 
-twice=$(list '\n' | sed 's:.*/::; s:\.[^.]*$::' | uniq -d)
+twice=$(list '\n' | sed 's:.*/::; s:\.[^.]*$::' | sort | uniq -d)
 [ -z "$twice" ] || { echo "Several files of one display: $twice" >&2; exit 2; }
 
 # Options that are others than last time make every result too old.
