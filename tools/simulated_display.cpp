@@ -99,6 +99,7 @@ struct parameter {
   const char* key;
   std::function<target(simulated_display&)> where;
   const char* meaning;
+  bool listed_if_set = false;  // came later: files of displays without it stay as they were
 };
 
 const std::vector<parameter>& parameters() {
@@ -123,6 +124,12 @@ const std::vector<parameter>& parameters() {
       {"digits", [](s& d) -> target { return &d.digits; }, "1..17, significant digits of a reading"},
       {"drive", [](s& d) -> target { return &d.drive; }, "drive value of full drive: 255, 100, 1, ..."},
       {"dark_red_z", [](s& d) -> target { return &d.dark_red_z; }, "1: red adds no Z at all to the dark's"},
+      {"crosstalk", [](s& d) -> target { return &d.crosstalk; },
+       "0..1, share of its light that a channel loses to the next one at full drive", true},
+      {"power_limit", [](s& d) -> target { return &d.power_limit; },
+       "0..1, share of its light that full white loses, and less bright colours in proportion", true},
+      {"dynamic_backlight", [](s& d) -> target { return &d.dynamic_backlight; },
+       "0..1, share of its light that black loses, and grays as they are darker", true},
   };
   return all;
 }
@@ -212,6 +219,11 @@ std::string problem(const simulated_display& d) {
   if (!within(d.toe, 0, 1)) return "toe must be 0 to 1";
   if (!within(d.s_shape, 0, 1)) return "s_shape must be 0 to 1";
   if (!within(d.noise, 0, 1)) return "noise must be 0 to 1";
+  for (const double k : d.crosstalk.v) {
+    if (!within(k, 0, 1)) return "crosstalk must be 0 to 1";
+  }
+  if (!within(d.power_limit, 0, 1)) return "power_limit must be 0 to 1";
+  if (!within(d.dynamic_backlight, 0, 1)) return "dynamic_backlight must be 0 to 1";
   if (!within(d.digits, 1, 17)) return "digits must be 1 to 17";
   if (!within(d.drive, 1e-3, 1e6)) return "drive must be 0.001 to 1000000";
   return {};
@@ -233,18 +245,60 @@ mat3 primaries(const simulated_display& d) {
 
 vec3 dark_light(const simulated_display& d) { return d.black_luminance * xy2xyz(d.white); }
 
-/// The light above the dark.
+/// Luminance fractions of the channels, with what they take from each other.
+static vec3 channels(const simulated_display& d, const vec3& drive) {
+  const vec3 alone{{tone(d, 0, drive[0]), tone(d, 1, drive[1]), tone(d, 2, drive[2])}};
+  vec3 m;
+  for (std::size_t c = 0; c < 3; ++c) m[c] = alone[c] * (1 - d.crosstalk[c] * alone[(c + 1) % 3]);
+  return m;
+}
+
+/// The share of the backlight that a picture of this drive leaves.
+static double backlight(const simulated_display& d, const vec3& drive) {
+  return 1 - d.dynamic_backlight * (1 - (drive[0] + drive[1] + drive[2]) / 3);
+}
+
+/// The light above the dark, before the backlight.
 static vec3 light(const simulated_display& d, const mat3& full, const vec3& drive) {
+  const vec3 channel = channels(d, drive);
   vec3 sum;
   for (std::size_t c = 0; c < 3; ++c) {
-    const double m = tone(d, c, drive[c]);
+    const double m = channel[c];
     const vec3 fraction{{(1 - d.nX[c]) * m + d.nX[c] * m * m, m, (1 - d.nZ[c]) * m + d.nZ[c] * m * m}};
     for (std::size_t i = 0; i < 3; ++i) sum[i] += full(i, c) * fraction[i];
   }
-  return sum;
+  return (1 - d.power_limit * (channel[0] + channel[1] + channel[2]) / 3) * sum;
 }
 
-vec3 shown(const simulated_display& d, const vec3& drive) { return light(d, primaries(d), drive) + dark_light(d); }
+vec3 shown(const simulated_display& d, const vec3& drive) {
+  return backlight(d, drive) * (light(d, primaries(d), drive) + dark_light(d));
+}
+
+namespace {
+
+/// The instrument in front of it.
+class instrument {
+ public:
+  explicit instrument(const simulated_display& d) : d_(d), full_(primaries(d)), dark_(dark_light(d)), noise_{d.seed} {}
+
+  vec3 read(const vec3& drive) {
+    const vec3 above = light(d_, full_, drive);
+    const double lit = backlight(d_, drive);
+    vec3 xyz;
+    for (std::size_t i = 0; i < 3; ++i) {
+      xyz[i] = round_to(lit * (dark_[i] + above[i] * (1 + d_.noise * noise_.deviate())), d_.digits).value;
+    }
+    return xyz;
+  }
+
+ private:
+  const simulated_display& d_;
+  mat3 full_;
+  vec3 dark_;
+  generator noise_;
+};
+
+}  // namespace
 
 matrix sample_rows(const simulated_display& d) {
   constexpr std::array<vec3, 7> ramps{{{{1, 1, 1}},
@@ -256,16 +310,14 @@ matrix sample_rows(const simulated_display& d) {
                                        {{0, 1, 1}}}};  // yellow, magenta, cyan
   const std::size_t nramps = d.version == 1 ? 7 : 4, levels = static_cast<std::size_t>(d.levels);
   matrix out(nramps * levels + static_cast<std::size_t>(d.extra), 6);
-  const mat3 full = primaries(d);
-  const vec3 dark = dark_light(d);
-  generator noise{d.seed};
+  instrument eye(d);
 
   std::size_t row = 0;
   const auto measure = [&](const vec3& written) {
-    const vec3 above = light(d, full, written / d.drive);
+    const vec3 xyz = eye.read(written / d.drive);
     for (std::size_t i = 0; i < 3; ++i) {
       out(row, i) = written[i];
-      out(row, i + 3) = round_to(dark[i] + above[i] * (1 + d.noise * noise.deviate()), d.digits).value;
+      out(row, i + 3) = xyz[i];
     }
     ++row;
   };
@@ -289,7 +341,9 @@ std::string measurement_file(const simulated_display& d) {
   if (const std::string words = arguments(d); !words.empty()) out.append(" ").append(words);
   out += "\n; All parameters:\n";
   simulated_display copy = d;
+  simulated_display plain;
   for (const parameter& p : parameters()) {
+    if (p.listed_if_set && value_text(p.where(copy)) == value_text(p.where(plain))) continue;
     out += ";   " + std::string(p.key) + "=" + value_text(p.where(copy)) + "  (" + p.meaning + ")\n";
   }
   out += "; Next line: levels in a ramp, extra samples, version. Then R G B X Y Z, XYZ in cd/m2.\n";
@@ -300,6 +354,18 @@ std::string measurement_file(const simulated_display& d) {
   for (std::size_t i = 0; i < all.rows(); ++i) {
     for (std::size_t j = 0; j < 3; ++j) out += fixed(all(i, j), decimals) + " ";
     for (std::size_t j = 3; j < 6; ++j) out += reading_text(all(i, j), d.digits) + (j < 5 ? " " : "\n");
+  }
+  return out;
+}
+
+std::string readings_table(const simulated_display& d, std::span<const vec3> asked,
+                           const std::function<vec3(const vec3&)>& loaded) {
+  std::string out = "R G B X Y Z\n";
+  instrument eye(d);
+  for (const vec3& drive : asked) {
+    const vec3 xyz = eye.read(loaded(drive));
+    for (const double v : drive.v) out += text_of(v) + " ";
+    for (std::size_t j = 0; j < 3; ++j) out += reading_text(xyz[j], d.digits) + (j < 2 ? " " : "\n");
   }
   return out;
 }

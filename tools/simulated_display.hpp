@@ -6,6 +6,8 @@
 // bit in which mathematical libraries differ.
 
 #include <cstdint>
+#include <functional>
+#include <span>
 #include <string>
 
 #include "numerics/matrix.hpp"
@@ -17,6 +19,13 @@ namespace corvantile {
 /// Light is additive over the channels: with m_c the luminance fraction of channel c,
 ///   Y = sum Ymax_c m_c + dark,  X = sum Xmax_c ((1 - nX_c) m_c + nX_c m_c^2) + dark,  Z likewise with nZ.
 /// The dark light has the chromaticity of the white, so that the first sample has it too.
+///
+/// Three ways not to add up, as real displays have them, all off by default:
+///   crosstalk k_c        m_c loses k_c m_n of itself, n being the next channel (of red, green, blue, red)
+///   power_limit k        all light above the dark is 1 - k (m_red + m_green + m_blue) / 3 of what it would be
+///   dynamic_backlight k  all light, the dark's too, is 1 - k (1 - p) of what it would be, with p the mean drive:
+///                        a dark picture dims the backlight
+/// `white_luminance` and `primaries` are those without crosstalk and limit.
 struct simulated_display {
   int levels = 17;                // samples in a ramp, at least 2
   int version = 2;                // of the file: 1 has seven ramps, 2 has four
@@ -37,6 +46,9 @@ struct simulated_display {
   int digits = 6;           // significant digits of a reading, 1..17
   double drive = 255;       // drive value of full drive, as written to the file
   bool dark_red_z = false;  // a red primary without any Z: its Z is exactly that of the dark
+  vec3 crosstalk{};         // 0..1
+  double power_limit = 0;   // 0..1
+  double dynamic_backlight = 0;  // 0..1
 };
 
 /// What is wrong with the parameters, in words, or an empty text.
@@ -60,6 +72,11 @@ matrix sample_rows(const simulated_display& d);
 
 /// The text of a measurement file: comment lines that name it as simulated, with every parameter, then the readings.
 std::string measurement_file(const simulated_display& d);
+
+/// What an instrument reads for drives asked for, 0 to 1, that reach the display through `loaded`: lines "R G B X Y Z"
+/// under a heading, with the drives as asked for, and noise and digits as in `measurement_file`.
+std::string readings_table(const simulated_display& d, std::span<const vec3> asked,
+                           const std::function<vec3(const vec3&)>& loaded);
 
 /// The parameters as `key=value` words, those that differ from the default only.
 std::string arguments(const simulated_display& d);
