@@ -135,15 +135,33 @@ void search_again(const prepared_monitor& mon, std::vector<gray_level>& levels) 
   for (std::size_t i = 1; i + 1 < levels.size(); ++i) search_from(mon, levels[i], levels[i - 1].inp);
 }
 
+vec3 each(const vec3& a, const vec3& b) { return {{a[0] * b[0], a[1] * b[1], a[2] * b[2]}}; }
+vec3 each_divided(const vec3& a, const vec3& b) { return {{a[0] / b[0], a[1] / b[1], a[2] / b[2]}}; }
+
+// How the grays of a ramp differ from what they would be without factors: by their colour, and relative to white.
+class relative_factors {
+ public:
+  explicit relative_factors(const gray_factors& factors) : factors_(factors), white_(factors_at(factors, 1)) {}
+  vec3 at(double s) const { return factors_at(factors_, s) / white_[1]; }
+  vec3 at_white() const { return white_ / white_[1]; }
+
+ private:
+  const gray_factors& factors_;
+  vec3 white_;
+};
+
 gray_search gray_ramp(matrix& tab, const prepared_monitor& mon, const ramp_top& top, const lut& curve, double g0,
-                      bool restart) {
+                      bool restart, const gray_factors& factors) {
   const std::size_t n = tab.rows();
   const interpolator tone(curve);
+  const relative_factors corrected(factors);
+  const vec3 plain_top = factors.empty() ? top.xyz : each_divided(top.xyz, corrected.at_white());
   const auto target = [&](std::size_t i) {
     const double s = static_cast<double>(i) / static_cast<double>(n - 1);
     double w = 0;
     if (s <= g0) w = s == 0 ? 1.0 : (std::cos(std::numbers::pi * s / g0) + 1) / 2;
-    return tone(s) * top.xyz + w * mon.source().darklight;
+    const vec3 plain = tone(s) * plain_top + w * mon.source().darklight;
+    return factors.empty() ? plain : each(corrected.at(s), plain);
   };
   std::vector<gray_level> levels(n);
   levels[n - 1] = {top.xyz, top.inp, 0};
@@ -155,6 +173,11 @@ gray_search gray_ramp(matrix& tab, const prepared_monitor& mon, const ramp_top& 
   if (restart) search_again(mon, levels);
   for (std::size_t i = 0; i < n; ++i) set_row3(tab, i, levels[i].inp);
   return {top, std::move(levels)};
+}
+
+// The brightest colour that is `base` once it is divided by the factors.
+ramp_top top_for(const prepared_monitor& mon, const vec3& base, const gray_factors& factors) {
+  return ramptop(mon, factors.empty() ? base : each(relative_factors(factors).at_white(), base));
 }
 
 }  // namespace
@@ -189,24 +212,29 @@ lut make_gamma_table(double gamma, int n) {
 }
 
 gray_search colortemp_lut(matrix& tab, const monitor& mon, double T, const lut& curve, double g0, double hwid,
-                          bool restart) {
+                          bool restart, const gray_factors& factors) {
   const prepared_monitor prepared(mon);
-  const ramp_top top = hwid > 0 ? bcgtw(prepared, T, hwid) : ramptop(prepared, base_of_temperature(mon, T));
-  return gray_ramp(tab, prepared, top, curve, g0, restart);
+  vec3 base = base_of_temperature(mon, T);
+  if (hwid > 0) {
+    const ramp_top top = bcgtw(prepared, T, hwid);
+    if (factors.empty()) return gray_ramp(tab, prepared, top, curve, g0, restart, factors);
+    base = base_of_chromaticity(mon, top.xyz);
+  }
+  return gray_ramp(tab, prepared, top_for(prepared, base, factors), curve, g0, restart, factors);
 }
 
 static gray_search lut_of_base(matrix& tab, const monitor& mon, const vec3& base, const lut& curve, double g0,
-                               bool restart) {
+                               bool restart, const gray_factors& factors) {
   const prepared_monitor prepared(mon);
-  return gray_ramp(tab, prepared, ramptop(prepared, base), curve, g0, restart);
+  return gray_ramp(tab, prepared, top_for(prepared, base, factors), curve, g0, restart, factors);
 }
 gray_search chromaticity_lut(matrix& tab, const monitor& mon, const vec2& xy, const lut& curve, double g0,
-                             bool restart) {
-  return lut_of_base(tab, mon, base_of_chromaticity(mon, xy), curve, g0, restart);
+                             bool restart, const gray_factors& factors) {
+  return lut_of_base(tab, mon, base_of_chromaticity(mon, xy), curve, g0, restart, factors);
 }
 gray_search chromaticity_lut(matrix& tab, const monitor& mon, const vec3& xyz, const lut& curve, double g0,
                              bool restart) {
-  return lut_of_base(tab, mon, base_of_chromaticity(mon, xyz), curve, g0, restart);
+  return lut_of_base(tab, mon, base_of_chromaticity(mon, xyz), curve, g0, restart, {});
 }
 
 }  // namespace corvantile

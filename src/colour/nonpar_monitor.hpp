@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 
+#include "colour/gray_factors.hpp"
 #include "colour/gray_search.hpp"
 #include "monitor/monitor.hpp"
 #include "monitor/prepared.hpp"
@@ -69,12 +70,15 @@ lut make_gamma_table(double gamma, int n);
 /// Each level is searched from the drive values of the level above it, so that a search that ends in a false minimum
 /// leads the next ones astray. With `restart`, levels that were left further than `reachable` from their target are
 /// searched again, from the linear model's answer and from their neighbours; the others keep their bits.
+///
+/// With `factors`, the target above is multiplied by them, and the top is the brightest colour that keeps the
+/// temperature when it is divided by them. The swath of `hwid` is searched without them.
 gray_search colortemp_lut(matrix& tab, const monitor& mon, double T, const lut& curve, double g0, double hwid,
-                          bool restart = false);
+                          bool restart = false, const gray_factors& factors = {});
 
 /// The same for a constant chromaticity x, y.
 gray_search chromaticity_lut(matrix& tab, const monitor& mon, const vec2& xy, const lut& curve, double g0,
-                             bool restart = false);
+                             bool restart = false, const gray_factors& factors = {});
 
 // ---- Held ready: no job calls these ----
 

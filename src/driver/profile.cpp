@@ -18,6 +18,7 @@ namespace {
 struct text_key {
   std::string profile::*value;
   std::size_t length;
+  bool only_if_set = false;
 };
 struct integer_key {
   int settings::*value;
@@ -66,6 +67,7 @@ constexpr key keys[] = {
     // Echoed only where they are set, as what came later than the others.
     {"white", "white", chromaticity_key{&settings::white}},
     {"restart", "restart", switch_key{&settings::restart}},
+    {"grayfile", "grayfile", text_key{&profile::grayfile, longest_name, true}},
 };
 
 // One function per kind of key, for std::visit.
@@ -473,7 +475,9 @@ std::string pair_text(const vec2& xy) { return free_format(xy[0]).substr(1) + ',
 std::string value_text(const profile& p, const key& k) {
   const settings& s = p.set;
   return std::visit(overload{
-                        [&](const text_key& t) { return quoted(p.*t.value); },
+                        [&](const text_key& t) {
+                          return t.only_if_set && (p.*t.value).empty() ? std::string() : quoted(p.*t.value);
+                        },
                         [&](const integer_key& i) { return integer_field(s.*i.value); },
                         [&](const switch_key& b) { return std::string(s.*b.value ? "1" : ""); },
                         [&](const real_key& r) { return free_format(s.*r.value).substr(1); },
@@ -537,7 +541,9 @@ std::string echo(const profile& p) {
   for (const key& k : keys) {
     const std::string label = std::string(k.echo) + " = ";
     std::visit(overload{
-                   [&](const text_key& t) { out += label + p.*t.value + '\n'; },
+                   [&](const text_key& t) {
+                     if (!t.only_if_set || !(p.*t.value).empty()) out += label + p.*t.value + '\n';
+                   },
                    [&](const integer_key& i) { out += label + integer_field(s.*i.value) + '\n'; },
                    [&](const switch_key& b) {
                      if (s.*b.value) out += label + "1\n";

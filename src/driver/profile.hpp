@@ -26,6 +26,7 @@ struct profile {
   std::string outdir = ".";            ///< output directory; ends in "/" once end_outdir_with_slash has seen it
   std::string wgfile;                  ///< measurement file
   std::string gamfile;                 ///< gamma-curve file; empty selects the power law
+  std::string grayfile;                ///< file of gray factors; empty for none
 };
 
 /// Reads the group from the start of `text`; what follows its closing slash is not looked at. Texts are cut to

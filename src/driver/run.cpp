@@ -8,6 +8,7 @@
 #include <string>
 
 #include "driver/gamma_file.hpp"
+#include "driver/gray_factors_file.hpp"
 #include "driver/profile.hpp"
 #include "driver/report.hpp"
 #include "driver/tables.hpp"
@@ -77,7 +78,8 @@ void run_program(std::span<const std::string_view> arguments, std::string_view t
 
   const measurements samples = load_measurements(p.wgfile);
   const std::optional<tone_samples> tone = load_tone(p, report);
-  const correction result = solve(p.set, samples, tone);
+  const bool refined = matches_gray(p.set.mode) && !p.grayfile.empty();
+  const correction result = solve(p.set, samples, tone, refined ? load_gray_factors(p.grayfile) : gray_factors());
   for (const warning& w : result.warnings) err << "Warning: " << w.message << '\n';
   if (verbose) report_solution(out, result);
   write_files(table_files(result, p));

@@ -90,6 +90,7 @@ void check_outdir(const profile& p) {
     }
     refuse_to_overwrite(p, table, p.wgfile, "measurement");
     refuse_to_overwrite(p, table, p.gamfile, "gamma");
+    refuse_to_overwrite(p, table, p.grayfile, "gray factors");
   }
 }
 

@@ -73,10 +73,20 @@ void solve_two_tables(const settings& set, const gspec& spec, correction& result
   add_warnings(result, judge_two_tables(set, *result.two));
 }
 
+// The model's colours along a shaded ramp, or across a swath, are not those that the factors were measured for.
+void check_factors(const settings& set) {
+  if (set.temp < 0) return;
+  constexpr const char* why = "goes without grayfile, whose factors are those of one white";
+  if (set.wptemp >= 0) refuse_setting("wptemp", free_format(set.wptemp).substr(1), why);
+  if (set.hwid > 0) refuse_setting("hwid", free_format(set.hwid).substr(1), why);
+}
+
 void match_gray(const settings& set, const gspec& spec, correction& result) {
   result.gray = matrix(static_cast<std::size_t>(set.tlen), 3);
   const double start = cpu_seconds();
-  const gray_match match = cv1(result.display, gray_ramp_of(set), spec.lut, result.gray);
+  gray_ramp_params params = gray_ramp_of(set);
+  params.factors = result.factors;
+  const gray_match match = cv1(result.display, params, spec.lut, result.gray);
   result.gray_seconds = cpu_seconds() - start;
   result.undefined_row = match.undefined_row;
   add_warnings(result, judge_grays(set, result.display, match));
@@ -85,8 +95,10 @@ void match_gray(const settings& set, const gspec& spec, correction& result) {
 
 }  // namespace
 
-correction solve(const settings& set, const measurements& samples, const std::optional<tone_samples>& tone) {
+correction solve(const settings& set, const measurements& samples, const std::optional<tone_samples>& tone,
+                 const gray_factors& factors) {
   check_settings(set, !tone);
+  if (matches_gray(set.mode) && !factors.empty()) check_factors(set);
   correction result;
   result.mode = set.mode;
   result.measured = makemonitor(samples, set.numsegs, set.minslope);
@@ -98,6 +110,7 @@ correction solve(const settings& set, const measurements& samples, const std::op
   result.display = result.measured;
   if (solves_two_tables(set.mode)) solve_two_tables(set, spec, result);
   if (matches_gray(set.mode)) {
+    result.factors = factors;
     match_gray(set, spec, result);
   } else {
     result.gray = in_all_channels(linspace(0.0, 1.0, static_cast<std::size_t>(set.tlen)));

@@ -3,6 +3,7 @@
 
 #include <optional>
 
+#include "colour/gray_factors.hpp"
 #include "job/settings.hpp"
 #include "job/tone_samples.hpp"
 #include "job/warning.hpp"
@@ -30,6 +31,7 @@ struct correction {
   /// from it by `alpha` and `beta`.
   matrix gray;
   monitor display;  ///< what `gray` drives: the display as measured, or `two->cmon`
+  gray_factors factors;  ///< what the wanted grays were multiplied by; empty without a gray match
 
   /// The row of `gray` (and of CV2_1's `prelut`) that is not a number, if there is one: see `gray_match`.
   std::optional<std::size_t> undefined_row;
@@ -40,8 +42,10 @@ struct correction {
 };
 
 /// Fits the display, solves in the mode that the settings name, and judges the result. The target tone curve is that
-/// of `tone`, else the power law of `gamma`. Reads and writes nothing and keeps no state: several threads may call it
+/// of `tone`, else the power law of `gamma`. `factors` correct the gray match where the display was measured again
+/// behind its tables; they go without `wptemp` and `hwid`. Reads and writes nothing and keeps no state: several threads may call it
 /// at once. Throws `fault::setting` or `fault::content`.
-correction solve(const settings& set, const measurements& samples, const std::optional<tone_samples>& tone = {});
+correction solve(const settings& set, const measurements& samples, const std::optional<tone_samples>& tone = {},
+                 const gray_factors& factors = {});
 
 }  // namespace corvantile

@@ -26,14 +26,16 @@ gray_match cv1(const monitor& mon, const gray_ramp_params& params, const lut& ga
   const gray_temperatures temperatures = temperatures_of(params, mon);
   if (!temperatures.ramp) {
     return {.ramp = chromaticity_lut(tab, mon, params.white.value_or(chromaticity(mon.whitepoint)), gammalut,
-                                     params.alpha, params.restart)};
+                                     params.alpha, params.restart, params.factors)};
   }
   gray_match match;
-  match.ramp = colortemp_lut(tab, mon, *temperatures.ramp, gammalut, params.alpha, params.hwid, params.restart);
+  match.ramp = colortemp_lut(tab, mon, *temperatures.ramp, gammalut, params.alpha, params.hwid, params.restart,
+                         params.factors);
   if (!temperatures.top) return match;
 
   matrix shaded(tab.rows(), 3);
-  match.top = colortemp_lut(shaded, mon, *temperatures.top, gammalut, params.alpha, params.hwid, params.restart);
+  match.top = colortemp_lut(shaded, mon, *temperatures.top, gammalut, params.alpha, params.hwid, params.restart,
+                         params.factors);
   // Rows are counted from 1 here, and a shading that would begin before the first begins there. One that begins in
   // the last has t = 0/0 there, and the row is not a number: kept so.
   const auto R = static_cast<double>(tab.rows());

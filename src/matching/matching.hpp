@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "colour/chromaticity.hpp"
+#include "colour/gray_factors.hpp"
 #include "colour/gray_search.hpp"
 #include "monitor/monitor.hpp"
 #include "monitor/synthetic_monitor.hpp"
@@ -81,6 +82,7 @@ struct gray_ramp_params {
   double hwid = 0;     ///< half-width, in CIE 1960 uv, of the swath searched for a brighter top
   std::optional<vec2> white = {};  ///< the constant chromaticity, x and y; absent: the monitor's own white
   bool restart = false;            ///< search levels that were not found a second time, see `colortemp_lut`
+  gray_factors factors = {};       ///< what the wanted colours are multiplied by
 };
 
 /// The smooth step t^2 (3 - 2t), for t from 0 to 1.
