@@ -279,7 +279,8 @@ namespace {
 /// The instrument in front of it.
 class instrument {
  public:
-  explicit instrument(const simulated_display& d) : d_(d), full_(primaries(d)), dark_(dark_light(d)), noise_{d.seed} {}
+  explicit instrument(const simulated_display& d)
+      : d_(d), full_(primaries(d)), dark_(dark_light(d)), noise_{d.seed} {}
 
   vec3 read(const vec3& drive) {
     const vec3 above = light(d_, full_, drive);
@@ -360,7 +361,7 @@ std::string measurement_file(const simulated_display& d) {
 
 std::string readings_table(const simulated_display& d, std::span<const vec3> asked,
                            const std::function<vec3(const vec3&)>& loaded) {
-  std::string out = "R G B X Y Z\n";
+  std::string out = "R G B X(cd/m2) Y(cd/m2) Z(cd/m2)\n";
   instrument eye(d);
   for (const vec3& drive : asked) {
     const vec3 xyz = eye.read(loaded(drive));

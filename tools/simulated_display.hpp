@@ -41,13 +41,13 @@ struct simulated_display {
   double s_shape = 0;           // 0 a pure power law, 1 fully bent over near full drive
   vec3 nX{};                    // quadratic shape of X and Z over luminance, -1..1
   vec3 nZ{};
-  double noise = 0;         // standard deviation of a reading relative to its light above the dark
-  std::uint64_t seed = 1;   // of the noise and of the extra samples
-  int digits = 6;           // significant digits of a reading, 1..17
-  double drive = 255;       // drive value of full drive, as written to the file
-  bool dark_red_z = false;  // a red primary without any Z: its Z is exactly that of the dark
-  vec3 crosstalk{};         // 0..1
-  double power_limit = 0;   // 0..1
+  double noise = 0;              // standard deviation of a reading relative to its light above the dark
+  std::uint64_t seed = 1;        // of the noise and of the extra samples
+  int digits = 6;                // significant digits of a reading, 1..17
+  double drive = 255;            // drive value of full drive, as written to the file
+  bool dark_red_z = false;       // a red primary without any Z: its Z is exactly that of the dark
+  vec3 crosstalk{};              // 0..1
+  double power_limit = 0;        // 0..1
   double dynamic_backlight = 0;  // 0..1
 };
 
@@ -73,7 +73,7 @@ matrix sample_rows(const simulated_display& d);
 /// The text of a measurement file: comment lines that name it as simulated, with every parameter, then the readings.
 std::string measurement_file(const simulated_display& d);
 
-/// What an instrument reads for drives asked for, 0 to 1, that reach the display through `loaded`: lines "R G B X Y Z"
+/// What an instrument reads for drives asked for, 0 to 1, that reach the display through `loaded`: lines R G B X Y Z
 /// under a heading, with the drives as asked for, and noise and digits as in `measurement_file`.
 std::string readings_table(const simulated_display& d, std::span<const vec3> asked,
                            const std::function<vec3(const vec3&)>& loaded);

@@ -2,28 +2,27 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 #include "colour/color_metrics.hpp"
+#include "colour/nonpar_monitor.hpp"
 
 namespace corvantile {
 namespace {
 
 vec2 wanted_white(const correction& result, const settings& set) {
-  if (!matches_gray(result.mode)) return set.xytable.white;
-  const gray_temperatures at = temperatures_of(gray_ramp_of(set), result.display);
-  if (at.top) return chromaticity(blackbody_color(*at.top));
-  if (at.ramp) return chromaticity(blackbody_color(*at.ramp));
-  return set.white.value_or(chromaticity(result.display.whitepoint));
+  return matches_gray(result.mode) ? white_of_grays(gray_ramp_of(set), result.display) : set.xytable.white;
 }
 
-// How much of the dark light a gray match puts into its target at position `s` of the ramp.
-double weight_of_dark(double s, double alpha) {
-  if (s > alpha) return 0;
-  return s == 0 ? 1 : (std::cos(std::numbers::pi * s / alpha) + 1) / 2;
+// The grays that the corrected display is expected to show.
+matrix expected_grays(const correction& result, const settings& set) {
+  matrix grays = inp2out_mat(result.display, result.gray);
+  const std::vector<double> s = linspace(0.0, 1.0, grays.rows());
+  for (std::size_t i = 0; i < s.size(); ++i) {
+    const vec3 dark = dark_share(s[i], set.alpha) * result.display.darklight;
+    set_row3(grays, i, expected(result.factors, {{s[i], s[i], s[i]}}, row3(grays, i), dark));
+  }
+  return grays;
 }
-
-vec3 shown(const correction& result, const vec3& inp) { return inp2out_vec(result.display, inp); }
 
 outcome::primaries primaries_of(const correction& result, const settings& set) {
   const two_table_solution& two = *result.two;
@@ -45,17 +44,17 @@ matrix gray_targets(const correction& result, const settings& set) {
   const std::size_t n = result.gray.rows();
   const std::vector<double> s = linspace(0.0, 1.0, n);
   if (!matches_gray(result.mode)) return syn_inp2out_mat(result.two->mod_smon, in_all_channels(s));
-  const vec3 top = shown(result, row3(result.gray, n - 1));
+  const vec3 top = row3(expected_grays(result, set), n - 1);
   const interpolator tone(result.tone);
   matrix targets(n, 3);
   for (std::size_t i = 0; i < n; ++i)
-    set_row3(targets, i, tone(s[i]) * top + weight_of_dark(s[i], set.alpha) * result.display.darklight);
+    set_row3(targets, i, tone(s[i]) * top + dark_share(s[i], set.alpha) * result.display.darklight);
   return targets;
 }
 
 outcome outcome_of(const correction& result, const settings& set) {
   const std::size_t n = result.gray.rows();
-  const matrix grays = inp2out_mat(result.display, result.gray);
+  const matrix grays = expected_grays(result, set);
   outcome figures{.white_before = result.measured.whitepoint,
                   .white_after = row3(grays, n - 1),
                   .black_before = result.measured.darklight,

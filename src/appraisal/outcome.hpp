@@ -33,7 +33,8 @@ struct outcome {
   double gray_largest = 0;
 };
 
-/// `set` are the settings that `result` was solved with. A row that is not a number is left out of mean and largest.
+/// `set` are the settings that `result` was solved with. Behind gray factors, colours are those expected of the
+/// display: the model's, divided by the factors. A row that is not a number is left out of mean and largest.
 outcome outcome_of(const correction& result, const settings& set);
 
 }  // namespace corvantile

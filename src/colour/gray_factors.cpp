@@ -49,4 +49,14 @@ vec3 factors_at(const gray_factors& f, double drive) {
   return {{interp(f.xyz[0], drive), interp(f.xyz[1], drive), interp(f.xyz[2], drive)}};
 }
 
+vec3 expected(const gray_factors& f, const vec3& drive, const vec3& xyz, const vec3& dark) {
+  if (f.empty()) return xyz;
+  const auto [least_drive, most_drive] = std::ranges::minmax(drive.v);
+  const double grayness = most_drive > 0 ? least_drive / most_drive : 1;
+  const vec3 factor = factors_at(f, most_drive);
+  vec3 out;
+  for (std::size_t k = 0; k < 3; ++k) out[k] = (xyz[k] - dark[k]) / (1 + grayness * (factor[k] - 1)) + dark[k];
+  return out;
+}
+
 }  // namespace corvantile

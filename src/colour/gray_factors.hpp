@@ -28,4 +28,9 @@ gray_factors make_gray_factors(const std::string& name, std::span<const double> 
 /// At a drive from 0 to 1; 1 each where there are none.
 vec3 factors_at(const gray_factors& f, double drive);
 
+/// What the display is expected to show for `drive`, 0 to 1, where the model shows `xyz`, of which `dark` is the dark
+/// light of a gray's target: the rest is divided by the factors. In colours the factors count the less the farther
+/// they are from gray, as the least drive over the largest: a channel alone was measured by itself.
+vec3 expected(const gray_factors& f, const vec3& drive, const vec3& xyz, const vec3& dark);
+
 }  // namespace corvantile

@@ -158,9 +158,7 @@ gray_search gray_ramp(matrix& tab, const prepared_monitor& mon, const ramp_top& 
   const vec3 plain_top = factors.empty() ? top.xyz : each_divided(top.xyz, corrected.at_white());
   const auto target = [&](std::size_t i) {
     const double s = static_cast<double>(i) / static_cast<double>(n - 1);
-    double w = 0;
-    if (s <= g0) w = s == 0 ? 1.0 : (std::cos(std::numbers::pi * s / g0) + 1) / 2;
-    const vec3 plain = tone(s) * plain_top + w * mon.source().darklight;
+    const vec3 plain = tone(s) * plain_top + dark_share(s, g0) * mon.source().darklight;
     return factors.empty() ? plain : each(corrected.at(s), plain);
   };
   std::vector<gray_level> levels(n);
@@ -203,6 +201,11 @@ ramp_top ramptop_xyz(const monitor& mon, const vec3& xyz) {
 }
 
 ramp_top bcgtw(const monitor& mon, double T, double hwid) { return bcgtw(prepared_monitor(mon), T, hwid); }
+
+double dark_share(double s, double g0) {
+  if (!(s <= g0)) return 0;
+  return s == 0 ? 1.0 : (std::cos(std::numbers::pi * s / g0) + 1) / 2;
+}
 
 lut make_gamma_table(double gamma, int n) {
   const std::vector<double> s = linspace(0.0, 1.0, static_cast<std::size_t>(n));

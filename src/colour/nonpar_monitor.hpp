@@ -57,6 +57,9 @@ ramp_top bcgtw(const monitor& mon, double T, double hwid);
 
 // ---- Gray ramps ----
 
+/// How much of the dark light the target of a gray ramp holds at position `s`, w(s) of `colortemp_lut`.
+double dark_share(double s, double g0);
+
 /// The power law y = x^gamma at n evenly spaced points, n at least 2.
 lut make_gamma_table(double gamma, int n);
 

@@ -30,7 +30,7 @@ struct correction {
   /// CV2_1 what the gray match adds before the pre-table, in CV2 the plain ramp. Zeros where the gray match was kept
   /// from it by `alpha` and `beta`.
   matrix gray;
-  monitor display;  ///< what `gray` drives: the display as measured, or `two->cmon`
+  monitor display;       ///< what `gray` drives: the display as measured, or `two->cmon`
   gray_factors factors;  ///< what the wanted grays were multiplied by; empty without a gray match
 
   /// The row of `gray` (and of CV2_1's `prelut`) that is not a number, if there is one: see `gray_match`.
@@ -43,8 +43,8 @@ struct correction {
 
 /// Fits the display, solves in the mode that the settings name, and judges the result. The target tone curve is that
 /// of `tone`, else the power law of `gamma`. `factors` correct the gray match where the display was measured again
-/// behind its tables; they go without `wptemp` and `hwid`. Reads and writes nothing and keeps no state: several threads may call it
-/// at once. Throws `fault::setting` or `fault::content`.
+/// behind its tables; they go without `wptemp` and `hwid`. Reads and writes nothing and keeps no state: several
+/// threads may call it at once. Throws `fault::setting` or `fault::content`.
 correction solve(const settings& set, const measurements& samples, const std::optional<tone_samples>& tone = {},
                  const gray_factors& factors = {});
 

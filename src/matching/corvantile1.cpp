@@ -21,6 +21,13 @@ gray_temperatures temperatures_of(const gray_ramp_params& params, const monitor&
   return {params.temp, wptemp >= 0 ? std::optional(wptemp) : std::nullopt};
 }
 
+vec2 white_of_grays(const gray_ramp_params& params, const monitor& mon) {
+  const gray_temperatures at = temperatures_of(params, mon);
+  if (at.top) return chromaticity(blackbody_color(*at.top));
+  if (at.ramp) return chromaticity(blackbody_color(*at.ramp));
+  return params.white.value_or(chromaticity(mon.whitepoint));
+}
+
 gray_match cv1(const monitor& mon, const gray_ramp_params& params, const lut& gammalut, matrix& tab) {
   if (const int status = status_of(params); status != 0) return {.status = status};
   const gray_temperatures temperatures = temperatures_of(params, mon);
@@ -30,12 +37,12 @@ gray_match cv1(const monitor& mon, const gray_ramp_params& params, const lut& ga
   }
   gray_match match;
   match.ramp = colortemp_lut(tab, mon, *temperatures.ramp, gammalut, params.alpha, params.hwid, params.restart,
-                         params.factors);
+                             params.factors);
   if (!temperatures.top) return match;
 
   matrix shaded(tab.rows(), 3);
   match.top = colortemp_lut(shaded, mon, *temperatures.top, gammalut, params.alpha, params.hwid, params.restart,
-                         params.factors);
+                            params.factors);
   // Rows are counted from 1 here, and a shading that would begin before the first begins there. One that begins in
   // the last has t = 0/0 there, and the row is not a number: kept so.
   const auto R = static_cast<double>(tab.rows());

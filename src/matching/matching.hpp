@@ -96,6 +96,9 @@ struct gray_temperatures {
 };
 gray_temperatures temperatures_of(const gray_ramp_params& params, const monitor& mon);
 
+/// The chromaticity that grays are to have, those at the ramp's top where it is shaded.
+vec2 white_of_grays(const gray_ramp_params& params, const monitor& mon);
+
 /// How a gray match went.
 struct gray_match {
   /// 0 done; 1 `alpha` is not below `beta`; 2 `beta` exceeds 1. Other than 0, the table was left as it was.

@@ -252,6 +252,7 @@ report_source source_of(const correction& result, const settings& set) {
                   .primaries = {},
                   .tone = interpolator(result.tone)};
   if (matches_gray(result.mode)) s.dark_below = set.alpha;
+  s.factors = result.factors;
   if (result.two) {
     s.primaries = {set.xytable.red, set.xytable.green, set.xytable.blue};
     s.lumfrac = set.lumfrac;

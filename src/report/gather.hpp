@@ -31,6 +31,9 @@ struct report_source {
   /// dark throughout, as that of the two-table solution has.
   std::optional<double> dark_below{};
 
+  /// What the wanted grays were multiplied by, so that the display is expected to show the model's divided by them.
+  gray_factors factors{};
+
   double lumfrac = 1;  ///< the luminance asked for as a fraction of the brightest such white's
   /// Per ramp (gray, red, green, blue, yellow, magenta, cyan), what the program's verbose report gives; see
   /// `program_ramp_maxima`.

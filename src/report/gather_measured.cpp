@@ -95,40 +95,55 @@ std::vector<reading> adapted(std::vector<reading> readings, const vec3& white) {
   return readings;
 }
 
-std::vector<std::string> diagnosis(const scene& sc, const std::vector<reading>& readings) {
-  constexpr double good = 3;  // a display and an instrument repeat themselves better than that
+// Mean differences of the readings from what is predicted for the ways in which the tables may have been loaded.
+struct distances {
+  double once, none, twice, other_white;
+};
+
+distances distances_of(const scene& sc, const std::vector<reading>& readings) {
   const vec3 white = sc.after(gray(1));
   const auto after = [&](const vec3& u) { return sc.after(u); };
-  const double once = mean_from(readings, white, after);
-  const double none = mean_from(readings, white, [&](const vec3& u) { return sc.before(u); });
-  const double twice = mean_from(readings, white, [&](const vec3& u) { return sc.after(sc.through(u)); });
-  const double other_white = mean_from(adapted(readings, white), white, after);
+  return {.once = mean_from(readings, white, after),
+          .none = mean_from(readings, white, [&](const vec3& u) { return sc.before(u); }),
+          .twice = mean_from(readings, white, [&](const vec3& u) { return sc.after(sc.through(u)); }),
+          .other_white = mean_from(adapted(readings, white), white, after)};
+}
+
+loading loading_of(const distances& d) {
+  constexpr double good = 3;  // a display and an instrument repeat themselves better than that
+  if (d.once <= good && d.once <= d.none && d.once <= d.twice) return loading::once;
+  if (d.other_white <= good && d.other_white < 0.5 * std::min({d.once, d.none, d.twice}))
+    return loading::another_white;
+  if (d.none < d.once && d.none <= d.twice && d.none <= good) return loading::none;
+  if (d.twice < d.once && d.twice <= good) return loading::twice;
+  return loading::unclear;
+}
+
+const char* words_for(loading loaded) {
+  switch (loaded) {
+    case loading::once:
+      return "The tables are loaded, once, and the display does what was predicted.";
+    case loading::another_white:
+      return "The tables seem to be loaded, but the white is another than predicted: the picture mode or a colour "
+             "control was changed, or a calibration was in effect in one of the two measurements only.";
+    case loading::none:
+      return "The readings look as if the tables had not been loaded: they agree with the display before the "
+             "correction.";
+    case loading::twice:
+      return "The readings look as if the tables had been applied twice, for example by a profile and by the device.";
+    case loading::unclear:
+      break;
+  }
+  return "The display does not do what was predicted for the tables loaded once, twice or not at all: it may have "
+         "changed since the first measurement (warm-up, picture mode, brightness), or a calibration was still in "
+         "effect.";
+}
+
+std::string figures_of(const distances& d) {
   const auto figure = [](double v) { return svg::number(v, 2); };
-  const std::string figures = "Mean difference of the readings from the prediction for the tables loaded once " +
-                              figure(once) + ", not at all " + figure(none) + ", twice " + figure(twice) +
-                              ", once with the white as it was read " + figure(other_white) + ".";
-  const auto say = [&](const char* words) { return std::vector<std::string>{words, figures}; };
-  if (once <= good && once <= none && once <= twice) {
-    return say("The tables are loaded, once, and the display does what was predicted.");
-  }
-  if (other_white <= good && other_white < 0.5 * std::min({once, none, twice})) {
-    return say(
-        "The tables seem to be loaded, but the white is another than predicted: the picture mode or a colour "
-        "control was changed, or a calibration was in effect in one of the two measurements only.");
-  }
-  if (none < once && none <= twice && none <= good) {
-    return say(
-        "The readings look as if the tables had not been loaded: they agree with the display before the "
-        "correction.");
-  }
-  if (twice < once && twice <= good) {
-    return say(
-        "The readings look as if the tables had been applied twice, for example by a profile and by the device.");
-  }
-  return say(
-      "The display does not do what was predicted for the tables loaded once, twice or not at all: it may have "
-      "changed since the first measurement (warm-up, picture mode, brightness), or a calibration was still in "
-      "effect.");
+  return "Mean difference of the readings from the prediction for the tables loaded once " + figure(d.once) +
+         ", not at all " + figure(d.none) + ", twice " + figure(d.twice) + ", once with the white as it was read " +
+         figure(d.other_white) + ".";
 }
 
 }  // namespace
@@ -157,7 +172,9 @@ void gather_measured(report_data& data, const report_source& source, const std::
   }
   m.verdict = std::string("Measured, the grays follow the target ") + how_close(m.grays) + ": mean difference " +
               svg::number(m.grays.mean, 2) + ", largest " + svg::number(m.grays.max, 2) + ".";
-  m.diagnosis = diagnosis(sc, read);
+  const distances d = distances_of(sc, read);
+  m.loaded = loading_of(d);
+  m.diagnosis = {words_for(m.loaded), figures_of(d)};
   add_to_ramps(data.differences, m.patches);
   data.gray.measured = measured_grays(sc, read);
   data.gamut.measured = measured_corners(read);

@@ -184,9 +184,13 @@ struct measured_patch {
 };
 
 /// The section that appears where the result was measured.
+/// How the tables seem to have been loaded when the readings behind them were taken.
+enum class loading { once, another_white, none, twice, unclear };
+
 struct measured_record {
   std::string verdict;                 ///< a sentence
   std::vector<std::string> diagnosis;  ///< paragraphs
+  loading loaded = loading::unclear;   ///< what they say
   difference_summary grays, all, all_from_predicted;
   white_record white;
   std::vector<measured_patch> patches;

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "colour/nonpar_monitor.hpp"
 #include "monitor/prepared.hpp"
 #include "report/gather.hpp"
 #include "report/page.hpp"
@@ -54,7 +55,11 @@ struct scene {
     return {{std::clamp(d[0], 0.0, 1.0), std::clamp(d[1], 0.0, 1.0), std::clamp(d[2], 0.0, 1.0)}};
   }
   vec3 before(const vec3& u) const { return display.mon2out(display.inp2mon(u)); }
-  vec3 after(const vec3& u) const { return before(through(u)); }
+  vec3 after(const vec3& u) const {
+    const bool has_dark = asked.dark_below && is_gray(u);
+    const double share = has_dark ? dark_share(u[0], *asked.dark_below) : 0;
+    return expected(source.factors, u, before(through(u)), share * asked.dark);
+  }
   /// The colour before the correction, as if it were as bright as the target.
   vec3 scaled_before(const vec3& u) const { return (asked.white[1] / before(gray(1))[1]) * before(u); }
 

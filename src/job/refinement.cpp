@@ -1,0 +1,145 @@
+#include "job/refinement.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <string>
+
+#include "colour/chromaticity.hpp"
+#include "colour/nonpar_monitor.hpp"
+#include "numerics/local_line.hpp"
+#include "utils/failure.hpp"
+#include "utils/lut.hpp"
+#include "utils/text.hpp"
+
+namespace corvantile {
+namespace {
+
+// How far a level's scatter is averaged: over a quarter of the ramp to either side. Less lets noise through, more
+// bends the ratios of a power limit straight.
+constexpr double reach = 0.25;
+constexpr std::size_t least_levels = 5;
+constexpr std::size_t points = 129;  // of the factors: between them a line is straight to 1e-5
+
+void check_job(const settings& set) {
+  if (!matches_gray(set.mode)) {
+    throw failure(
+        fault::inexpressible,
+        "a CV2 job has no gray step to refine; solve it as CV2_1 with white or temp, load that, and measure "
+        "again");
+  }
+  if (set.temp < 0 || (set.wptemp < 0 && set.hwid <= 0)) return;
+  throw failure(fault::inexpressible, "a job with wptemp or hwid is not refined; solve it without them");
+}
+
+void check_grays(const measured_grays& grays) {
+  if (grays.levels.size() < least_levels) {
+    refuse_content(grays.name, "holds " + std::to_string(grays.levels.size()) + " gray levels, expected at least " +
+                                   std::to_string(least_levels));
+  }
+  if (grays.levels.back().drive != 1) refuse_content(grays.name, "holds no full white");
+  for (const measured_gray& g : grays.levels) {
+    const bool bright = std::ranges::all_of(g.xyz.v, [](double v) { return v > 0 && std::isfinite(v); });
+    if (bright || (g.drive == 0 && g.xyz[1] >= 0)) continue;
+    refuse_content(grays.name, "X, Y or Z of the gray at drive" + free_format(g.drive) + " is not above 0");
+  }
+}
+
+vec3 each(const vec3& a, const vec3& b) { return {{a[0] * b[0], a[1] * b[1], a[2] * b[2]}}; }
+vec3 each_divided(const vec3& a, const vec3& b) { return {{a[0] / b[0], a[1] / b[1], a[2] / b[2]}}; }
+
+// The grays behind the tables of the first round: by the model, and as the display shows them.
+class first_grays {
+ public:
+  first_grays(const correction& first, const std::vector<measured_gray>& grays) : first_(first) {
+    const std::vector<double> s = linspace(0.0, 1.0, first.gray.rows());
+    for (std::size_t c = 0; c < 3; ++c) table_[c] = makelut_nostat(s, first.gray.col(c));
+    fit(grays);
+  }
+
+  vec3 by_model(double s) const {
+    return inp2out_vec(first_.display, {{interp(table_[0], s), interp(table_[1], s), interp(table_[2], s)}});
+  }
+  vec3 ratio(double s) const {
+    const double x = std::max(s, darkest_);
+    return {{local_line(ratio_[0], x, reach), local_line(ratio_[1], x, reach), local_line(ratio_[2], x, reach)}};
+  }
+  vec3 shown(double s) const { return each(by_model(s), ratio(s)); }
+
+ private:
+  void fit(const std::vector<measured_gray>& grays) {
+    std::vector<double> drive, weight;
+    std::array<std::vector<double>, 3> ratio;
+    for (const measured_gray& g : grays) {
+      const vec3 r = each_divided(g.xyz, by_model(g.drive));
+      if (!std::ranges::all_of(r.v, [](double v) { return v > 0 && std::isfinite(v); })) continue;  // no dark light
+      drive.push_back(g.drive);
+      weight.push_back(static_cast<double>(g.readings) * std::cbrt(g.xyz[1] / grays.back().xyz[1]));
+      for (std::size_t k = 0; k < 3; ++k) ratio[k].push_back(r[k]);
+    }
+    darkest_ = drive.front();
+    for (std::size_t k = 0; k < 3; ++k) ratio_[k] = {drive, ratio[k], weight};
+  }
+
+  const correction& first_;
+  std::array<lut, 3> table_;
+  std::array<weighted_samples, 3> ratio_;
+  double darkest_ = 0;
+};
+
+// The drive at which a rising luminance has the value `wanted`; 0 or 1 where it is out of reach.
+template <class Luminance>
+double drive_of(double wanted, const Luminance& luminance) {
+  double low = 0;
+  double high = 1;
+  for (int step = 0; step < 40; ++step) {
+    const double middle = (low + high) / 2;
+    (luminance(middle) < wanted ? low : high) = middle;
+  }
+  return (low + high) / 2;
+}
+
+struct white {
+  vec3 base;     // wanted, at Y = 1
+  double model;  // luminance that the model is asked for
+  double shown;  // and that the display shows for it
+  vec3 ratio;
+};
+
+white white_of(const correction& first, const settings& set, const first_grays& grays) {
+  white w{xy2xyz(white_of_grays(gray_ramp_of(set), first.display)), 0, 0, grays.ratio(1)};
+  // The colour moves the luminance, and the luminance the ratios, by ever less.
+  for (int round = 0; round < 3; ++round) {
+    w.model = ramptop_xyz(first.display, chromaticity(each_divided(w.base, w.ratio))).xyz[1];
+    w.ratio = grays.ratio(drive_of(w.model, [&](double s) { return grays.by_model(s)[1]; }));
+  }
+  w.shown = w.model * w.ratio[1];
+  return w;
+}
+
+}  // namespace
+
+refinement refine_grays(const correction& first, const settings& set, const measured_grays& grays) {
+  check_job(set);
+  check_grays(grays);
+  const first_grays round(first, grays.levels);
+  const white top = white_of(first, set, round);
+  const vec3 dark = round.shown(0);
+  const interpolator tone(first.tone);
+
+  const std::vector<double> drive = linspace(0.0, 1.0, points);
+  std::vector<vec3> factor(points, vec3{{1, 1, 1}} / top.ratio[1]);  // at black: the dark, whatever is asked for
+  for (std::size_t i = 1; i < points; ++i) {
+    const double share = dark_share(drive[i], set.alpha);
+    const vec3 wanted = tone(drive[i]) * top.shown * top.base + share * dark;
+    const double at = drive_of(wanted[1], [&](double s) { return round.shown(s)[1]; });
+    const vec3 ratio = i + 1 < points ? round.ratio(at) : top.ratio;
+    const vec3 plain = tone(drive[i]) * top.model * top.base + share * first.display.darklight;
+    factor[i] = each_divided(each_divided(wanted, ratio), plain) / top.ratio[1];
+  }
+  refinement made{make_gray_factors("gray factors", drive, factor), {}};
+  for (const measured_gray& g : grays.levels) made.smoothed.push_back(round.shown(g.drive));
+  return made;
+}
+
+}  // namespace corvantile
