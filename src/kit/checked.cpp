@@ -6,6 +6,7 @@
 #include "appraisal/outcome.hpp"
 #include "appraisal/plan.hpp"
 #include "driver/gamma_file.hpp"
+#include "driver/gray_factors_file.hpp"
 #include "formats/detect.hpp"
 #include "job/correction.hpp"
 #include "kit/files.hpp"
@@ -38,7 +39,9 @@ checked check_source(const source_options& o) {
 std::vector<finding> plan_findings(const profile& p, const measurements& samples) {
   std::optional<tone_samples> tone;
   if (!p.gamfile.empty()) tone = parse_tone_samples(p.gamfile, read_input(p.gamfile));
-  const correction result = solve(p.set, samples, tone);
+  gray_factors factors;
+  if (!p.grayfile.empty()) factors = parse_gray_factors(p.grayfile, read_input(p.grayfile));
+  const correction result = solve(p.set, samples, tone, factors);
   return findings_of_job(p.set, result, outcome_of(result, p.set));
 }
 

@@ -24,8 +24,8 @@ checked check_source(const source_options& o);
 /// What a job did to the display, its warnings among them; worst first.
 std::vector<finding> findings_of_job(const settings& set, const correction& result, const outcome& figures);
 
-/// What a job with these settings would do: solves it. The mode is named and `xytable` filled; `p.gamfile` is read
-/// where it is named.
+/// What a job with these settings would do: solves it. The mode is named and `xytable` filled; `p.gamfile` and
+/// `p.grayfile` are read where they are named.
 std::vector<finding> plan_findings(const profile& p, const measurements& samples);
 
 }  // namespace corvantile::kit

@@ -166,6 +166,19 @@ void add_verify(CLI::App& verb, verify_options& o) {
       "Example:\n  corvantile-kit verify my-display verify.ti3 --strict");
 }
 
+void add_refine(CLI::App& verb, refine_options& o) {
+  verb.add_option("FOLDER", o.folder, "The folder of a job, as solve and make leave it")->required();
+  verb.add_option("AFTER", o.after.source,
+                  "A gray ramp measured with the correction loaded: any file that import reads")
+      ->required();
+  verb.add_flag("--anyway", o.anyway, "Also where AFTER looks as if the tables were not loaded, or twice");
+  add_common(verb, o, "A new folder for the refined job (default: FOLDER itself)");
+  verb.footer(
+      "Solves again with grays corrected by what was measured: for displays whose\n"
+      "channels do not add up. FOLDER/round-1 keeps the first tables and AFTER.\n\n"
+      "Example:\n  corvantile-kit refine my-display verify.ti3");
+}
+
 void add_predict(CLI::App& verb, predict_options& o) {
   const CLI::Validator a_file(
       [](const std::string& name) -> std::string {
@@ -193,6 +206,7 @@ struct all_options {
   export_verb_options export_;
   report_options report;
   verify_options verify;
+  refine_options refine;
   predict_options predict;
 };
 
@@ -222,6 +236,8 @@ int run_command_line(int argc, char** argv) {
   verb("export", "Write a job's tables in the format of a device or program", add_export, o.export_, run_export);
   verb("report", "Show a job as one page", add_report, o.report, run_report);
   verb("verify", "Judge a measurement behind the loaded correction", add_verify, o.verify, run_verify);
+  verb("refine", "Solve again, corrected by a measurement behind the loaded correction", add_refine, o.refine,
+       run_refine);
   verb("predict", "Say what the display shows for drive values", add_predict, o.predict, run_predict);
   try {
     kit.parse(argc, argv);

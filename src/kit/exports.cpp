@@ -63,7 +63,7 @@ struct subject {
     if (job.names.set.tlen >= rows_to_bake_from) return tables();
     settings finer = job.names.set;
     finer.tlen = rows_to_bake_from;
-    return tables_of(solve(finer, job.samples, job.tone));
+    return tables_of(solve(finer, job.samples, job.tone, job.result.factors));
   }
   memory_options memories() const {
     static const std::map<std::string, word_layout> layouts{

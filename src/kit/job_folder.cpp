@@ -1,11 +1,13 @@
 #include "kit/job_folder.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <iostream>
 #include <string_view>
 #include <utility>
 
 #include "driver/gamma_file.hpp"
+#include "driver/gray_factors_file.hpp"
 #include "driver/tables.hpp"
 #include "kit/files.hpp"
 #include "utils/failure.hpp"
@@ -53,7 +55,8 @@ json settings_record(const profile& p) {
                  {"alpha", s.alpha},
                  {"beta", s.beta},
                  {"hwid", s.hwid},
-                 {"restart", s.restart}};
+                 {"restart", s.restart},
+                 {"grayfile", p.grayfile}};
   record["white"] = s.white ? pair(*s.white) : json(nullptr);
   return record;
 }
@@ -87,6 +90,7 @@ std::vector<text_file> input_files(const job_inputs& inputs) {
   std::vector<text_file> files{{settings_name, profile_text(inputs.names, inputs.why)},
                                {measurements_name, inputs.measurements}};
   if (inputs.gamma) files.push_back({gamma_name, *inputs.gamma});
+  if (inputs.factors) files.push_back({gray_factors_name, *inputs.factors});
   return files;
 }
 
@@ -104,6 +108,21 @@ json checksums(const std::vector<text_file>& files) {
 }
 
 std::string input_of(const std::string& folder, const char* name) { return read_input(folder + '/' + name); }
+
+// The comments of a settings file as `profile_text` lays it out, by key.
+std::map<std::string, std::string, std::less<>> comments_in(const std::string& settings) {
+  std::map<std::string, std::string, std::less<>> why;
+  number_scanner lines(settings);
+  while (const auto line = lines.next_line()) {
+    const std::size_t equals = line->find(" = ");
+    std::size_t comment = line->find("  ! ");
+    while (comment < line->size() && std::ranges::count(line->substr(0, comment), '\'') % 2 != 0)  // within a text
+      comment = line->find("  ! ", comment + 1);
+    if (equals == std::string_view::npos || comment == std::string_view::npos) continue;
+    why.emplace(trim(line->substr(2, equals - 2)), line->substr(comment + 4));
+  }
+  return why;
+}
 
 json read_record(const std::string& folder) {
   const std::string name = folder + '/' + record_name;
@@ -142,19 +161,23 @@ solved_job solve_job(const job_inputs& inputs) {
                  .result = {},
                  .figures = {}};
   if (inputs.gamma) job.tone = parse_tone_samples(inputs.names.gamfile, *inputs.gamma);
-  job.result = solve(job.names.set, job.samples, job.tone);
+  gray_factors factors;
+  if (inputs.factors) factors = parse_gray_factors(inputs.names.grayfile, *inputs.factors);
+  job.result = solve(job.names.set, job.samples, job.tone, factors);
   job.figures = outcome_of(job.result, job.names.set);
   return job;
 }
 
 nlohmann::ordered_json record_of(const job_inputs& inputs, const solved_job& job) {
-  return {{"program", "corvantile-kit " CORVANTILE_VERSION},
-          {"mode", name_of(job.names.set.mode)},
-          {"settings", settings_record(job.names)},
-          {"inputs", checksums(input_files(inputs))},
-          {"tables", checksums(tables_of(job))},
-          {"warnings", warnings_record(job.result)},
-          {"figures", figures_record(job.figures)}};
+  json record = {{"program", "corvantile-kit " CORVANTILE_VERSION},
+                 {"mode", name_of(job.names.set.mode)},
+                 {"settings", settings_record(job.names)},
+                 {"inputs", checksums(input_files(inputs))},
+                 {"tables", checksums(tables_of(job))},
+                 {"warnings", warnings_record(job.result)},
+                 {"figures", figures_record(job.figures)}};
+  if (!inputs.refined.is_null()) record["refined"] = inputs.refined;
+  return record;
 }
 
 std::vector<text_file> files_of(const job_inputs& inputs, const solved_job& job) {
@@ -168,23 +191,40 @@ void write_job_folder(const std::string& folder, const job_inputs& inputs, const
   write_folder(folder, files_of(inputs, job));
 }
 
-solved_job open_job_folder(const std::string& folder) {
-  const json record = read_record(folder);
+int round_of(const json& record) {
+  const auto refined = record.find("refined");
+  return refined == record.end() || !refined->is_object() ? 1 : refined->value("round", 1);
+}
+
+std::vector<std::string> listed_files(const json& record) {
+  std::vector<std::string> names;
+  for (const char* part : {"inputs", "tables"})
+    for (const auto& file : record[part].items()) names.push_back(file.key());
+  names.emplace_back(record_name);
+  return names;
+}
+
+opened_job open_job(const std::string& folder) {
+  json record = read_record(folder);
   require_listed_files(folder, record);
-  job_inputs inputs{.names = read_profile(input_of(folder, settings_name)),
+  const std::string settings_text = input_of(folder, settings_name);
+  job_inputs inputs{.names = read_profile(settings_text),
                     .measurements = input_of(folder, measurements_name),
                     .gamma = {},
-                    .why = {}};
+                    .why = comments_in(settings_text)};
   name_mode(inputs.names);
   if (!inputs.names.gamfile.empty()) inputs.gamma = input_of(folder, gamma_name);
+  if (!inputs.names.grayfile.empty()) inputs.factors = input_of(folder, gray_factors_name);
   solved_job job = solve_job(inputs);
   // The same program gives the same bytes; another version, or another machine's sine, may not.
   if (checksums(tables_of(job)) != record["tables"]) {
     refuse_content(printable(folder),
                    "its job gives other tables with this program than job.json lists; solve again");
   }
-  return job;
+  return {std::move(inputs), std::move(job), std::move(record)};
 }
+
+solved_job open_job_folder(const std::string& folder) { return open_job(folder).job; }
 
 std::vector<std::string> warning_lines(const correction& result) {
   std::vector<std::string> lines;

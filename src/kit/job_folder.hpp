@@ -3,9 +3,11 @@
 //
 // The folder holds
 //   settings.txt      with which `Corvantile`, run in the folder, gives the same tables again
-//   measurements.txt  and, where the settings name one, gamma.txt: copies of the inputs
+//   measurements.txt  and, where the settings name them, gamma.txt, gray_factors.txt: copies of the inputs
 //   preLUT.txt, matrix.txt, postLUT.txt: those that the mode has, byte for byte as `Corvantile` writes them
 //   job.json          program and version, mode, settings as understood, checksums, warnings, figures
+// and, once it was refined,
+//   round-1, ...      the rounds before: each such a folder of its own, with what was measured behind its tables
 
 #include <functional>
 #include <map>
@@ -21,13 +23,17 @@
 
 namespace corvantile::kit {
 
+inline constexpr const char* gray_factors_name = "gray_factors.txt";
+
 /// The inputs of a job as texts. In `names`, file names are those of the folder.
 struct job_inputs {
   profile names;
   std::string measurements;
   std::optional<std::string> gamma;
+  std::optional<std::string> factors = {};  ///< of the grays, where the settings name a file of them
   /// Comments for settings.txt, by key.
   std::map<std::string, std::string, std::less<>> why;
+  nlohmann::ordered_json refined = {};  ///< what the record says of earlier rounds; null for the first
 };
 
 /// A job and what came of it.
@@ -57,6 +63,20 @@ void write_job_folder(const std::string& folder, const job_inputs& inputs, const
 /// Reads a folder back and solves its job again. Throws `fault::content` where the record is missing or the files are
 /// not those that it lists: after another job in the same folder, an old table may still lie there.
 solved_job open_job_folder(const std::string& folder);
+
+/// The same with everything that another round starts from.
+struct opened_job {
+  job_inputs inputs;
+  solved_job job;
+  nlohmann::ordered_json record;
+};
+opened_job open_job(const std::string& folder);
+
+/// The round that a record is of, counted from 1.
+int round_of(const nlohmann::ordered_json& record);
+
+/// The names of the files that a record lists, job.json last.
+std::vector<std::string> listed_files(const nlohmann::ordered_json& record);
 
 /// Warnings as people read them, a line each.
 std::vector<std::string> warning_lines(const correction& result);

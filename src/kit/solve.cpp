@@ -28,6 +28,10 @@ job_inputs inputs_of(const profile& given) {
     inputs.names.gamfile = "gamma.txt";
     parse_tone_samples(given.gamfile, *inputs.gamma);
   }
+  if (!given.grayfile.empty()) {
+    inputs.factors = read_input(given.grayfile);
+    inputs.names.grayfile = gray_factors_name;
+  }
   return inputs;
 }
 

@@ -88,6 +88,12 @@ struct verify_options : common_options {
   double limit = 1.5;  ///< CIEDE2000, mean of the grays, under `strict`
 };
 
+struct refine_options : common_options {
+  std::string folder;
+  source_options after;
+  bool anyway = false;  ///< also where the readings were not taken behind the tables
+};
+
 /// Each does its work and gives the status; what keeps it from being done is thrown as `failure`.
 int run_make(make_options o);
 int run_import(const import_options& o);
@@ -97,6 +103,7 @@ int run_solve(const solve_options& o);
 int run_export(const export_verb_options& o);
 int run_report(const report_options& o);
 int run_verify(const verify_options& o);
+int run_refine(const refine_options& o);
 int run_predict(const predict_options& o);
 
 }  // namespace corvantile::kit
