@@ -145,7 +145,9 @@ int run_refine(const refine_options& o) {
   write_folder(folder, std::move(files));
   const std::vector<std::string> moved = in_place ? put_aside(folder, aside) : std::vector<std::string>();
 
-  for (const std::string& line : warning_lines(second.result)) say(o, line);
+  const std::vector<std::string> known = warning_lines(job.result);
+  for (const std::string& line : warning_lines(second.result))
+    if (std::ranges::count(known, line) == 0) say(o, line);
   say(o, "gray CIEDE2000 " + decimal(before, 2) + " as measured, " + decimal(second.figures.gray_mean, 2) +
              " expected behind the new tables (single readings scatter by " + decimal(scatter, 2) + ')');
   if (before <= 1.5 * scatter) say(o, "note: the grays missed their target by little more than that: expect no gain");

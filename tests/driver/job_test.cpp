@@ -249,6 +249,33 @@ TEST_F(Job, MissingGammaFile) {
   EXPECT_NE(run_job("cvmode='CV2'" + rest, true).out.find(said + " comparing"), std::string::npos);
 }
 
+TEST_F(Job, FactorsOfTheGrays) {
+  const std::string job = "cvmode='CV1' white=.31,.33 tlen=17 grayfile='f.txt'";
+  std::ofstream("f.txt") << "3  0 1 1 1  128 1 1 1.1  255 1,1,1\n";
+  run_job(job);
+  const rows bent = table("postLUT.txt");
+  run_job("cvmode='CV1' white=.31,.33 tlen=17");
+  const rows plain = table("postLUT.txt");
+  EXPECT_EQ(bent.back(), plain.back());
+  EXPECT_GT(bent[8][2], plain[8][2] + 0.01) << "a tenth more Z in the middle";
+  const std::pair<const char*, const char*> refused[] = {
+      {"", "line 1: expected the number of points"},
+      {"2 0 1 1 1 1 1 1", "expected a drive value and three factors of point 2, found the end"},
+      {"2 1 1 1 1 2 1 1 1", "the first drive value is 1, not 0"},
+      {"3 0 1 1 1 2 1 1 1 2 1 1 1", "the drive value of point 3 is 2, expected more than 2"},
+      {"2 0 1 1 1 1 1 nan 1", "a factor of point 2 is NaN, expected 0.1 to 10"},
+      {"1 0 1 1 1", "at least 2 points"}};
+  for (const auto& [text, fragment] : refused) {
+    std::ofstream("f.txt") << text;
+    expect_stop(job, 5, fragment, {"postLUT.txt"});
+  }
+  expect_stop("cvmode='CV1' grayfile='none.txt'", 5, "Cannot open grayfile none.txt", {"postLUT.txt"});
+  std::ofstream("f.txt") << "2 0 1 1 1 1 1 1 1";
+  expect_stop("cvmode='CV1' temp=6000 hwid=.01 grayfile='f.txt'", 4, "hwid = 0.01: goes without grayfile",
+              {"postLUT.txt"});
+  EXPECT_EQ(run_job("cvmode='CV2' tlen=17 grayfile='none.txt'").status, 0) << "which has no grays to match";
+}
+
 TEST_F(Job, FoldersThatWouldTakeNoTableOrAnInput) {
   const auto folder_of = [](std::size_t n) { return "outdir='" + std::string(n, 'o') + "'"; };
   fs::copy("m.txt", "out/postLUT.txt");

@@ -75,6 +75,8 @@ TEST(Settings, Texts) {
   profile s = of("outdir='it''s \"a\"/!' wgfile=\"say \"\"x\"\"\" gamfile='ab \r\n  cd  '");
   EXPECT_EQ(s.outdir, "it's \"a\"/!");
   EXPECT_EQ(s.wgfile, "say \"x\"");
+  EXPECT_NE(echo(of("grayfile='f'")).find("wptemp = -1.0000000\ngrayfile = f\n"), std::string::npos);
+  EXPECT_EQ(of(profile_text(of("grayfile='f'")).substr(5)).grayfile, "f");
   EXPECT_EQ(s.gamfile, "ab   cd") << "over a line end, which is no part of it, and without trailing blanks";
   end_outdir_with_slash(s = of("outdir='out/'"));
   EXPECT_EQ(s.outdir, "out//") << "whatever it ends in";

@@ -45,7 +45,7 @@ as_gray_scale_sheet <m.txt >gray.csv
 as_primaries_sheet <m.txt >primaries.csv
 
 # --- All verbs ---
-for verb in make import check chart solve export report verify predict; do
+for verb in make import check chart solve export report verify refine predict; do
   is "$verb --version" "$("$kit" $verb --version; echo $?)" $'corvantile-kit 2.0.0\n0'
   is "$verb --help" "$("$kit" $verb --help | grep -A1 '^Example:')" $'Example:\n  *corvantile-kit '"$verb *"
   is "$verb --help in 80 columns" "$("$kit" $verb --help | awk 'length > 80')" ""
@@ -186,6 +186,40 @@ sed "s/CV2_1/CV1/; s/tlen=512//" settings.txt >gray_settings.txt
 ends 0 "*CV1 solved*" solve gray_settings.txt -o job --force
 is "CV1 after CV2_1" "$("$kit" export job --format cube -o gray.cube 2>&1; echo $?)" "@(gray.cube*0|*preLUT*5)"
 
+# --- refine ---
+limited="white=0.29,0.305 crosstalk=0.15,0.15,0.15"
+"$simulate" $limited levels=33 extra=40 >limited.txt
+awk 'BEGIN { for (i = 0; i <= 24; ++i) print i / 24, i / 24, i / 24 }' >grays
+shown() { "$simulate" $limited "${@:2}" --show --tables "$1" <grays; }
+"$kit" make limited.txt --ramps measured --for video --anyway -q -o dim
+cp -r dim first
+shown dim >behind.txt
+ends 0 "gray CIEDE2000 1.* as measured, 0.0*dim/round-1 the old ones with exports, report.html*verify dim*" refine dim behind.txt
+is "round 1 is what was" "$(diff -r first dim/round-1)" "Only in dim/round-1: after.txt"
+is "Corvantile makes round 2 again" "$(cp -r dim remade && cd remade && rm -- *LUT.txt matrix.txt && "$program" <settings.txt \
+  2>/dev/null; tables .)" "$(tables dim)"
+is "the comments stay" "$(grep -c '! ' dim/settings.txt)" $(($(grep -c '! ' first/settings.txt) + 1))
+is "measured again" "$(shown dim >again.txt; "$kit" verify dim again.txt)" "*very closely*loaded, once*"
+is "the report" "$("$kit" report dim -o - -q)" "*Grays should follow the target very closely*"
+"$kit" export dim --format cube3d -q -o dim.cube || is "exports" failed done
+object "refine" "$("$kit" refine dim again.txt --json -q)"
+is "third round" "$(ls dim | tr '\n' ' ')" "gray_factors.txt*round-1 round-2 settings.txt "
+ends 0 "*" refine first behind.txt -o elsewhere
+is "elsewhere" "$(cksum <elsewhere/preLUT.txt) $(ls first)" "$(cksum <dim/round-2/preLUT.txt) exports*"
+refuses 6 "elsewhere is there already*" refine first behind.txt -o elsewhere
+sed 's/X(cd.m2)/X/; s/Y(.*) Z.*/Y Z/' behind.txt >relative.txt
+ends 0 "*" refine first relative.txt -o relative
+near "a measurement in no unit" 0.5 relative/preLUT.txt dim/round-2/preLUT.txt
+"$simulate" $limited --show <grays >bare.txt
+refuses 5 "bare.txt: The readings look as if the tables had not been loaded*--anyway*" refine first bare.txt
+ends 0 "*" refine first bare.txt --anyway -o anyway
+awk 'NR < 4' behind.txt >short.txt
+refuses 5 "short.txt: holds no gray ramp*corvantile-kit chart*" refine first short.txt
+refuses 5 "changed/postLUT.txt*" refine changed behind.txt
+sed "s/CV2_1/CV2/" settings.txt >no_gray.txt
+"$kit" solve no_gray.txt -q -o no_gray
+refuses 9 "a CV2 job has no gray step*CV2_1*" refine no_gray again.txt --anyway
+
 # --- Completion ---
 . "$root/completion/corvantile-kit.bash"
 completes() {  # WORD...: what may stand for the last of them
@@ -193,8 +227,9 @@ completes() {  # WORD...: what may stand for the last of them
   _corvantile_kit
   echo "${COMPREPLY[@]}"
 }
-is "verbs" "$(completes p) $(completes r) $(completes ch)" "predict report check chart"
-is "all that may come first" "$(completes "" | wc -w)" 12
+is "verbs" "$(completes p) $(completes ver) $(completes ch)" "predict verify check chart"
+is "all that may come first" "$(completes "" | wc -w)" 13
+is "options of refine" "$(completes refine --a)" "--anyway"
 is "options" "$(completes import --c)" "--calibration"
 is "formats" "$(completes export job --format c)" "clf cube cube3d cal coe c"
 is "words behind =" "$(completes make --target = ad)" "adobe-rgb"

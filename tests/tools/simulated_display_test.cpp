@@ -26,6 +26,27 @@ TEST(SimulatedDisplay, WhiteIsTheSumOfThePrimariesAndWordsSayItAll) {
   }
 }
 
+TEST(SimulatedDisplay, NeedNotAddUp) {
+  const vec3 white{{1, 1, 1}}, red{{1, 0, 0}}, black{};
+  const simulated_display plain{.black_luminance = 0};
+  const struct {
+    simulated_display d;
+    double white, red;  // of the light
+    const char* why;
+  } rows[] = {{{.black_luminance = 0, .power_limit = 0.3}, 0.7, 0.9, "a channel is a third of the load"},
+              {{.black_luminance = 0, .crosstalk = {{.2, .2, .2}}}, 0.8, 1, "red alone has nothing to lose to"},
+              {{.black_luminance = 0, .dynamic_backlight = 0.3}, 1, 0.8, "red is a third of the picture"}};
+  for (const auto& r : rows) {
+    EXPECT_NEAR(shown(r.d, white)[1], r.white * shown(plain, white)[1], 1e-9) << r.why;
+    EXPECT_NEAR(shown(r.d, red)[1], r.red * shown(plain, red)[1], 1e-9) << r.why;
+  }
+  EXPECT_NEAR(shown({.black_luminance = 2, .dynamic_backlight = 0.3}, black)[1], 1.4, 1e-12);
+  const auto inverse = [&](const vec3& u) { return white - u; };
+  EXPECT_NE(readings_table(plain, std::vector<vec3>{white, black}, inverse).find("\n0 0 0 237.614 250.000 "),
+            std::string::npos)
+      << "drives as asked for, light as loaded";
+}
+
 TEST(SimulatedDisplay, ComplainsByName) {
   simulated_display d;
   for (const char* word : {"colour=1", "levels", "levels=1.5", "gamma=2.2", "white=.3,.3,.3", "dark_red_z=yes"})
