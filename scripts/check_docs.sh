@@ -23,21 +23,20 @@ export PATH=$bin:$PATH
 . tests/kit/instrument_files.sh
 
 # Readings of a simulated display, 17 levels a ramp and 60 further patches; and a second run behind the correction of
-# `make display.ti3`: what the model predicts, with noise of 0.3 %.
+# `make display.ti3`.
 prepare_once() {
-  simulate_display extra=60 noise=0.001 white=0.305,0.325 gamma=2.3,2.2,2.1 >simulated
+  local display=(white=0.305,0.325 gamma=2.3,2.2,2.1)
+  simulate_display "${display[@]}" noise=0.001 extra=60 >simulated
   as_ti3 <simulated >display.ti3
   as_csv <simulated >display.csv
   as_gray_scale_sheet <simulated >display.GrayScaleSheet.csv
   as_primaries_sheet <simulated >display.PrimariesSheet.csv
   corvantile-kit make -q display.ti3 -o job
-  corvantile-kit chart -q --ramps derived --levels 11 --verify 30 --format csv |
-    awk -F, 'NR > 1 { print $1 / 255, $2 / 255, $3 / 255 }' >drives
-  corvantile-kit predict job/measurements.txt --tables job <drives | paste -d ' ' drives - | awk '
-    function noise() { x = (16807 * x) % 2147483647; return 1 + 0.003 * 1.73 * (2 * x / 2147483647 - 1) }
-    BEGIN { x = 20261121 }
-    { print 255 * $1, 255 * $2, 255 * $3, $4 * noise(), $5 * noise(), $6 * noise() }' | as_ti3 >second.ti3
-  rm -r job drives simulated
+  corvantile-kit chart -q --ramps derived --levels 17 --verify 30 --format csv |
+    awk -F, 'NR > 1 { print $1 / 255, $2 / 255, $3 / 255 }' |
+    simulate_display "${display[@]}" noise=0.003 seed=2 --show --tables job |
+    awk 'NR > 1 { print 255 * $1, 255 * $2, 255 * $3, $4, $5, $6 }' | as_ti3 >second.ti3
+  rm -r job simulated
   cp -r "$top/examples" .
 }
 
