@@ -25,7 +25,7 @@ export PATH=$bin:$PATH
 # Readings of a simulated display, 17 levels a ramp and 60 further patches; and a second run behind the correction of
 # `make display.ti3`.
 prepare_once() {
-  local display=(white=0.305,0.325 gamma=2.3,2.2,2.1)
+  local display=("white=0.305,0.325" "gamma=2.3,2.2,2.1")
   simulate_display "${display[@]}" noise=0.001 extra=60 >simulated
   as_ti3 <simulated >display.ti3
   as_csv <simulated >display.csv
