@@ -33,8 +33,8 @@ readings read_source(const source_options& o);
 /// measure.
 imported import_measurements(const source_options& o);
 
-/// The text of a measurement file as `parse_measurements` takes it; for the file of an instrument's program the message
-/// names the verb that makes one of it.
+/// The text of a measurement file as `parse_measurements` takes it; for the file of an instrument's program the
+/// message names the verb that makes one of it.
 measurements measurements_in(const std::string& name, const std::string& text);
 
 /// What was taken and why, in a few lines for people.
