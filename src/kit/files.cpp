@@ -24,7 +24,7 @@ class new_folders {
   new_folders& operator=(const new_folders&) = delete;
   ~new_folders() {
     std::error_code ignored;
-    for (auto name = names_.rbegin(); name != names_.rend(); ++name) fs::remove(*name, ignored);  // empty ones only
+    for (; !names_.empty(); names_.pop_back()) fs::remove(names_.back(), ignored);  // empty ones only
   }
 
   void make(const fs::path& name) {
