@@ -48,10 +48,36 @@ void check_grays(const measured_grays& grays) {
 vec3 each(const vec3& a, const vec3& b) { return {{a[0] * b[0], a[1] * b[1], a[2] * b[2]}}; }
 vec3 each_divided(const vec3& a, const vec3& b) { return {{a[0] / b[0], a[1] / b[1], a[2] / b[2]}}; }
 
+// The share of its light that a channel at full drive loses to the others within white. Ramps that were derived from
+// the white one take that for the channel's own; what it shows alone stands among the extra samples then. Nothing for
+// ramps that were read one by one.
+vec3 losses_within_white(const monitor& m) {
+  constexpr double most = 0.4;
+  vec3 loss;
+  for (std::size_t i = m.rgb.rows() - static_cast<std::size_t>(m.nextra); i < m.rgb.rows(); ++i) {
+    const vec3 drive = row3(m.rgb, i);
+    for (std::size_t c = 0; c < 3; ++c) {
+      vec3 alone;
+      alone[c] = 1;
+      if (drive != alone || !(m.xyz(i, 1) > m.darklight[1])) continue;
+      loss[c] = std::clamp(1 - m.Ymax[c] / (m.xyz(i, 1) - m.darklight[1]), -most, most);
+    }
+  }
+  return loss;
+}
+
+// How much faster or slower a derived ramp rises than the channel itself, in logarithms. Of its light a, a gray of
+// that level leaves a (1 - loss a); the ramp says m = a (1 - loss a) / (1 - loss).
+double slope_of_derived(double loss, double m) {
+  const double root = std::sqrt(std::max(0.01, 1 - 4 * loss * (1 - loss) * m));  // 1 - 2 loss a
+  return 2 * root / (1 + root);
+}
+
 // The grays behind the tables of the first round: by the model, and as the display shows them.
 class first_grays {
  public:
-  first_grays(const correction& first, const std::vector<measured_gray>& grays) : first_(first) {
+  first_grays(const correction& first, const std::vector<measured_gray>& grays)
+      : first_(first), loss_(losses_within_white(first.measured)) {
     const std::vector<double> s = linspace(0.0, 1.0, first.gray.rows());
     for (std::size_t c = 0; c < 3; ++c) table_[c] = makelut_nostat(s, first.gray.col(c));
     fit(grays);
@@ -65,6 +91,20 @@ class first_grays {
     return {{local_line(ratio_[0], x, reach), local_line(ratio_[1], x, reach), local_line(ratio_[2], x, reach)}};
   }
   vec3 shown(double s) const { return each(by_model(s), ratio(s)); }
+
+  // What the model is to be asked for, so that the display shows `wanted`, which is as bright as it is at `s`.
+  //
+  // A channel that changes while the others stay loses no more of itself to them. Derived ramps say that it does.
+  vec3 asked(const vec3& wanted, double s) const {
+    const monitor& m = first_.measured;
+    const vec3 old = m.XYZ2RGB * (by_model(s) - m.darklight);
+    vec3 light = m.XYZ2RGB * (each_divided(wanted, ratio(s)) - m.darklight);
+    for (std::size_t c = 0; c < 3; ++c) {
+      if (loss_[c] == 0 || !(old[c] > 0) || !(light[c] > 0)) continue;
+      light[c] = old[c] * std::pow(light[c] / old[c], slope_of_derived(loss_[c], std::sqrt(old[c] * light[c])));
+    }
+    return m.RGB2XYZ * light + m.darklight;
+  }
 
  private:
   void fit(const std::vector<measured_gray>& grays) {
@@ -82,6 +122,7 @@ class first_grays {
   }
 
   const correction& first_;
+  vec3 loss_;
   std::array<lut, 3> table_;
   std::array<weighted_samples, 3> ratio_;
   double darkest_ = 0;
@@ -100,20 +141,22 @@ double drive_of(double wanted, const Luminance& luminance) {
 }
 
 struct white {
-  vec3 base;     // wanted, at Y = 1
-  double model;  // luminance that the model is asked for
-  double shown;  // and that the display shows for it
-  vec3 ratio;
+  vec3 base;         // wanted, at Y = 1
+  double model = 0;  // luminance that the model is asked for
+  double shown = 0;  // and that the display shows for it
+  double at = 1;     // where grays of the first round are as bright
 };
 
 white white_of(const correction& first, const settings& set, const first_grays& grays) {
-  white w{xy2xyz(white_of_grays(gray_ramp_of(set), first.display)), 0, 0, grays.ratio(1)};
+  white w{.base = xy2xyz(white_of_grays(gray_ramp_of(set), first.display))};
   // The colour moves the luminance, and the luminance the ratios, by ever less.
   for (int round = 0; round < 3; ++round) {
-    w.model = ramptop_xyz(first.display, chromaticity(each_divided(w.base, w.ratio))).xyz[1];
-    w.ratio = grays.ratio(drive_of(w.model, [&](double s) { return grays.by_model(s)[1]; }));
+    const double shown = grays.shown(w.at)[1];
+    const vec3 asked = grays.asked(shown * w.base, w.at);
+    w.model = ramptop_xyz(first.display, chromaticity(asked)).xyz[1];
+    w.shown = shown * w.model / asked[1];
+    w.at = drive_of(w.model, [&](double s) { return grays.by_model(s)[1]; });
   }
-  w.shown = w.model * w.ratio[1];
   return w;
 }
 
@@ -128,14 +171,15 @@ refinement refine_grays(const correction& first, const settings& set, const meas
   const interpolator tone(first.tone);
 
   const std::vector<double> drive = linspace(0.0, 1.0, points);
-  std::vector<vec3> factor(points, vec3{{1, 1, 1}} / top.ratio[1]);  // at black: the dark, whatever is asked for
+  const double promised = top.model / top.shown;
+  std::vector<vec3> factor(points, promised * vec3{{1, 1, 1}});  // at black: the dark, whatever is asked for
   for (std::size_t i = 1; i < points; ++i) {
     const double share = dark_share(drive[i], set.alpha);
     const vec3 wanted = tone(drive[i]) * top.shown * top.base + share * dark;
-    const double at = drive_of(wanted[1], [&](double s) { return round.shown(s)[1]; });
-    const vec3 ratio = i + 1 < points ? round.ratio(at) : top.ratio;
+    const bool last = i + 1 == points;
+    const double at = last ? top.at : drive_of(wanted[1], [&](double s) { return round.shown(s)[1]; });
     const vec3 plain = tone(drive[i]) * top.model * top.base + share * first.display.darklight;
-    factor[i] = each_divided(each_divided(wanted, ratio), plain) / top.ratio[1];
+    factor[i] = promised * each_divided(round.asked(wanted, at), plain);
   }
   refinement made{make_gray_factors("gray factors", drive, factor), {}};
   for (const measured_gray& g : grays.levels) made.smoothed.push_back(round.shown(g.drive));
