@@ -20,6 +20,9 @@ gray_factors parse_gray_factors(const std::string& name, std::string_view text) 
   number_scanner numbers(text);
   std::int64_t n = 0;
   if (numbers.next(n) != result::number) refuse_content(name, numbers.problem("the number of points"));
+  // Even with repeat counts, a point takes more than two characters.
+  if (n > static_cast<std::int64_t>(text.size()))
+    refuse_content(name, std::to_string(n) + " points are more than the file can hold");
   std::vector<double> drive;
   std::vector<vec3> factor;
   for (std::int64_t i = 1; i <= n; ++i) {

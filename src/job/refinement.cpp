@@ -181,7 +181,7 @@ refinement refine_grays(const correction& first, const settings& set, const meas
     const vec3 plain = tone(drive[i]) * top.model * top.base + share * first.display.darklight;
     factor[i] = promised * each_divided(round.asked(wanted, at), plain);
   }
-  refinement made{make_gray_factors("gray factors", drive, factor), {}};
+  refinement made{make_gray_factors(grays.name, drive, factor), {}};
   for (const measured_gray& g : grays.levels) made.smoothed.push_back(round.shown(g.drive));
   return made;
 }

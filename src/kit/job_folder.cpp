@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <iostream>
 #include <string_view>
 #include <utility>
@@ -192,8 +193,14 @@ void write_job_folder(const std::string& folder, const job_inputs& inputs, const
 }
 
 int round_of(const json& record) {
-  const auto refined = record.find("refined");
-  return refined == record.end() || !refined->is_object() ? 1 : refined->value("round", 1);
+  if (!record.contains("refined")) return 1;
+  constexpr int most = 1000;
+  const json& refined = record["refined"];
+  if (refined.is_object() && refined.contains("round") && refined["round"].is_number_integer()) {
+    const auto round = refined["round"].get<std::int64_t>();
+    if (round >= 2 && round <= most) return static_cast<int>(round);
+  }
+  refuse_content(record_name, "'refined' does not tell the round, 2 to " + std::to_string(most));
 }
 
 std::vector<std::string> listed_files(const json& record) {

@@ -72,7 +72,7 @@ struct opened_job {
 };
 opened_job open_job(const std::string& folder);
 
-/// The round that a record is of, counted from 1.
+/// The round that a record is of, counted from 1. Throws `fault::content` where it says nonsense about it.
 int round_of(const nlohmann::ordered_json& record);
 
 /// The names of the files that a record lists, job.json last.

@@ -33,7 +33,8 @@ measured_gray gray_of(const patch& p) {
   return {.drive = is_full(p) ? 1 : p.drive[0], .xyz = p.xyz, .readings = p.rows.size()};
 }
 
-// The gray ramp among the readings. Relative ones are taken to be as bright as `white` at full drive.
+// The gray ramp among the readings. Those in another unit than the first ones, as one tells by the file or by a white
+// twice as bright, are taken to be as bright as `white` at full drive.
 measured_grays grays_of(const readings& after, const std::string& name, double white) {
   const sorted_readings sorted = sort_readings(after);
   measured_grays grays{.name = name, .levels = {}};
@@ -44,8 +45,8 @@ measured_grays grays_of(const readings& after, const std::string& name, double w
     refuse_content(printable(name),
                    "holds no gray ramp; measure the patches of 'corvantile-kit chart' with the correction loaded");
   }
-  if (after.absolute) return grays;
   const double factor = white / grays.levels.back().xyz[1];
+  if (after.absolute && factor > 0.5 && factor < 2) return grays;
   for (measured_gray& g : grays.levels) g.xyz = factor * g.xyz;
   return grays;
 }
