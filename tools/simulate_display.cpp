@@ -17,9 +17,10 @@ namespace {
 
 constexpr const char* usage =
     "Usage: simulate_display [key=value ...] > measurements.txt\n"
-    "       simulate_display [key=value ...] --show [--tables FOLDER] < drives.txt > readings.txt\n"
-    "Writes the readings of a simulated display: its ramps, or, with --show, what it shows for\n"
-    "the lines 'r g b' (0 to 1) of standard input, behind the tables of FOLDER where one is given.\n"
+    "       simulate_display [key=value ...] --show [--tables FOLDER] < drives.txt\n"
+    "Writes the readings of a simulated display: its ramps, or, with --show, what it\n"
+    "shows for the lines 'r g b' (0 to 1) of standard input, behind the tables of\n"
+    "FOLDER where one is given.\n"
     "Keys, with their defaults:\n\n";
 
 // The drives on standard input.
@@ -72,7 +73,8 @@ int run(const std::vector<std::string>& words) {
   for (const std::string& word : words) {
     if (word != "-h" && word != "--help") continue;
     std::printf(
-        "%s%s\nChromaticities and per-channel values are separated by commas: white=0.31,0.33 gamma=2.2,2.1,2.3\n",
+        "%s%s\nChromaticities and per-channel values are separated by commas:\n"
+        "white=0.31,0.33 gamma=2.2,2.1,2.3\n",
         usage, parameter_help().c_str());
     return 0;
   }

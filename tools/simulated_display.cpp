@@ -125,11 +125,11 @@ const std::vector<parameter>& parameters() {
       {"drive", [](s& d) -> target { return &d.drive; }, "drive value of full drive: 255, 100, 1, ..."},
       {"dark_red_z", [](s& d) -> target { return &d.dark_red_z; }, "1: red adds no Z at all to the dark's"},
       {"crosstalk", [](s& d) -> target { return &d.crosstalk; },
-       "0..1, share of its light that a channel loses to the next one at full drive", true},
-      {"power_limit", [](s& d) -> target { return &d.power_limit; },
-       "0..1, share of its light that full white loses, and less bright colours in proportion", true},
+       "0..1, share of its light lost to the next channel, if full", true},
+      {"power_limit", [](s& d) -> target { return &d.power_limit; }, "0..1, share of its light that full white loses",
+       true},
       {"dynamic_backlight", [](s& d) -> target { return &d.dynamic_backlight; },
-       "0..1, share of its light that black loses, and grays as they are darker", true},
+       "0..1, share of its light that black loses", true},
   };
   return all;
 }

@@ -32,17 +32,20 @@ void check_job(const settings& set) {
   throw failure(fault::inexpressible, "a job with wptemp or hwid is not refined; solve it without them");
 }
 
+// Whether there is light in X, Y and Z: near black, an instrument may see none.
+bool is_lit(const measured_gray& g) {
+  return std::ranges::all_of(g.xyz.v, [](double v) { return v > 0 && std::isfinite(v); });
+}
+
 void check_grays(const measured_grays& grays) {
-  if (grays.levels.size() < least_levels) {
-    refuse_content(grays.name, "holds " + std::to_string(grays.levels.size()) + " gray levels, expected at least " +
+  const auto lit = static_cast<std::size_t>(std::ranges::count_if(grays.levels, is_lit));
+  if (lit < least_levels) {
+    refuse_content(grays.name, "holds " + std::to_string(lit) +
+                                   " gray levels with light in X, Y and Z, expected at least " +
                                    std::to_string(least_levels));
   }
-  if (grays.levels.back().drive != 1) refuse_content(grays.name, "holds no full white");
-  for (const measured_gray& g : grays.levels) {
-    const bool bright = std::ranges::all_of(g.xyz.v, [](double v) { return v > 0 && std::isfinite(v); });
-    if (bright || (g.drive == 0 && g.xyz[1] >= 0)) continue;
-    refuse_content(grays.name, "X, Y or Z of the gray at drive" + free_format(g.drive) + " is not above 0");
-  }
+  if (grays.levels.back().drive != 1 || !is_lit(grays.levels.back()))
+    refuse_content(grays.name, "holds no full white");
 }
 
 vec3 each(const vec3& a, const vec3& b) { return {{a[0] * b[0], a[1] * b[1], a[2] * b[2]}}; }
@@ -112,7 +115,8 @@ class first_grays {
     std::array<std::vector<double>, 3> ratio;
     for (const measured_gray& g : grays) {
       const vec3 r = each_divided(g.xyz, by_model(g.drive));
-      if (!std::ranges::all_of(r.v, [](double v) { return v > 0 && std::isfinite(v); })) continue;  // no dark light
+      const bool modelled = std::ranges::all_of(r.v, [](double v) { return v > 0 && std::isfinite(v); });
+      if (!modelled || !is_lit(g)) continue;
       drive.push_back(g.drive);
       weight.push_back(static_cast<double>(g.readings) * std::cbrt(g.xyz[1] / grays.back().xyz[1]));
       for (std::size_t k = 0; k < 3; ++k) ratio[k].push_back(r[k]);

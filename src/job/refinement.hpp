@@ -46,9 +46,9 @@ struct refinement {
 ///   are what the model is asked for.
 /// Below the darkest measured level the ratios stay as they are there.
 ///
-/// Throws `fault::content` for fewer than five levels, none at full drive, or one that is no brighter than 0;
-/// `fault::inexpressible` for a job without a gray match, or with `wptemp` or `hwid` in effect, whose grays have no
-/// single white.
+/// Throws `fault::content` for fewer than five levels or none at full drive, not counting those without light in X, Y
+/// or Z, which tell nothing; `fault::inexpressible` for a job without a gray match, or with `wptemp` or `hwid` in
+/// effect, whose grays have no single white.
 refinement refine_grays(const correction& first, const settings& set, const measured_grays& grays);
 
 }  // namespace corvantile

@@ -104,10 +104,13 @@ TEST(Refinement, RefusesWhatItCannotCorrect) {
   shaded.temp = shaded.wptemp = 6000;
   tables.mode = match_mode::cv2;
   for (const settings& set : {shaded, tables}) EXPECT_EQ(kind_of(set, grays), static_cast<int>(fault::inexpressible));
+  measured_grays dark = grays;
+  dark.levels[1].xyz[2] = 0;
+  EXPECT_EQ(kind_of(good, dark), -1) << "as an instrument reads near black";
   measured_grays few = grays, no_white = grays, dead = grays;
   few.levels.erase(few.levels.begin(), few.levels.begin() + 5);
   no_white.levels.pop_back();
-  dead.levels[4].xyz = {};
+  dead.levels.back().xyz = {};
   for (const measured_grays& g : {few, no_white, dead}) EXPECT_EQ(kind_of(good, g), static_cast<int>(fault::content));
   EXPECT_THROW(solve(shaded, measured({}), {}, refine_grays(first, good, grays).factors), failure);
 }
