@@ -112,17 +112,17 @@ class first_grays {
  private:
   void fit(const std::vector<measured_gray>& grays) {
     std::vector<double> drive, weight;
-    std::array<std::vector<double>, 3> ratio;
+    std::array<std::vector<double>, 3> ratios;
     for (const measured_gray& g : grays) {
       const vec3 r = each_divided(g.xyz, by_model(g.drive));
       const bool modelled = std::ranges::all_of(r.v, [](double v) { return v > 0 && std::isfinite(v); });
       if (!modelled || !is_lit(g)) continue;
       drive.push_back(g.drive);
       weight.push_back(static_cast<double>(g.readings) * std::cbrt(g.xyz[1] / grays.back().xyz[1]));
-      for (std::size_t k = 0; k < 3; ++k) ratio[k].push_back(r[k]);
+      for (std::size_t k = 0; k < 3; ++k) ratios[k].push_back(r[k]);
     }
     darkest_ = drive.front();
-    for (std::size_t k = 0; k < 3; ++k) ratio_[k] = {drive, ratio[k], weight};
+    for (std::size_t k = 0; k < 3; ++k) ratio_[k] = {drive, ratios[k], weight};
   }
 
   const correction& first_;

@@ -106,8 +106,34 @@ std::vector<std::string> put_aside(const std::string& folder, const std::string&
 
 std::string joined(const std::vector<std::string>& words) {
   std::string text;
-  for (const std::string& w : words) text += (text.empty() ? "" : ", ") + w;
+  for (const std::string& w : words) text.append(text.empty() ? "" : ", ").append(w);
   return text;
+}
+
+// What a round found out, as CIEDE2000 means of the grays.
+struct gray_figures {
+  double measured, scatter, expected;
+};
+
+// What the next round's record says of this one.
+nlohmann::ordered_json history_of(int round, const std::string& first_record, const std::string& after,
+                                  const gray_figures& f) {
+  const std::string aside = round_folder(round);
+  return {{"round", round + 1},
+          {"before", {{"folder", aside}, {"job.json", checksum(first_record)}}},
+          {"measured", {{"file", aside + '/' + after_name}, {"checksum", checksum(after)}}},
+          {"gray_ciede2000", {{"measured", f.measured}, {"scatter", f.scatter}, {"expected", f.expected}}}};
+}
+
+// The warnings that are new, and what came of it.
+void tell(const refine_options& o, const correction& first, const correction& second, const gray_figures& f) {
+  const std::vector<std::string> known = warning_lines(first);
+  for (const std::string& line : warning_lines(second))
+    if (std::ranges::count(known, line) == 0) say(o, line);
+  say(o, "gray CIEDE2000 " + decimal(f.measured, 2) + " as measured, " + decimal(f.expected, 2) +
+             " expected behind the new tables (single readings scatter by " + decimal(f.scatter, 2) + ')');
+  if (f.measured <= 1.5 * f.scatter)
+    say(o, "note: the grays missed their target by little more than that: expect no gain");
 }
 
 }  // namespace
@@ -117,16 +143,16 @@ int run_refine(const refine_options& o) {
   const std::string& folder = in_place ? o.folder : o.output;
   if (!in_place) refuse_to_replace(o.output, o.force);
   const opened_job first = open_job(o.folder);
+  const solved_job& job = first.job;
   const int round = round_of(first.record);
   const std::string aside = round_folder(round);
   refuse_to_replace(folder + '/' + aside, o.force);
 
-  const solved_job& job = first.job;
   const readings after = read_source(o.after);
   const measured_grays grays = grays_of(after, o.after.source, job.figures.white_after[1]);
-  report_data measured;
-  gather_measured(measured, source_of(job.result, job.names.set), after.rows);
-  heed(*measured.measured, o);
+  report_data judged;
+  gather_measured(judged, source_of(job.result, job.names.set), after.rows);
+  heed(*judged.measured, o);
   const refinement found = refine_grays(job.result, job.names.set, grays);
 
   job_inputs inputs = first.inputs;
@@ -134,24 +160,16 @@ int run_refine(const refine_options& o) {
   inputs.factors = gray_factors_text(found.factors);
   inputs.why["grayfile"] = "what was measured behind the tables of " + aside;
   const solved_job second = solve_job(inputs);
+  const gray_figures figures{judged.measured->grays.mean, scatter_of(grays, found), second.figures.gray_mean};
   const std::string after_text = read_input(o.after.source);
-  const double before = measured.measured->grays.mean, scatter = scatter_of(grays, found);
-  inputs.refined = {
-      {"round", round + 1},
-      {"before", {{"folder", aside}, {"job.json", checksum(read_input(o.folder + "/job.json"))}}},
-      {"measured", {{"file", aside + '/' + after_name}, {"checksum", checksum(after_text)}}},
-      {"gray_ciede2000", {{"measured", before}, {"scatter", scatter}, {"predicted", second.figures.gray_mean}}}};
+  inputs.refined = history_of(round, read_input(o.folder + "/job.json"), after_text, figures);
+
   std::vector<text_file> files = kept(o.folder, first.record, after_text);
   for (text_file& f : files_of(inputs, second)) files.push_back(std::move(f));
   write_folder(folder, std::move(files));
   const std::vector<std::string> moved = in_place ? put_aside(folder, aside) : std::vector<std::string>();
 
-  const std::vector<std::string> known = warning_lines(job.result);
-  for (const std::string& line : warning_lines(second.result))
-    if (std::ranges::count(known, line) == 0) say(o, line);
-  say(o, "gray CIEDE2000 " + decimal(before, 2) + " as measured, " + decimal(second.figures.gray_mean, 2) +
-             " expected behind the new tables (single readings scatter by " + decimal(scatter, 2) + ')');
-  if (before <= 1.5 * scatter) say(o, "note: the grays missed their target by little more than that: expect no gain");
+  tell(o, job.result, second.result, figures);
   say(o, folder + " holds the new tables, " + folder + '/' + aside + " the old ones" +
              (moved.empty() ? "" : " with " + joined(moved) + ": export again"));
   say(o, "Load them and measure again: corvantile-kit verify " + folder + " AFTER");
