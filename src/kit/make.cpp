@@ -68,7 +68,7 @@ class omissions {
   }
   std::vector<std::string> lines() const {
     std::vector<std::string> lines;
-    for (const auto& [formats, why] : list_) lines.push_back(formats + ": " + why);
+    for (const auto& [formats, why] : list_) lines.push_back(std::string(formats).append(": ").append(why));
     return lines;
   }
 
@@ -89,8 +89,9 @@ std::vector<text_file> exports_of(const make_options& o, const solved_job& job, 
     try {
       const exported made = export_job(job, known, how);
       for (const file_content& f : made.files) {
-        const std::string folder = format.one_file ? "" : std::string(format.usual_name) + '/';
-        files.push_back({"exports/" + folder + f.name, f.bytes});
+        std::string path = "exports/";
+        if (!format.one_file) path.append(format.usual_name).append("/");
+        files.push_back({path.append(f.name), f.bytes});
       }
     } catch (const failure& f) {
       if (f.kind != fault::inexpressible || o.wanted.device != "all") throw;
@@ -106,7 +107,8 @@ void remove_other_exports(const std::string& folder, const std::vector<text_file
   for (const export_format& format : export_formats()) {
     const std::string name = std::string("exports/") + format.usual_name;
     const auto belongs = [&](const text_file& f) { return f.path == name || f.path.starts_with(name + '/'); };
-    if (std::ranges::none_of(written, belongs)) std::filesystem::remove_all(folder + '/' + name, ignored);
+    if (std::ranges::none_of(written, belongs))
+      std::filesystem::remove_all(std::filesystem::path(folder) / name, ignored);
   }
 }
 

@@ -73,6 +73,13 @@ remake_record remake_of(const solved_job& job, const nlohmann::ordered_json& rec
   return remake;
 }
 
+// Whether two luminances of white are in the same unit where the files don't tell: near each other, and not the 100
+// that stands for white in relative readings.
+bool in_one_unit(double a, double b) {
+  const auto is_relative = [](double white) { return std::abs(white - 100) < 0.5; };
+  return a < 2 * b && b < 2 * a && !is_relative(a) && !is_relative(b);
+}
+
 }  // namespace
 
 report_data report_of(const solved_job& job, const checked& measured, const nlohmann::ordered_json& record,
@@ -94,15 +101,24 @@ void add_measured(report_data& data, const solved_job& job, const checked& measu
   if (!data.measured) return;
   std::vector<std::string>& diagnosis = data.measured->diagnosis;
   if (after.calibration && !measured.known.calibration) {
-    diagnosis.push_back(
-        "A video calibration was in effect during this measurement, but not during the first: it acts on top of the "
-        "correction. Clear it (dispwin -c) and measure again.");
+    diagnosis.emplace_back(
+        "A video calibration was in effect during this measurement, but not during the first. Unless it is the "
+        "correction itself, it acts on top of that: clear it (dispwin -c) and measure again.");
   }
   if (!after.calibration && measured.known.calibration) {
-    diagnosis.push_back(
+    diagnosis.emplace_back(
         "The first measurement went through a video calibration, this one did not: formats that leave the "
-        "calibration "
-        "in force need it loaded.");
+        "calibration in force need it loaded.");
+  }
+  constexpr double steady = 0.03;
+  const double read = data.measured->white.luminance;
+  const double change = read / job.figures.white_after[1] - 1;
+  const bool absolute = after.absolute && measured.known.absolute.value_or(false);
+  if ((absolute || in_one_unit(job.figures.white_before[1], read)) && std::abs(change) > steady) {
+    diagnosis.emplace_back("White is " + percent(std::abs(change), 0) + (change < 0 ? " darker" : " brighter") +
+                           " than predicted. The display has drifted since the first measurement (warm-up, its "
+                           "brightness setting, ambient light sensor), or it dims bright pictures: the other figures "
+                           "here leave that out.");
   }
 }
 

@@ -123,8 +123,11 @@ distances distances_of(const scene& sc, const std::vector<reading>& readings) {
 
 loading loading_of(const distances& d) {
   constexpr double good = 3;  // a display and an instrument repeat themselves better than that
+  constexpr double alike =
+      1.5;  // where loaded and not loaded are both that near, the model decides as much as they do
   const auto likely = [&](double other) { return other < d.once && (other <= good || 2 * other < d.once); };
   if (d.once <= good && d.once <= d.none && d.once <= d.twice) return loading::once;
+  if (d.once <= alike && d.none < d.once && d.none <= d.twice) return loading::too_mild;
   if (d.other_white <= good && d.other_white < 0.5 * std::min({d.once, d.none, d.twice}))
     return loading::another_white;
   if (likely(d.none) && d.none <= d.twice) return loading::none;
@@ -136,6 +139,10 @@ const char* words_for(loading loaded) {
   switch (loaded) {
     case loading::once:
       return "The tables are loaded, once, and the display does what was predicted.";
+    case loading::too_mild:
+      return "The display does about what was predicted, but the tables change so little that nobody can tell "
+             "whether "
+             "they are loaded.";
     case loading::another_white:
       return "The tables seem to be loaded, but the white is another than predicted: the picture mode or a colour "
              "control was changed, or a calibration was in effect in one of the two measurements only.";

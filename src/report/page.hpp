@@ -183,10 +183,11 @@ struct measured_patch {
   double from_asked = unknown, from_predicted = unknown;
 };
 
-/// The section that appears where the result was measured.
-/// How the tables seem to have been loaded when the readings behind them were taken.
-enum class loading { once, another_white, none, twice, unclear };
+/// How the tables seem to have been loaded when the readings behind them were taken. `too_mild`: they change so
+/// little that it can't be told.
+enum class loading { once, too_mild, another_white, none, twice, unclear };
 
+/// The section that appears where the result was measured.
 struct measured_record {
   std::string verdict;                 ///< a sentence
   std::vector<std::string> diagnosis;  ///< paragraphs

@@ -200,6 +200,9 @@ is "Corvantile makes round 2 again" "$(cp -r dim remade && cd remade && rm -- *L
   2>/dev/null; tables .)" "$(tables dim)"
 is "the comments stay" "$(grep -c '! ' dim/settings.txt)" $(($(grep -c '! ' first/settings.txt) + 1))
 is "measured again" "$(shown dim >again.txt; "$kit" verify dim again.txt)" "*very closely*loaded, once*"
+is "darker since then" "$(shown dim white_luminance=225 >darker.txt; "$kit" verify dim darker.txt)" "*White is [0-9]*% darker*"
+is "too mild to tell" "$("$kit" make m.txt --target native --gamma 2.2 --for x11 --anyway -q -o mild
+  "$kit" verify mild m.txt | tr '\n' ' ')" "*nobody can tell*"
 is "the report" "$("$kit" report dim -o - -q)" "*Grays should follow the target very closely*"
 "$kit" export dim --format cube3d -q -o dim.cube || is "exports" failed done
 object "refine" "$("$kit" refine dim again.txt --json -q)"
