@@ -48,10 +48,10 @@ double ramp_drive(const measurements& samples, std::size_t row) {
 
 void require_falling_ramps(const measurements& samples) {
   const auto n = static_cast<std::size_t>(samples.nramp);
-  const auto refuse = [&](std::size_t row, const char* is_not, std::size_t other) {
-    refuse_content(samples.name, place_text(samples, row) + ": drive" + free_format(ramp_drive(samples, row)) +
-                                     " is not the " + is_not + " of its ramp, " + sample_text(samples, other) +
-                                     " has" + free_format(ramp_drive(samples, other)) +
+  const auto refuse = [&](std::size_t end, const char* is_not, std::size_t beyond) {
+    refuse_content(samples.name, place_text(samples, end) + ": drive" + free_format(ramp_drive(samples, end)) +
+                                     " is not the " + is_not + " of its ramp, " + sample_text(samples, beyond) +
+                                     " has" + free_format(ramp_drive(samples, beyond)) +
                                      "; ramps run from full drive down to zero");
   };
   for (std::size_t first = 0; first < ramp_count(samples.version) * n; first += n) {

@@ -162,8 +162,8 @@ std::vector<const patch*> grays_to_derive_from(const sorted_readings& sorted,
 ramp_set ramps_from_gray(const readings& all, const sorted_readings& sorted, const std::vector<const patch*>& gray) {
   const vec3& dark = sorted.dark->xyz;
   const mat3 primaries = full_primaries(sorted);
-  std::vector<vec3> light;
-  for (const patch* p : gray) light.push_back(p->xyz);
+  std::vector<vec3> light(gray.size());
+  std::ranges::transform(gray, light.begin(), [](const patch* p) { return p->xyz; });
   const derived_ramps derived = derive_ramps(light, dark, primaries);
 
   ramp_set set{gray.size() + 1, unusable(all, sorted)};
