@@ -2,7 +2,8 @@
 # One round of refine, as a user goes it, on simulated displays that do not add up: grays' mean CIEDE2000 of what the
 # display truly shows (no noise), before and after, where both measurements have 0.3 % noise.
 # Usage: refine_test.sh CORVANTILE_KIT SIMULATE_DISPLAY [all]
-# Without "all", a few displays; with it, a table of all of them over several seeds.
+# Without "all", a few displays, which must do as expected; with it, a table of many, each over three seeds, in which
+# rows that do not are marked.
 set -eu
 kit=$(realpath "$1")
 simulate=$(realpath "$2")
@@ -46,7 +47,6 @@ if [ "${3:-}" = all ]; then
   for ramps in measured auto derived; do
     for mode in CV1 CV2_1; do
       most=0.5
-      [ $ramps != derived ] || most=0.7  # they know less of the channels
       row 0 0.4 $ramps $mode "1 2 3"
       for k in 0.05 0.1 0.2; do
         row 0.3 $most $ramps $mode "1 2 3" crosstalk=$k,$k,$k
@@ -55,7 +55,7 @@ if [ "${3:-}" = all ]; then
         row 0.3 $most $ramps $mode "1 2 3" power_limit=$k
         row 0.3 $most $ramps $mode "1 2 3" dynamic_backlight=$k
       done
-      [ $ramps = derived ] || row 3 0.6 $ramps $mode "1 2 3" crosstalk=0.2,0.2,0.2 power_limit=0.2
+      row 0.3 $most $ramps $mode "1 2 3" crosstalk=0.2,0.2,0.2 power_limit=0.2
     done
   done
 else
@@ -65,4 +65,4 @@ else
   row 0.5 0.5 auto CV2_1 1 power_limit=0.1
   row 0.5 0.5 auto CV1 1 dynamic_backlight=0.2
 fi
-[ "$failures" -eq 0 ]
+[ "$failures" -eq 0 ] || [ "${3:-}" = all ]
