@@ -145,9 +145,11 @@ gamut_record gamut(const scene& sc) {
 std::vector<loss_record> losses(const scene& sc) {
   const double before = sc.before(gray(1))[1];
   const double top = ramptop_xyz(sc.source.display, sc.source.white).xyz[1];
-  const double rest = sc.after(gray(1))[1] / (top * sc.source.lumfrac);
+  const double limit = 1 / factors_at(sc.source.factors, 1)[1];  // what the display was measured to fall short by
+  const double rest = sc.after(gray(1))[1] / (top * sc.source.lumfrac * limit);
   std::vector<loss_record> l{{"this white", top / before}};
   if (sc.source.lumfrac != 1) l.push_back({"lumfrac", sc.source.lumfrac});
+  if (std::abs(limit - 1) > 0.002) l.push_back({"display's limit", limit});
   if (std::abs(rest - 1) > 0.002) l.push_back({sc.source.tables.two_tables ? "head-room" : "gray table", rest});
   return l;
 }
