@@ -2,9 +2,11 @@
 
 #include "formats/chart.hpp"
 
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
+#include "formats/writers/text_form.hpp"
 #include "kit/dates.hpp"
 #include "kit/files.hpp"
 #include "kit/verbs.hpp"
@@ -27,7 +29,7 @@ int run_chart(const chart_options& o) {
   say(o, std::to_string(chart.size()) +
              " patches; clear the video calibration before measuring (dispwin -c), and let "
              "the display warm up");
-  if (o.json) write_output("-", "{\"patches\": " + std::to_string(chart.size()) + "}\n", true);
+  if (o.json) print_record({{"patches", chart.size()}});
   return status::done;
 }
 

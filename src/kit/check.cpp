@@ -82,7 +82,7 @@ int run_check(const check_options& o) {
   const checked c = check_source(o.source);
   std::vector<finding> findings = c.figures.findings;
   if (!o.settings.empty()) merge_findings(findings, plan_findings(read_settings_file(o.settings), c.samples));
-  if (o.json) write_output("-", record_of(c.figures, findings).dump(2) + '\n', true);
+  if (o.json) print_record(record_of(c.figures, findings));
   const bool named = !o.output.empty() && o.output != "-";
   if (named || !o.json) write_output(o.output, text_of(c.figures, findings), o.force);
   const bool serious = std::ranges::any_of(findings, [](const finding& f) { return f.level > severity::note; });

@@ -45,7 +45,7 @@ int run_export(const export_verb_options& o) {
                                            {"files", names},
                                            {"calibration", calibration_note(made.calibration)},
                                            {"clamped", made.clamped}};
-    write_output("-", record.dump(2) + '\n', true);
+    print_record(record);
   }
   return status::done;
 }

@@ -82,7 +82,7 @@ int run_predict(const predict_options& o) {
       text += line_of(found);
     }
   }
-  if (o.json) write_output("-", nlohmann::ordered_json{{"answers", answers}}.dump(2) + '\n', true);
+  if (o.json) print_record({{"answers", answers}});
   if (!o.output.empty() && o.output != "-") write_output(o.output, text, o.force);
   return status::done;
 }

@@ -66,7 +66,7 @@ int run_report(const report_options& o) {
   const opened job = open(o.folder, o.display, o.after);
   write_output(target, report_page(job.data), o.force);
   if (target != "-") say(o, target);
-  if (o.json && target != "-") write_output("-", "{\"report\": " + nlohmann::json(target).dump() + "}\n", true);
+  if (o.json) print_record({{"report", target}});
   return status::done;
 }
 
@@ -79,7 +79,7 @@ int run_verify(const verify_options& o) {
     record["grays"] = summary(m.grays);
     record["all"] = summary(m.all);
     record["from_prediction"] = summary(m.all_from_predicted);
-    write_output("-", record.dump(2) + '\n', true);
+    print_record(record);
   } else {
     write_output(o.output, text_of(m), o.force);
   }

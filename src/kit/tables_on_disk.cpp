@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <system_error>
 #include <vector>
 
 #include "driver/tables.hpp"
@@ -48,14 +49,17 @@ constexpr mat3 unit{{vec3{{1, 0, 0}}, vec3{{0, 1, 0}}, vec3{{0, 0, 1}}}};
 }  // namespace
 
 front_end front_end_on_disk(const std::string& folder) {
-  namespace fs = std::filesystem;
-  if (fs::exists(folder + "/job.json")) {
+  const auto holds = [&](const char* name) {
+    std::error_code none;
+    return std::filesystem::exists(folder + name, none);
+  };
+  if (holds("/job.json")) {
     const correction result = open_job_folder(folder).result;
     if (!result.two) return chain(nullptr, unit, result.gray);
     return chain(&result.two->prelut, result.two->matrix, result.two->postlut);
   }
   const matrix post = table_in(folder + "/postLUT.txt");
-  if (!fs::exists(folder + "/preLUT.txt") || !fs::exists(folder + "/matrix.txt")) return chain(nullptr, unit, post);
+  if (!holds("/preLUT.txt") || !holds("/matrix.txt")) return chain(nullptr, unit, post);
   const matrix pre = table_in(folder + "/preLUT.txt");
   const matrix m = table_in(folder + "/matrix.txt");
   if (m.rows() != 3) refuse_content(printable(folder + "/matrix.txt"), "a matrix has three rows");

@@ -2,6 +2,7 @@
 // The verbs: what each is told, and what it ends with. `command_line.cpp` fills these records from arguments.
 
 #include <cstddef>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 
@@ -34,6 +35,9 @@ struct common_options {
 
 /// A line for people, on standard error; nothing where they asked for quiet.
 void say(const common_options& o, const std::string& line);
+
+/// The object that `--json` promises, on standard output. Bytes of names that are no UTF-8 become U+FFFD.
+void print_record(const nlohmann::ordered_json& record);
 
 struct make_options : common_options {
   source_options source;
