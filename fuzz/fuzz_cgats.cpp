@@ -5,6 +5,7 @@
 
 #include "formats/calibration.hpp"
 #include "formats/cgats.hpp"
+#include "formats/writers/cal.hpp"
 #include "fuzz/number_mutator.hpp"
 #include "fuzz/sound_readings.hpp"
 
@@ -17,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   calibration_curves curves;
   if (stop_of([&] { curves = read_calibration("source", text); })) return 0;
-  const std::string written = write_calibration(curves, "fuzzed", "");
+  const std::string written = calibration_file(curves, {.title = "fuzzed", .comments = {}});
   // Inputs closer than the digits that are written become equal: refused then, but never misread.
   calibration_curves again;
   if (stop_of([&] { again = read_calibration("written", written); })) return 0;

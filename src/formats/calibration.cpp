@@ -13,13 +13,6 @@ namespace {
 
 constexpr std::array<std::string_view, 4> column_names{"RGB_I", "RGB_R", "RGB_G", "RGB_B"};
 
-void append_keyword(std::string& out, std::string_view key, std::string_view value) {
-  if (value.empty()) return;
-  std::string text = ascii(value);
-  std::ranges::replace(text, '"', '\'');
-  out.append(key).append(" \"").append(text).append("\"\n");
-}
-
 }  // namespace
 
 calibration_curves read_calibration(std::string_view name, std::string_view text) {
@@ -71,25 +64,6 @@ bool is_identity(const calibration_curves& curves) {
   return std::ranges::all_of(curves, [](const lut& curve) {
     return std::ranges::equal(curve.x, curve.y, [](double x, double y) { return std::abs(x - y) <= rounding; });
   });
-}
-
-std::string write_calibration(const calibration_curves& curves, std::string_view title, std::string_view date) {
-  std::string out = "CAL    \n\n";
-  append_keyword(out, "DESCRIPTOR", title.empty() ? "Argyll Device Calibration Curves" : title);
-  append_keyword(out, "ORIGINATOR", "corvantile-kit");
-  append_keyword(out, "CREATED", date);
-  out += "DEVICE_CLASS \"DISPLAY\"\nCOLOR_REP \"RGB\"\n\n";
-  out += "NUMBER_OF_FIELDS 4\nBEGIN_DATA_FORMAT\nRGB_I RGB_R RGB_G RGB_B\nEND_DATA_FORMAT\n\n";
-  out += "NUMBER_OF_SETS " + std::to_string(curves[0].x.size()) + "\nBEGIN_DATA\n";
-  for (const double input : curves[0].x) {
-    append_fixed(out, input, 11, 9);
-    for (const lut& curve : curves) {
-      out += ' ';
-      append_fixed(out, std::clamp(interp(curve, input), 0.0, 1.0), 11, 9);
-    }
-    out += '\n';
-  }
-  return out + "END_DATA\n";
 }
 
 }  // namespace corvantile

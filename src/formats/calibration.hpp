@@ -20,9 +20,4 @@ calibration_curves calibration_from(std::string_view name, const cgats_table& ta
 /// Whether the curves change no drive by more than 1e-4, the rounding of such tables.
 bool is_identity(const calibration_curves& curves);
 
-/// A .cal file with these curves, which `dispwin` loads: one row for each abscissa of the red curve, at least 7
-/// digits, outputs clamped to 0..1. `title` becomes its description and `date` its time of making; both are left out
-/// where they are empty. The curves have at least two points.
-std::string write_calibration(const calibration_curves& curves, std::string_view title, std::string_view date);
-
 }  // namespace corvantile

@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "formats/calibration.hpp"
-#include "formats/detect.hpp"
+#include "formats/writers/cal.hpp"
+#include "kit/dates.hpp"
 #include "kit/files.hpp"
 #include "kit/imported.hpp"
 #include "kit/verbs.hpp"
@@ -53,10 +53,12 @@ int run_import(const import_options& o) {
     refuse_content(in.known.source, "no calibration was in effect while measuring, so that there is none to write");
   write_output(o.output, in.text, o.force);
   if (!o.calibration.empty()) {
-    write_output(o.calibration, write_calibration(*in.known.calibration, in.known.source, in.known.date), o.force);
+    const description about{
+        .title = "In effect while " + in.known.source + " was measured", .comments = {}, .created = now()};
+    write_output(o.calibration, calibration_file(*in.known.calibration, about), o.force);
   }
   for (const std::string& line : summary_of(in)) say(o, line);
-  if (o.json) write_output("-", record_of(in).dump(2) + '\n', true);
+  if (o.json) print_record(record_of(in));
   return status::done;
 }
 

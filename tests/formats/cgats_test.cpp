@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "formats/calibration.hpp"
+#include "formats/writers/cal.hpp"
 #include "tests/formats/told.hpp"
 
 namespace corvantile {
@@ -76,7 +77,8 @@ TEST(Cgats, KeepsWhatTheFileTells) {
             "The display was measured through a calibration of 3 entries (line 20).\n");
   ASSERT_TRUE(r.calibration);
   EXPECT_EQ((*r.calibration)[2], (lut{{0, 0.5, 1}, {0, 0.6, 0.8}}));
-  EXPECT_EQ(read_calibration("b.cal", write_calibration(*r.calibration, "B\xFCro \"1\"", "")), *r.calibration);
+  EXPECT_EQ(read_calibration("b.cal", calibration_file(*r.calibration, {.title = "B\xFCro \"1\"", .comments = {}})),
+            *r.calibration);
 
   const std::string identity = "CAL\n" + data("RGB_I RGB_R RGB_G RGB_B", "0 0 0 0\n.5 .50004 .5 .5\n1 1 1 1\n");
   EXPECT_FALSE(read_cgats("a.ti3", ti3("") + identity).calibration) << "the identity is none";
