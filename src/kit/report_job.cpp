@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "formats/writers/text_form.hpp"
 #include "kit/dates.hpp"
 #include "kit/words.hpp"
 #include "report/gather.hpp"

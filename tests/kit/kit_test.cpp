@@ -102,11 +102,5 @@ TEST(Wrapped, BreaksBetweenWordsOnly) {
   EXPECT_EQ(wrapped("", 2), "  \n");
 }
 
-TEST(DateText, IsThatOfInstruments) {
-  using std::chrono::seconds, std::chrono::sys_seconds;
-  EXPECT_EQ(date_text(sys_seconds(seconds(0))), "Thu Jan 01 00:00:00 1970");
-  EXPECT_EQ(date_text(sys_seconds(seconds(1709210096))), "Thu Feb 29 12:34:56 2024");
-}
-
 }  // namespace
 }  // namespace corvantile::kit
