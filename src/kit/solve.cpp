@@ -35,6 +35,11 @@ job_inputs inputs_of(const profile& given) {
   return inputs;
 }
 
+// Whatever lies in the folder stays, unless it is what would be written anyway, such as the measurements.
+void keep_others(const std::string& name, const std::string& text, bool force) {
+  if (read_file(name) != text) refuse_to_replace(name, force);
+}
+
 }  // namespace
 
 int run_solve(const solve_options& o) {
@@ -44,14 +49,16 @@ int run_solve(const solve_options& o) {
   refuse_to_replace(folder + "/job.json", o.force);
   const job_inputs inputs = inputs_of(given);
   const solved_job job = solve_job(inputs);
-  write_job_folder(folder, inputs, job);
+  const std::vector<text_file> files = files_of(inputs, job);
+  for (const text_file& f : files) keep_others(folder + '/' + f.path, f.text, o.force);
+  write_folder(folder, files);
 
   for (const std::string& line : warning_lines(job.result)) say(o, line);
   say(o, std::string(name_of(job.names.set.mode)) + " solved into " + folder + ": gray CIEDE2000 mean " +
              decimal(job.figures.gray_mean, 2) + ", largest " + decimal(job.figures.gray_largest, 2) +
              "; luminance " + decimal(job.figures.white_before[1], 1) + " before, " +
              decimal(job.figures.white_after[1], 1) + " after");
-  if (o.json) write_output("-", record_of(inputs, job).dump(2) + '\n', true);
+  if (o.json) print_record(record_of(inputs, job));
   return status::done;
 }
 
