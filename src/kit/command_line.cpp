@@ -3,11 +3,14 @@
 #include "kit/command_line.hpp"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "formats/delimited.hpp"
 #include "kit/help_layout.hpp"
 #include "kit/verbs.hpp"
 #include "utils/version.hpp"
@@ -25,12 +28,18 @@ void add_common(CLI::App& verb, common_options& o, const std::string& output) {
   verb.add_flag("--force", o.force, "Replace what is there");
 }
 
+// What an output is where no -o names it.
+enum class usual_output { stream, file };
+
 // For verbs whose output is no record: it and the record can't both go to standard output.
-void keep_json_apart(CLI::App& verb, const common_options& o) {
-  verb.parse_complete_callback([&o] {
-    if (o.json && (o.output.empty() || o.output == "-"))
-      throw CLI::ValidationError("--json", "the output wants standard output, too; name a file for it with -o");
-  });
+void require_room_for_json(const common_options& o, usual_output usual) {
+  const bool streams = o.output == "-" || (o.output.empty() && usual == usual_output::stream);
+  if (o.json && streams)
+    throw CLI::ValidationError("--json", "the output wants standard output, too; name a file for it with -o");
+}
+
+void keep_json_apart(CLI::App& verb, const common_options& o, usual_output usual) {
+  verb.parse_complete_callback([&o, usual] { require_room_for_json(o, usual); });
 }
 
 void add_source(CLI::App& verb, source_options& o) {
@@ -39,7 +48,12 @@ void add_source(CLI::App& verb, source_options& o) {
   verb.add_option("--from", o.from,
                   "What SOURCE is, where its content does not tell: ti3, cgats, csv, hcfr, corvantile")
       ->check(one_of({"ti3", "cgats", "csv", "hcfr", "corvantile"}));
-  verb.add_option("--layout", o.layout, "Order of the ramps in 12 columns without a header, such as rgbw");
+  verb.add_option("--layout", o.layout, "Order of the ramps in 12 columns without a header, such as rgbw")
+      ->check(CLI::Validator(
+          [](const std::string& order) -> std::string {
+            return is_layout(order) ? "" : order + ": not each of w, r, g and b once";
+          },
+          ""));
   verb.add_option("--ramps", o.ramps, "Red, green and blue ramps: measured, derived (from gray) or auto")
       ->check(one_of({"measured", "derived", "auto"}))
       ->capture_default_str();
@@ -50,8 +64,8 @@ void add_make(CLI::App& verb, make_options& o) {
   verb.add_option("--target", o.wanted.target, "native, srgb, rec709, display-p3, adobe-rgb or bt2020")
       ->check(one_of(target_names()))
       ->capture_default_str();
-  verb.add_option("--gamma", o.wanted.gamma, "An exponent, srgb, bt1886, lstar, or a gamma file")
-      ->capture_default_str();
+  verb.add_option("--gamma", o.wanted.gamma,
+                  "An exponent, srgb, bt1886, lstar, or a gamma file (default: 2.2, for windows srgb)");
   verb.add_option("--white", o.wanted.white, "native, d65, d50, a temperature, or x,y (default: the target's)");
   verb.add_option("--for", o.wanted.device, "linux, x11, windows, video, fpga or all")
       ->check(one_of({"linux", "x11", "windows", "video", "fpga", "all"}))
@@ -66,7 +80,7 @@ void add_import(CLI::App& verb, import_options& o) {
   add_source(verb, o.source);
   verb.add_option("--calibration", o.calibration, "Write the calibration that was in effect to this .cal file");
   add_common(verb, o, "The measurement file (default: standard output)");
-  keep_json_apart(verb, o);
+  keep_json_apart(verb, o, usual_output::stream);
   verb.footer(
       "Reads ArgyllCMS .ti3 and other CGATS, CSV and other tables, HCFR's sheets (gray\n"
       "scale and primaries), and Corvantile's own measurement file.\n\n"
@@ -94,7 +108,7 @@ void add_chart(CLI::App& verb, chart_options& o) {
       ->check(one_of({"ti1", "csv", "hcfr"}))
       ->capture_default_str();
   add_common(verb, o, "The chart (default: standard output)");
-  keep_json_apart(verb, o);
+  keep_json_apart(verb, o, usual_output::stream);
   verb.footer(
       "White and black come again and again, so that drift shows.\n\n"
       "Example:\n  corvantile-kit chart --levels 17 --verify 50 -o ramps.ti1\n"
@@ -123,6 +137,19 @@ std::string format_list() {
   return list;
 }
 
+// What a format would pass over in silence.
+void require_options_of_format(const export_verb_options& o) {
+  const auto only_for = [&](const char* option, bool given, std::initializer_list<const char*> formats) {
+    if (!given || std::ranges::any_of(formats, [&](const char* f) { return o.how.format == f; })) return;
+    throw CLI::ValidationError(option, "the format " + o.how.format + " has no such thing");
+  };
+  only_for("--size", o.how.size.has_value(), {"cube3d", "3dl"});
+  only_for("--entries", o.how.entries.has_value(), {"icc", "mhc2", "kms"});
+  only_for("--wide", o.how.wide, {"kms"});
+  if (o.output == "-" && !format_named(o.how.format).one_file)
+    throw CLI::ValidationError("--output", "the format " + o.how.format + " is several files; name a folder");
+}
+
 void add_export(CLI::App& verb, export_verb_options& o) {
   verb.add_option("FOLDER", o.folder, "The folder of a job, as solve and make leave it")->required();
   verb.add_option("--format", o.how.format, "One of those below")
@@ -143,6 +170,10 @@ void add_export(CLI::App& verb, export_verb_options& o) {
                   "icc, cal, cube: 'none', or a .cal file, instead of the calibration that was in effect");
   verb.add_option("--display", o.how.title, "A name for titles");
   add_common(verb, o, "The file, or the folder of a format with several (default: in FOLDER)");
+  verb.parse_complete_callback([&o] {
+    require_room_for_json(o, usual_output::file);
+    require_options_of_format(o);
+  });
   verb.footer(format_list() + "\nExample:\n  corvantile-kit export my-display --format clf -o my-display.clf");
 }
 
@@ -151,6 +182,7 @@ void add_report(CLI::App& verb, report_options& o) {
   verb.add_option("--measured", o.after.source, "A measurement behind the loaded correction, to be shown beside it");
   verb.add_option("--display", o.display, "The display's name, for the title");
   add_common(verb, o, "The page (default: report.html in FOLDER)");
+  keep_json_apart(verb, o, usual_output::file);
   verb.footer("Example:\n  corvantile-kit report my-display -o report.html");
 }
 

@@ -132,7 +132,8 @@ const std::vector<entry>& entries() {
       {{"icc", "display profile with vcgt, for CV1", true, "correction.icc", true},
        [](const auto& f, const subject& s) {
          const std::size_t n = s.o.entries.value_or(usual_vcgt_entries);
-         return one(f, icc_file(n < 2 ? s.tables() : s.composed(n), behind_tables(s), s.about, n));
+         const bool sensible = n >= 2 && n <= most_vcgt_entries;  // others are refused by the writer
+         return one(f, icc_file(sensible ? s.composed(n) : s.tables(), behind_tables(s), s.about, n));
        }},
       {{"monitor-icc", "profile of the display as measured, for colour-managed desktops", true, "display.icc", false},
        [](const auto& f, const subject& s) {

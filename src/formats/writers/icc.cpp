@@ -21,7 +21,7 @@ static raw_tag vcgt(const matrix& table) {
 std::string icc_file(const table_set& tables, const profiled_display& behind, const description& about,
                      std::size_t entries) {
   const matrix& table = require_one_table("icc", tables);
-  require_count("icc", "entries", entries, 2, 4096);
+  require_count("icc", "entries", entries, 2, most_vcgt_entries);
   return icc_profile("icc", behind, about, {vcgt(resample(table, entries))});
 }
 

@@ -10,7 +10,7 @@
 namespace corvantile {
 
 /// The length that every loader takes: some old ones pick entries instead of interpolating.
-inline constexpr std::size_t usual_vcgt_entries = 256;
+inline constexpr std::size_t usual_vcgt_entries = 256, most_vcgt_entries = 4096;
 
 /// `behind` is the display behind the table: its curves are the target's, its white and colorants the corrected ones.
 /// The table is resampled to `entries`, 2 to 4096. A two-table correction is refused. The tag replaces a calibration
