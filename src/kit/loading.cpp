@@ -4,27 +4,27 @@
 
 namespace corvantile::kit {
 
-std::vector<device_format> formats_for(const std::string& device, match_mode mode) {
+std::vector<std::string> formats_for(const std::string& device, match_mode mode) {
   const bool one_table = mode == match_mode::cv1;
   if (device == "linux") {
-    if (one_table) return {{"icc"}, {"kms"}, {"monitor-icc"}};
-    return {{"monitor-icc"}, {"kms"}, {"cube3d"}};
+    if (one_table) return {"icc", "kms", "monitor-icc"};
+    return {"monitor-icc", "kms", "cube3d"};
   }
   if (device == "x11") {
-    if (one_table) return {{"icc"}, {"cal"}};
-    return {{"monitor-icc"}, {"kms"}, {"cube3d"}};
+    if (one_table) return {"icc", "cal"};
+    return {"monitor-icc", "kms", "cube3d"};
   }
   if (device == "windows") {
-    if (one_table) return {{"icc"}};
-    return {{"mhc2"}};
+    if (one_table) return {"icc"};
+    return {"mhc2"};
   }
   if (device == "video") {
-    if (one_table) return {{"cube3d"}, {"cube"}, {"clf"}};
-    return {{"cube3d"}, {"clf"}, {"3dl"}};
+    if (one_table) return {"cube3d", "cube", "clf"};
+    return {"cube3d", "clf", "3dl"};
   }
-  if (device == "fpga") return {{"hex"}, {"mif"}, {"coe"}, {"c"}};
-  std::vector<device_format> all;
-  for (const export_format& f : export_formats()) all.push_back({f.name});
+  if (device == "fpga") return {"hex", "mif", "coe", "c"};
+  std::vector<std::string> all;
+  for (const export_format& f : export_formats()) all.emplace_back(f.name);
   return all;
 }
 
@@ -51,7 +51,9 @@ std::string loading_advice(const std::string& folder, const std::string& device,
     return "Load it: mpv --lut=" + exports + "correction-3d.cube FILM  (or the player's 3D LUT setting)";
   if (device == "fpga")
     return "Take " + exports + "hex, mif or coe for the memories, or " + exports + "c/correction_tables.h.";
-  return "Load from " + exports + ": what your device takes is listed by corvantile-kit export --help.";
+  return "Load from " + exports + ": " + (one_table ? "correction.icc" : "display.icc") +
+         " in a desktop's colour settings, mpv --lut=" + exports +
+         "correction-3d.cube FILM; corvantile-kit export --help lists what else takes which.";
 }
 
 }  // namespace corvantile::kit

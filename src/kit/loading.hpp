@@ -8,12 +8,8 @@
 
 namespace corvantile::kit {
 
-struct device_format {
-  const char* format;
-};
-
 /// The formats for a device (linux, x11, windows, video, fpga), the best first; for "all", every format.
-std::vector<device_format> formats_for(const std::string& device, match_mode mode);
+std::vector<std::string> formats_for(const std::string& device, match_mode mode);
 
 /// One line: which file to load, with the command or menu for it.
 std::string loading_advice(const std::string& folder, const std::string& device, match_mode mode);

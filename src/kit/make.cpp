@@ -81,8 +81,8 @@ class omissions {
 std::vector<text_file> exports_of(const make_options& o, const solved_job& job, const provenance& known,
                                   omissions& left_out) {
   std::vector<text_file> files;
-  for (const device_format& wanted : formats_for(o.wanted.device, job.names.set.mode)) {
-    const export_format& format = format_named(wanted.format);
+  for (const std::string& wanted : formats_for(o.wanted.device, job.names.set.mode)) {
+    const export_format& format = format_named(wanted);
     export_options how;
     how.format = format.name;
     how.title = o.display;
@@ -112,12 +112,23 @@ void remove_other_exports(const std::string& folder, const std::vector<text_file
   }
 }
 
+// Why grays may end off their target.
+std::string likely_reason(const solved_job& job) {
+  if (!job.result.warnings.empty()) return "the warnings above tell why";
+  if (!matches_gray(job.names.set.mode))
+    return "the channels change their colour along their ramps, which one matrix cannot follow; tables with a gray "
+           "match can, which Windows has no room for";
+  return "the display does not reach this target's white, or holds too few levels; the report shows where";
+}
+
 std::string verdict_of(const solved_job& job) {
+  constexpr double visible = 1;  // CIEDE2000
   const outcome& f = job.figures;
   const double kept = f.white_before[1] > 0 ? 100 * f.white_after[1] / f.white_before[1] : 0;
   std::string line = "By the model, grays come to CIEDE2000 " + decimal(f.gray_mean, 2) +
-                     " of their target on average (" + decimal(f.gray_largest, 2) + " at most); the white keeps " +
-                     decimal(kept, 0) + " % of its luminance";
+                     " of their target on average (" + decimal(f.gray_largest, 2) + " at most)" +
+                     (f.gray_mean > visible ? ", which is visible: " + likely_reason(job) : "") +
+                     "; the white keeps " + decimal(kept, 0) + " % of its luminance";
   if (f.gamut) {
     const double most = std::ranges::max(f.gamut->moved.v);
     line += most > 0 ? "; primaries out of reach were moved by up to " + decimal(most, 3) + " uv"
@@ -141,7 +152,10 @@ void heed(const make_options& o, const checked& c) {
 }  // namespace
 
 int run_make(make_options o) {
-  if (o.output.empty()) o.output = std::filesystem::path(o.source.source).stem().string() + "-corrected";
+  if (o.output.empty()) {
+    const std::string stem = std::filesystem::path(o.source.source).stem().string();
+    o.output = (stem == "-" ? "display" : stem) + "-corrected";
+  }
   refuse_to_replace(o.output, o.force);
   progress step(o.quiet);
 
@@ -174,7 +188,7 @@ int run_make(make_options o) {
     record["files"] = nlohmann::ordered_json::array();
     for (const text_file& f : files) record["files"].push_back(f.path);
     record["left_out"] = left_out.lines();
-    write_output("-", record.dump(2) + '\n', true);
+    print_record(record);
   }
   return status::done;
 }

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "colour/chromaticity.hpp"
+#include "driver/gamma_file.hpp"
 #include "kit/files.hpp"
 #include "utils/decimal.hpp"
 #include "utils/failure.hpp"
@@ -80,19 +81,21 @@ chosen_white white_of(const std::string& asked, const vec2& of_target, const mea
 }
 
 void choose_tone(const wishes& w, const measurements& samples, plan& p) {
-  const std::string curve = w.gamma == "2.2" && w.device == "windows" ? "srgb" : w.gamma;
+  const bool built_in = w.gamma.empty() && w.device == "windows" && solves_two_tables(p.names.set.mode);
+  const std::string curve = built_in ? "srgb" : w.gamma.empty() ? "2.2" : w.gamma;
   if (const auto exponent = parse_real(curve)) {
     if (!(*exponent > 0 && *exponent < 10)) refuse("--gamma", curve, "an exponent is above 0 and below 10");
     p.names.set.gamma = *exponent;
-    p.why["gamma"] = "as asked";
+    p.why["gamma"] = w.gamma.empty() ? "the usual" : "as asked";
     return;
   }
   p.names.gamfile = "gamma.txt";
   if (curve == "srgb" || curve == "bt1886" || curve == "lstar") {
     p.gamma = gamma_file_of(curve, first_white(samples)[1], mean_dark(samples)[1]);
-    p.why["gamfile"] = curve == w.gamma ? "the curve " + curve : "Windows has the sRGB curve built in";
+    p.why["gamfile"] = built_in ? "Windows has the sRGB curve built in" : "the curve " + curve;
   } else {
     p.gamma = read_input(curve);
+    parse_tone_samples(curve, *p.gamma);  // what is wrong in it is told by the name that it has now
     p.why["gamfile"] = "the curve of " + std::filesystem::path(curve).filename().string();
   }
 }
@@ -111,8 +114,8 @@ void choose_two_tables(const wishes& w, const measurements& samples, plan& p) {
   const auto* target = std::ranges::find_if(targets, [&](const named_target& t) { return w.target == t.name; });
   if (target == targets.end()) refuse("--target", w.target, "no such target");
   p.names.set.xytable = target->xy;
-  p.why["xytable"] = std::string("white, red, green, blue of ") + target->source;
   const chosen_white white = white_of(w.white, target->xy.white, samples);
+  p.why["xytable"] = "white (" + white.why + "), red, green, blue of " + target->source;
   p.names.set.xytable.white = white.xy;
   p.names.set.tlen = two_table_rows;
   p.why["tlen"] = "post-tables are even in light: the dark end needs many rows";
@@ -143,10 +146,10 @@ plan plan_for(const wishes& w, const measurements& samples) {
   } else {
     choose_two_tables(w, samples, p);
   }
+  name_mode(p.names);
   choose_tone(w, samples, p);
   p.names.set.restart = true;
   p.why["restart"] = "grays that were not found are searched a second time";
-  name_mode(p.names);
   return p;
 }
 

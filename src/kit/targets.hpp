@@ -14,7 +14,7 @@ namespace corvantile::kit {
 /// As the command line has them.
 struct wishes {
   std::string target = "srgb";  ///< native, srgb, rec709, display-p3, adobe-rgb, bt2020
-  std::string gamma = "2.2";    ///< an exponent, srgb, bt1886, lstar, or the name of a gamma file
+  std::string gamma = {};       ///< an exponent, srgb, bt1886, lstar, or a gamma file; empty: 2.2, or the device's
   std::string white = {};       ///< native, d65, d50, kelvin, or x,y; empty: the target's own
   std::string device = "all";   ///< linux, x11, windows, video, fpga or all
 };

@@ -76,12 +76,13 @@ std::string mhc2_file(const table_set& tables, const profiled_display& behind, c
   if (!tables.two_tables)
     refuse_format("mhc2",
                   "a gray-axis correction has no pre-table; take icc, or solve with cvmode='CV2' and the sRGB "
-                  "curve as gamma file");
+                  "curve as gamma file (make --for windows does)");
   const double distance = distance_from_srgb(tables.pre);
   if (!(distance <= srgb_tolerance))
     refuse_format("mhc2", "Windows has the sRGB curve built in, and the pre-table is " + fixed_field(distance, 0, 1) +
                               " codes of 255 away from it (at most " + free_format(srgb_tolerance).substr(1) +
-                              " are let pass); solve with cvmode='CV2' and the sRGB curve as gamma file");
+                              " are let pass); solve with cvmode='CV2' and the sRGB curve as gamma file "
+                              "(make --for windows does)");
   require_count("mhc2", "entries", entries, 2, 4096);
   return icc_profile("mhc2", behind, about, {mhc2_tag(tables, behind, entries)});
 }
