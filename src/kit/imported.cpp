@@ -1,5 +1,6 @@
 #include "kit/imported.hpp"
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -35,6 +36,19 @@ provenance known_of(const source_options& o, const imported& in) {
   return known;
 }
 
+// Ramps, or why there are none: a line that was dropped or misunderstood may be the reason.
+ramp_choice ramps_of(const readings& all, ramp_source how) {
+  try {
+    return ramps(all, how);
+  } catch (const failure& wrong) {
+    // From behind: what was dropped comes after what was guessed.
+    const auto note = std::find_if(all.notes.rbegin(), all.notes.rend(),
+                                   [](const std::string& n) { return n.find("line ") != std::string::npos; });
+    if (note == all.notes.rend()) throw;
+    throw failure(wrong.kind, wrong.message + " (" + *note + ")");
+  }
+}
+
 std::string prediction_line(const char* name, const prediction_figures& f) {
   std::string line = std::string(name) + " ramps predict " + std::to_string(f.all.n) +
                      " other patches to CIEDE2000 " + decimal(f.all.mean, 2);
@@ -54,7 +68,7 @@ readings read_source(const source_options& o) {
 
 imported import_measurements(const source_options& o) {
   imported in{.all = read_source(o), .choice = {}, .known = {}, .text = {}};
-  in.choice = ramps(in.all, ramp_sources.at(o.ramps));
+  in.choice = ramps_of(in.all, ramp_sources.at(o.ramps));
   in.known = known_of(o, in);
   in.choice.data.name = in.known.source;
   in.text = measurement_text(in.choice.data, provenance_comment(in.known));

@@ -88,6 +88,12 @@ void require_essentials(const readings& all, const sorted_readings& sorted) {
                               ", expected a white at full drive: measure it too");
   }
   if (!sorted.dark) refuse_for_chart(all, "holds no reading at zero drive: measure black (R = G = B = 0) too");
+  if (!(gray.back().xyz[1] > sorted.dark->xyz[1])) {
+    refuse(all, "white reads Y = " + decimal(gray.back().xyz[1], 3) + " and black " +
+                    decimal(sorted.dark->xyz[1], 3) +
+                    ", expected a white that is brighter than the black: look at the order of the columns, and "
+                    "whether the patches were shown");
+  }
   if (gray.size() + 1 < least_levels) {
     refuse_for_chart(all, "the gray ramp has " + std::to_string(gray.size() + 1) +
                               " levels with black and white, expected at least five: measure more grays (R = G = B)");

@@ -93,6 +93,13 @@ awk -F, 'NR == 1 || $1 != $2 || $1 == 0' display.csv >no_grays.csv
 refuses 5 "no_grays.csv: holds no gray ramp*corvantile-kit chart*" import no_grays.csv
 sed '9s/,[^,]*$/,bright/' display.csv >typo.csv
 refuses 5 "typo.csv: line 9: *'bright'*" import typo.csv
+cp display.csv "$(printf 'b\xfcro.csv')"
+object "a name that is no UTF-8" "$("$kit" import "$(printf 'b\xfcro.csv')" --json -q -o latin.txt)"
+sed 's/^255,255,255,.*/255,255,255,0,0,0/' display.csv >failed.csv
+refuses 5 "failed.csv: the brightest gray*line 2: the reading 0 0 0 * failed.)" import failed.csv
+awk -F, -v OFS=, 'NR > 1 { $5 = -$5 } { print }' display.csv >negative.csv
+refuses 5 "negative.csv: white reads Y = -*" import negative.csv
+ends 2 "--layout: rgb*" import display.csv --layout rgb
 
 # --- chart ---
 for format in ti1 csv hcfr; do
@@ -155,6 +162,7 @@ done <<'EOF'
 0.5 0.5 0.5 1:'1'
 EOF
 ends 2 "*standard input*" predict -
+refuses 5 "Cannot open *" predict m.txt --tables "$(printf 'a%.0s' {1..300})"
 refuses 4 "*numsegs*" predict m.txt --numsegs 1
 refuses 5 "display.ti3: line 1: *corvantile-kit import*" predict display.ti3
 
@@ -166,6 +174,9 @@ is "tables" "$(tables job)" "$(tables plain)"
 is "and from the folder's settings" "$(cp -r job again && cd again && rm -- *LUT.txt matrix.txt && "$program" <settings.txt \
   2>&1; tables .)" "*"$'\n'"$(tables plain)"
 refuses 6 "job/job.json is there already*" solve settings.txt -o job
+refuses 6 "./settings.txt is there already*" solve settings.txt -o .
+mkdir with-measurements && cp measurements.txt with-measurements
+ends 0 "*" solve settings.txt -o with-measurements
 object "solve" "$("$kit" solve settings.txt -o job --force --json -q)"
 is "standard input" "$("$kit" solve - -o piped-job -q <settings.txt; tables piped-job)" "$(tables plain)"
 refuses 4 "Settings, line 1: *" solve display.csv -o none
@@ -175,6 +186,12 @@ is "a white of 6500 K" "$(echo 1 1 1 | "$kit" predict m.txt --tables job | awk '
   printf "%.3f %.3f", $1 / s, $2 / s }')" "0.314 0.324"
 refuses 5 "*plain/job.json*" export plain --format clf
 refuses 9 "*two*" export job --format cal
+ends 2 "--json: *standard output*" export job --format clf -o - --json
+ends 2 "--output: *several files*" export job --format kms -o -
+ends 2 "--size: *" export job --format clf --size 17
+"$kit" make - --for video --white native -q <display.ti3
+is "made of a stream" "$(ls display-corrected/exports; rm -r display-corrected)" "*correction-3d.cube*"
+refuses 5 "display.csv: line 1: *" make display.ti3 --gamma display.csv -o curved
 ends 0 "job/*.clf" export job --format clf
 refuses 6 "job/*.clf is there already*" export job --format clf
 object "export" "$("$kit" export job --format json -o job.tables.json --json -q)"
