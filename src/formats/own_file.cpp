@@ -1,6 +1,7 @@
 #include "formats/own_file.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -9,39 +10,47 @@
 #include "formats/raw_readings.hpp"
 #include "formats/text_lines.hpp"
 #include "monitor/measurements.hpp"
+#include "readings/provenance.hpp"
+#include "readings/ramps.hpp"
 #include "utils/failure.hpp"
 #include "utils/text.hpp"
 
 namespace corvantile {
 namespace {
 
-// Steps over the comments; calls `take` with the text of each. The scanner then stands before the header.
-template <class F>
-number_scanner behind_comments(std::string_view text, F take) {
+// The scanner stands before the header.
+number_scanner behind_comments(std::string_view text) {
   number_scanner numbers(text);
   for (number_scanner ahead = numbers;; numbers = ahead) {
     const auto line = ahead.next_line();
     if (!line || !line->starts_with(';')) return numbers;
-    take(line->substr(1));
   }
 }
 
-void take_comment(readings& into, std::string_view comment) {
-  const std::size_t colon = comment.find(':');
-  if (colon == std::string_view::npos) return;
-  const std::string_view key = without_margins(comment.substr(0, colon));
-  const std::string value = ascii(without_margins(comment.substr(colon + 1)).substr(0, 200));
-  for (const auto& [name, field] :
-       {std::pair{"Instrument", &into.instrument}, std::pair{"Software", &into.originator},
-        std::pair{"Date", &into.date}, std::pair{"Display", &into.display}})
-    if (same_word(key, name)) *field = value;
-  if (same_word(key, "Unit")) into.absolute = value == "cd/m2";
+bool is_full(const vec3& drive, std::size_t channel) {
+  vec3 full;
+  full[channel] = 1;
+  const vec3 off = drive - full;
+  return std::ranges::all_of(off.v, [](double v) { return std::abs(v) <= same_drive; });
+}
+
+// Takes derived ramps out: they are no readings. What was read stands behind them, but for full primaries that the
+// derived ramps meet.
+void keep_readings(std::vector<reading>& rows, std::size_t levels) {
+  const auto ramps_end = rows.begin() + static_cast<std::ptrdiff_t>(4 * levels);
+  std::vector<reading> kept(rows.begin(), rows.begin() + static_cast<std::ptrdiff_t>(levels));
+  for (std::size_t c = 0; c < 3; ++c) {
+    const bool read = std::any_of(ramps_end, rows.end(), [&](const reading& r) { return is_full(r.drive, c); });
+    if (!read) kept.push_back(rows[(c + 1) * levels]);
+  }
+  kept.insert(kept.end(), ramps_end, rows.end());
+  rows = std::move(kept);
 }
 
 }  // namespace
 
 bool is_own_file(std::string_view text) {
-  number_scanner numbers = behind_comments(text, [](std::string_view) {});
+  number_scanner numbers = behind_comments(text);
   const auto header = numbers.next_line();
   if (!header) return false;
   number_scanner counts(*header);
@@ -56,10 +65,18 @@ bool is_own_file(std::string_view text) {
 
 readings read_own_file(std::string_view name, std::string_view text) {
   const measurements samples = parse_measurements(std::string(name), text);
+  const provenance known = parse_provenance(text);
   readings found;
   found.source = name;
   found.kind = "Corvantile measurements";
-  number_scanner numbers = behind_comments(text, [&](std::string_view comment) { take_comment(found, comment); });
+  found.instrument = known.instrument;
+  found.originator = known.originator;
+  found.date = known.date;
+  found.display = known.display;
+  found.absolute = known.absolute.value_or(false);
+  found.calibration = known.calibration;
+  found.notes = known.notes;
+  number_scanner numbers = behind_comments(text);
   numbers.next_line();  // the header
 
   std::vector<raw_reading> rows(samples.data.rows());
@@ -75,7 +92,9 @@ readings read_own_file(std::string_view name, std::string_view text) {
   }
   if (!(full_drive > 0)) refuse_content(name, "no drive value is above 0, so that full drive is unknown");
   append_rows(found, rows, {0, full_drive});
-  if (!found.absolute) found.notes.emplace_back("X, Y, Z stay relative: no comment tells their unit.");
+  const bool derived = known.ramps.starts_with("derived") && has_derived_ramps(samples);
+  if (derived && found.rows.size() == rows.size()) keep_readings(found.rows, static_cast<std::size_t>(samples.nramp));
+  if (!known.absolute) found.notes.emplace_back("X, Y, Z stay relative: no comment tells their unit.");
   return found;
 }
 

@@ -21,18 +21,12 @@ source source_named(const std::string& name) {
   return {name == "-" ? "standard input" : std::filesystem::path(name).filename().string(), read_input(name)};
 }
 
-// What our own file's comments know goes on with it.
+// What only the comments of our own file can tell goes on with it: repeats are means there.
 provenance known_of(const source_options& o, const imported& in) {
   provenance known = provenance_of(in.all, in.choice);
   if (in.all.kind != "Corvantile measurements") return known;
   const provenance before = parse_provenance(read_input(o.source));
-  if (before.source.empty()) return known;
-  known.instrument = before.instrument;
-  known.originator = before.originator;
-  known.date = before.date;
-  known.display = before.display;
-  known.absolute = before.absolute;
-  if (!known.calibration) known.calibration = before.calibration;
+  if (!before.source.empty()) known.repeated = before.repeated;
   return known;
 }
 

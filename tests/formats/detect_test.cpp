@@ -7,7 +7,7 @@
 namespace corvantile {
 
 static const std::string own =
-    "; Instrument: probe\n; Unit: cd/m2\n2 1 2\n100 100 100 95 100 109\n2*0 0 1 1 1\n"
+    "; Instrument: probe\n; Units: cd/m2\n2 1 2\n100 100 100 95 100 109\n2*0 0 1 1 1\n"
     "100 0 0 40 20 2 0 0 0 1 1 1\n0 100 0 30 60 9\n0 0 0 1 1 1\n0 0 100 15 7 90\n0 0 0 1 1 1\n"
     "50 25 0 9 9 9\n";
 

@@ -206,6 +206,9 @@ is "CV1 after CV2_1" "$("$kit" export job --format cube -o gray.cube 2>&1; echo 
 # --- refine ---
 limited="white=0.29,0.305 crosstalk=0.15,0.15,0.15"
 "$simulate" $limited levels=33 extra=40 >limited.txt
+"$kit" import limited.txt --ramps derived -q -o derived.txt
+"$kit" import derived.txt --ramps derived -q -o derived-again.txt
+is "derived ramps are no readings" "$(rows_of <derived-again.txt | cksum)" "$(rows_of <derived.txt | cksum)"
 awk 'BEGIN { for (i = 0; i <= 24; ++i) print i / 24, i / 24, i / 24 }' >grays
 shown() { "$simulate" $limited "${@:2}" --show --tables "$1" <grays; }
 "$kit" make limited.txt --ramps measured --for video --anyway -q -o dim
