@@ -149,13 +149,33 @@ void heed(const make_options& o, const checked& c) {
                  worst.id + ": " + worst.message + "; " + worst.action + " (--anyway solves all the same)");
 }
 
+// What was left out, and the three lines that it ends with.
+void tell(const make_options& o, const solved_job& job, const omissions& left_out) {
+  for (const std::string& line : warning_lines(job.result)) say(o, line);
+  for (const std::string& line : left_out.lines()) say(o, "Left out: " + line);
+  say(o, verdict_of(job));
+  say(o, loading_advice(o.output, o.wanted.device, job.names.set.mode));
+  say(o, "The report is " + o.output + "/report.html.");
+}
+
+nlohmann::ordered_json with_files(nlohmann::ordered_json record, const std::string& folder,
+                                  const std::vector<text_file>& files, const omissions& left_out) {
+  record["folder"] = folder;
+  record["files"] = nlohmann::ordered_json::array();
+  for (const text_file& f : files) record["files"].push_back(f.path);
+  record["left_out"] = left_out.lines();
+  return record;
+}
+
+std::string usual_folder(const std::string& source) {
+  const std::string stem = std::filesystem::path(source).stem().string();
+  return (stem == "-" ? "display" : stem) + "-corrected";
+}
+
 }  // namespace
 
 int run_make(make_options o) {
-  if (o.output.empty()) {
-    const std::string stem = std::filesystem::path(o.source.source).stem().string();
-    o.output = (stem == "-" ? "display" : stem) + "-corrected";
-  }
+  if (o.output.empty()) o.output = usual_folder(o.source.source);
   refuse_to_replace(o.output, o.force);
   progress step(o.quiet);
 
@@ -177,19 +197,8 @@ int run_make(make_options o) {
   write_folder(o.output, files);
   remove_other_exports(o.output, files);
 
-  for (const std::string& line : warning_lines(job.result)) say(o, line);
-  for (const std::string& line : left_out.lines()) say(o, "Left out: " + line);
-  say(o, verdict_of(job));
-  say(o, loading_advice(o.output, o.wanted.device, job.names.set.mode));
-  say(o, "The report is " + o.output + "/report.html.");
-  if (o.json) {
-    nlohmann::ordered_json record = record_of(inputs, job);
-    record["folder"] = o.output;
-    record["files"] = nlohmann::ordered_json::array();
-    for (const text_file& f : files) record["files"].push_back(f.path);
-    record["left_out"] = left_out.lines();
-    print_record(record);
-  }
+  tell(o, job, left_out);
+  if (o.json) print_record(with_files(record_of(inputs, job), o.output, files, left_out));
   return status::done;
 }
 

@@ -75,15 +75,13 @@ bool span_a_gamut(const mat3& primaries) {
   return largest * sum_of_inverse < 1e9;  // real displays have some 10; false for what is not a number
 }
 
-// Whatever no way of making ramps can do without.
-void require_essentials(const readings& all, const sorted_readings& sorted) {
-  const auto full = [&](std::size_t r) { return !sorted.ramp[r].empty() && is_full(sorted.ramp[r].back()); };
+void require_grays(const readings& all, const sorted_readings& sorted) {
   const auto& gray = sorted.ramp[0];
   if (all.rows.empty()) refuse(all, "holds no readings");
   if (gray.size() < 2) {
     refuse_for_chart(all, "holds no gray ramp: measure at least five gray levels (R = G = B) from black to white");
   }
-  if (!full(0)) {
+  if (!is_full(gray.back())) {
     refuse_for_chart(all, "the brightest gray has a drive of " + percent(level(gray.back()), 2) +
                               ", expected a white at full drive: measure it too");
   }
@@ -98,9 +96,14 @@ void require_essentials(const readings& all, const sorted_readings& sorted) {
     refuse_for_chart(all, "the gray ramp has " + std::to_string(gray.size() + 1) +
                               " levels with black and white, expected at least five: measure more grays (R = G = B)");
   }
+}
+
+void require_primaries(const readings& all, const sorted_readings& sorted) {
   std::string missing;
   for (std::size_t c = 0; c < 3; ++c) {
-    if (!full(c + 1)) missing += (missing.empty() ? "" : ", ") + std::string(channel_names[c]);
+    const auto& ramp = sorted.ramp[c + 1];
+    if (ramp.empty() || !is_full(ramp.back()))
+      missing += (missing.empty() ? "" : ", ") + std::string(channel_names[c]);
   }
   if (missing.empty()) {
     if (span_a_gamut(full_primaries(sorted))) return;
@@ -292,7 +295,9 @@ void decide(ramp_choice& choice) {
 
 ramp_choice ramps(const readings& all, ramp_source how) {
   const sorted_readings sorted = sort_readings(all);
-  require_essentials(all, sorted);
+  // What no way of making ramps can do without.
+  require_grays(all, sorted);
+  require_primaries(all, sorted);
   const auto shared = shared_levels(sorted);
   ramp_choice choice;
   choice.measured_levels = shared.empty() ? 0 : shared.size() + 1;
