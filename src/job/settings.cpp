@@ -68,8 +68,8 @@ void require_gray_ramp(const settings& s) {
   const auto& [x, y] = s.white->v;
   const std::string given = (free_format(x) + free_format(y)).substr(1);
   require(s.temp < 0, "white", given, "goes without temp: one of the two tells the colour of the grays");
-  require(std::isfinite(x) && std::isfinite(y) && y > 0 && x + y <= 1, "white", given,
-          "no chromaticity x, y: y must be above 0, and x + y at most 1");
+  require(std::isfinite(x) && std::isfinite(y) && x >= 0 && y > 0 && x + y <= 1, "white", given,
+          "no chromaticity x, y: x must not be below 0, y must be above 0, and x + y at most 1");
 }
 
 }  // namespace
