@@ -38,12 +38,12 @@ int run_export(const export_verb_options& o) {
   const exported made = export_job(job, parse_provenance(read_input(o.folder + "/measurements.txt")), o.how);
   const std::vector<std::string> names = put(made, format, o);
   for (const std::string& name : names) say(o, name);
-  if (made.calibration != calibration_use::none) say(o, "note: " + calibration_note(made.calibration));
+  if (made.calibration != calibration_use::none) say(o, "note: " + made.calibration_words);
   if (made.clamped > 0) say(o, "note: " + std::to_string(made.clamped) + " entries were clamped to their range");
   if (o.json) {
     const nlohmann::ordered_json record = {{"format", format.name},
                                            {"files", names},
-                                           {"calibration", calibration_note(made.calibration)},
+                                           {"calibration", made.calibration_words},
                                            {"clamped", made.clamped}};
     print_record(record);
   }

@@ -177,6 +177,14 @@ std::pair<std::optional<calibration_curves>, calibration_use> calibration_of(con
   return {std::nullopt, calibration_use::in_force};
 }
 
+// A profile of the display as measured has no entries to speak of.
+std::string words_about(calibration_use use, const export_format& format) {
+  if (std::string_view(format.name) != "monitor-icc") return calibration_note(use);
+  return use == calibration_use::none
+             ? "The display as measured: no calibration was in effect, or none is to be looked at."
+             : "The display as measured: the calibration that was in effect has to stay loaded.";
+}
+
 std::string title_of(const provenance& known, const export_options& o) {
   if (!o.title.empty()) return o.title;
   if (!known.display.empty()) return known.display + ", corrected";
@@ -207,10 +215,11 @@ exported export_job(const solved_job& job, const provenance& known, const export
   const description about{
       .title = title_of(known, o),
       .comments = {"Made by corvantile-kit " CORVANTILE_VERSION ", mode " + std::string(name_of(job.names.set.mode)),
-                   calibration_note(use)},
+                   words_about(use, found->format)},
       .created = now()};
   exported made = found->write(found->format, {job, known, o, about, compose});
   made.calibration = use;
+  made.calibration_words = words_about(use, found->format);
   return made;
 }
 

@@ -31,7 +31,8 @@ struct export_options {
 struct exported {
   std::vector<file_content> files;
   calibration_use calibration = calibration_use::none;
-  std::size_t clamped = 0;  ///< entries that did not fit their integers
+  std::string calibration_words = {};  ///< the sentence about it, as the files have it
+  std::size_t clamped = 0;             ///< entries that did not fit their integers
 };
 
 /// A format of the table below.
