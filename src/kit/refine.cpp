@@ -76,7 +76,8 @@ std::vector<text_file> kept(const std::string& folder, const nlohmann::ordered_j
   const int round = round_of(record);
   const std::string to = round_folder(round) + '/';
   std::vector<text_file> files;
-  for (const std::string& name : listed_files(record)) files.push_back({to + name, read_input(folder + '/' + name)});
+  for (const std::string& name : listed_files(record))
+    files.push_back({to + name, read_input(fs::path(folder) / name)});
   files.push_back({to + after_name, after});
   for (int r = 1; r < round; ++r) {
     std::error_code none;
@@ -173,7 +174,7 @@ int run_refine(const refine_options& o) {
   say(o, folder + " holds the new tables, " + folder + '/' + aside + " the old ones" +
              (moved.empty() ? "" : " with " + joined(moved) + ": export again"));
   say(o, "Load them and measure again: corvantile-kit verify " + folder + " AFTER");
-  if (o.json) write_output("-", record_of(inputs, second).dump(2) + '\n', true);
+  if (o.json) print_record(record_of(inputs, second));
   return status::done;
 }
 

@@ -71,8 +71,11 @@ int run_report(const report_options& o) {
 }
 
 int run_verify(const verify_options& o) {
+  const bool into_file = !o.output.empty() && o.output != "-";
+  if (into_file) refuse_to_replace(o.output, o.force);
   const opened job = open(o.folder, "", o.after);
   const measured_record& m = *job.data.measured;
+  if (into_file || !o.json) write_output(o.output, text_of(m), o.force);
   if (o.json) {
     nlohmann::ordered_json record = {
         {"verdict", m.verdict}, {"diagnosis", m.diagnosis}, {"patches", m.patches.size()}};
@@ -80,8 +83,6 @@ int run_verify(const verify_options& o) {
     record["all"] = summary(m.all);
     record["from_prediction"] = summary(m.all_from_predicted);
     print_record(record);
-  } else {
-    write_output(o.output, text_of(m), o.force);
   }
   return o.strict && !(m.grays.mean <= o.limit) ? status::findings : status::done;
 }
