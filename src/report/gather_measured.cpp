@@ -121,10 +121,10 @@ distances distances_of(const scene& sc, const std::vector<reading>& readings) {
           .other_white = mean_from(adapted(readings, white), white, after)};
 }
 
+constexpr double alike = 1.5;  // a difference that model and instrument may well leave
+
 loading loading_of(const distances& d) {
   constexpr double good = 3;  // a display and an instrument repeat themselves better than that
-  constexpr double alike =
-      1.5;  // where loaded and not loaded are both that near, the model decides as much as they do
   const auto likely = [&](double other) { return other < d.once && (other <= good || 2 * other < d.once); };
   if (d.once <= good && d.once <= d.none && d.once <= d.twice) return loading::once;
   if (d.once <= alike && d.none < d.once && d.none <= d.twice) return loading::too_mild;
@@ -135,9 +135,14 @@ loading loading_of(const distances& d) {
   return loading::unclear;
 }
 
-const char* words_for(loading loaded) {
+const char* words_for(loading loaded, const distances& d) {
   switch (loaded) {
     case loading::once:
+      if (d.once > alike) {
+        return "The tables are loaded, once, but the display does not do quite what was predicted: it may have "
+               "changed since the first measurement, or its channels do not add up. corvantile-kit refine brings the "
+               "grays to their target.";
+      }
       return "The tables are loaded, once, and the display does what was predicted.";
     case loading::too_mild:
       return "The display does about what was predicted, but the tables change so little that nobody can tell "
@@ -194,7 +199,7 @@ void gather_measured(report_data& data, const report_source& source, const std::
               svg::number(m.grays.mean, 2) + ", largest " + svg::number(m.grays.max, 2) + ".";
   const distances d = distances_of(sc, read);
   m.loaded = loading_of(d);
-  m.diagnosis = {words_for(m.loaded), figures_of(d)};
+  m.diagnosis = {words_for(m.loaded, d), figures_of(d)};
   add_to_ramps(data.differences, m.patches);
   data.gray.measured = measured_grays(sc, read);
   data.gamut.measured = measured_corners(read);
