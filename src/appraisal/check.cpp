@@ -14,8 +14,6 @@
 namespace corvantile {
 namespace {
 
-constexpr vec2 d65{{0.3127, 0.3290}};  // x, y as ITU-R BT.709 and IEC 61966-2-1 round them
-
 // Rows of the samples with one drive: `drive` has 0 and 1 only.
 std::vector<std::size_t> rows_at(const monitor& mon, const vec3& drive) {
   std::vector<std::size_t> rows;
@@ -95,7 +93,7 @@ quality check_measurements(const measurements& samples, const provenance& known)
   q.dark = mon.darklight;
   q.white = mon.whitepoint;
   double sum = 0;
-  primaries_xy native;
+  std::array<vec2, 3> native;
   for (std::size_t c = 0; c < 3; ++c) {
     q.primaries[c] = primary_of(mon, c, q.derived_ramps);
     native[c] = chromaticity(q.primaries[c]);
@@ -112,7 +110,7 @@ quality check_measurements(const measurements& samples, const provenance& known)
   q.white_xy = chromaticity(q.white);
   q.white_cct = xyz2cct(q.white_xy);
   q.white_from_d65 = uv1976_distance(q.white_xy, d65);
-  q.gamut = compare_gamut(native);
+  q.gamut = compare_gamut({.red = native[0], .green = native[1], .blue = native[2], .white = q.white_xy});
   q.numsegs = largest_numsegs(mon);
   q.warnings = judge(samples, mon);
   q.findings = findings_of(q);

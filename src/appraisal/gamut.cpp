@@ -1,10 +1,7 @@
 #include "appraisal/gamut.hpp"
 
-#include <algorithm>
 #include <cmath>
 #include <utility>
-
-#include "colour/chromaticity.hpp"
 
 namespace corvantile {
 namespace {
@@ -14,26 +11,16 @@ double cross(const vec2& a, const vec2& b, const vec2& c) {
   return (b[0] - a[0]) * (c[1] - a[1]) - (b[1] - a[1]) * (c[0] - a[0]);
 }
 
-std::array<vec2, 3> in_uv1976(const primaries_xy& p) { return {uv1976(p[0]), uv1976(p[1]), uv1976(p[2])}; }
-
 }  // namespace
 
-vec2 uv1976(const vec2& xy) {
-  const vec2 uv = xy2uv_vec(xy);
-  return {{uv[0], 1.5 * uv[1]}};
-}
-
 double uv1976_distance(const vec2& xy_a, const vec2& xy_b) {
-  const vec2 d = uv1976(xy_a) - uv1976(xy_b);
+  const vec2 d = xy2uv1976(xy_a) - xy2uv1976(xy_b);
   return std::hypot(d[0], d[1]);
 }
 
-constexpr std::array<standard_gamut, 4> standard_gamuts{{
-    {"sRGB", {{{{0.640, 0.330}}, {{0.300, 0.600}}, {{0.150, 0.060}}}}},
-    {"Display P3", {{{{0.680, 0.320}}, {{0.265, 0.690}}, {{0.150, 0.060}}}}},
-    {"Adobe RGB", {{{{0.640, 0.330}}, {{0.210, 0.710}}, {{0.150, 0.060}}}}},
-    {"BT.2020", {{{{0.708, 0.292}}, {{0.170, 0.797}}, {{0.131, 0.046}}}}},
-}};
+std::array<vec2, 3> primaries_in_uv1976(const chromaticity_table& xy) {
+  return {xy2uv1976(xy.red), xy2uv1976(xy.green), xy2uv1976(xy.blue)};
+}
 
 double polygon_area(const std::vector<vec2>& corners) {
   double twice = 0;
@@ -57,14 +44,19 @@ std::vector<vec2> clipped(std::vector<vec2> subject, const std::array<vec2, 3>& 
   return subject;
 }
 
-std::array<gamut_comparison, 4> compare_gamut(const primaries_xy& display) {
-  const std::array<vec2, 3> own = in_uv1976(display);
+double coverage(const std::array<vec2, 3>& display, const std::array<vec2, 3>& wanted) {
+  const auto area = [](const std::array<vec2, 3>& t) { return polygon_area({t.begin(), t.end()}); };
+  const double share = polygon_area(clipped({wanted.begin(), wanted.end()}, display)) / area(wanted);
+  return std::isfinite(area(display)) && std::isfinite(share) ? share : std::nan("");
+}
+
+std::array<gamut_comparison, 4> compare_gamut(const chromaticity_table& display) {
+  const std::array<vec2, 3> own = primaries_in_uv1976(display);
   std::array<gamut_comparison, 4> all;
   for (std::size_t i = 0; i < all.size(); ++i) {
-    const std::array<vec2, 3> standard = in_uv1976(standard_gamuts[i].primaries);
+    const std::array<vec2, 3> standard = primaries_in_uv1976(standard_gamuts[i].xy);
     const double whole = polygon_area({standard.begin(), standard.end()});
-    all[i] = {standard_gamuts[i].name, polygon_area({own.begin(), own.end()}) / whole,
-              polygon_area(clipped({standard.begin(), standard.end()}, own)) / whole};
+    all[i] = {standard_gamuts[i].name, polygon_area({own.begin(), own.end()}) / whole, coverage(own, standard)};
   }
   return all;
 }

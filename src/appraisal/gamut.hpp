@@ -5,25 +5,23 @@
 #include <string_view>
 #include <vector>
 
-#include "numerics/matrix.hpp"
+#include "colour/standards.hpp"
 
 namespace corvantile {
-
-/// u' = 4x / (12y - 2x + 3), v' = 9y / (12y - 2x + 3): CIE 1976 uniform chromaticity. CIE 15.2 (1986).
-vec2 uv1976(const vec2& xy);
 
 /// Distance of two chromaticities x, y in u'v'.
 double uv1976_distance(const vec2& xy_a, const vec2& xy_b);
 
-using primaries_xy = std::array<vec2, 3>;  ///< x, y of red, green, blue
-
 struct standard_gamut {
   std::string_view name;
-  primaries_xy primaries;
+  chromaticity_table xy;
 };
 
-/// sRGB (IEC 61966-2-1), Display P3 (SMPTE EG 432-1 primaries), Adobe RGB (1998), BT.2020 (ITU-R BT.2020-2).
-extern const std::array<standard_gamut, 4> standard_gamuts;
+inline constexpr std::array<standard_gamut, 4> standard_gamuts{
+    {{"sRGB", srgb}, {"Display P3", display_p3}, {"Adobe RGB", adobe_rgb}, {"BT.2020", bt2020}}};
+
+/// The primaries in u'v', red first.
+std::array<vec2, 3> primaries_in_uv1976(const chromaticity_table& xy);
 
 /// The gamut of one display beside one of these.
 struct gamut_comparison {
@@ -39,6 +37,11 @@ double polygon_area(const std::vector<vec2>& corners);
 /// Empty where they do not meet. Sutherland and Hodgman, Communications of the ACM 17 (1974).
 std::vector<vec2> clipped(std::vector<vec2> subject, const std::array<vec2, 3>& window);
 
-std::array<gamut_comparison, 4> compare_gamut(const primaries_xy& display);
+/// The share, 0 to 1, of the area of triangle `wanted` that lies within triangle `display`; either sense of rotation.
+/// Not a number where `wanted` has no area or a corner is not finite.
+double coverage(const std::array<vec2, 3>& display, const std::array<vec2, 3>& wanted);
+
+/// The white of `display` does not matter.
+std::array<gamut_comparison, 4> compare_gamut(const chromaticity_table& display);
 
 }  // namespace corvantile

@@ -38,19 +38,21 @@ outcome::primaries primaries_of(const correction& result, const settings& set) {
           .moved = two.distances};
 }
 
-}  // namespace
-
-matrix gray_targets(const correction& result, const settings& set) {
-  const std::size_t n = result.gray.rows();
-  const std::vector<double> s = linspace(0.0, 1.0, n);
+// The colours that the display is meant to show for the inputs of a gray ramp. With a gray match, that is the tone
+// curve times the white of `grays`, those that it is expected to show, and towards black the dark light (see
+// `colortemp_lut`); else the ideal display of the two-table solution.
+matrix gray_targets(const correction& result, const settings& set, const matrix& grays) {
+  const std::vector<double> s = linspace(0.0, 1.0, grays.rows());
   if (!matches_gray(result.mode)) return syn_inp2out_mat(result.two->mod_smon, in_all_channels(s));
-  const vec3 top = row3(expected_grays(result, set), n - 1);
+  const vec3 top = row3(grays, grays.rows() - 1);
   const interpolator tone(result.tone);
-  matrix targets(n, 3);
-  for (std::size_t i = 0; i < n; ++i)
+  matrix targets(grays.rows(), 3);
+  for (std::size_t i = 0; i < s.size(); ++i)
     set_row3(targets, i, tone(s[i]) * top + dark_share(s[i], set.alpha) * result.display.darklight);
   return targets;
 }
+
+}  // namespace
 
 outcome outcome_of(const correction& result, const settings& set) {
   const std::size_t n = result.gray.rows();
@@ -65,7 +67,7 @@ outcome outcome_of(const correction& result, const settings& set) {
   if (result.two) figures.gamut = primaries_of(result, set);
 
   const matrix lab = xyz2lab_mat(grays, figures.white_after);
-  figures.gray_differences = deltae2000_mat(xyz2lab_mat(gray_targets(result, set), figures.white_after), lab);
+  figures.gray_differences = deltae2000_mat(xyz2lab_mat(gray_targets(result, set, grays), figures.white_after), lab);
   double sum = 0;
   std::size_t count = 0;
   for (const double d : figures.gray_differences) {

@@ -10,11 +10,6 @@
 
 namespace corvantile {
 
-/// The colours that the display is meant to show for the inputs of a gray ramp, tlen x 3: X, Y, Z in the unit of the
-/// measurements. With a gray match, that is the tone curve times the white, and towards black the dark light (see
-/// `colortemp_lut`); else the ideal display of the two-table solution.
-matrix gray_targets(const correction& result, const settings& set);
-
 /// Luminances are in the unit of the measurements; colours X, Y, Z; chromaticities CIE 1931 x, y.
 struct outcome {
   vec3 white_before, white_after;

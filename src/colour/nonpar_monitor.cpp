@@ -135,9 +135,6 @@ void search_again(const prepared_monitor& mon, std::vector<gray_level>& levels) 
   for (std::size_t i = 1; i + 1 < levels.size(); ++i) search_from(mon, levels[i], levels[i - 1].inp);
 }
 
-vec3 each(const vec3& a, const vec3& b) { return {{a[0] * b[0], a[1] * b[1], a[2] * b[2]}}; }
-vec3 each_divided(const vec3& a, const vec3& b) { return {{a[0] / b[0], a[1] / b[1], a[2] / b[2]}}; }
-
 // How the grays of a ramp differ from what they would be without factors: by their colour, and relative to white.
 class relative_factors {
  public:
@@ -155,11 +152,11 @@ gray_search gray_ramp(matrix& tab, const prepared_monitor& mon, const ramp_top& 
   const std::size_t n = tab.rows();
   const interpolator tone(curve);
   const relative_factors corrected(factors);
-  const vec3 plain_top = factors.empty() ? top.xyz : each_divided(top.xyz, corrected.at_white());
+  const vec3 plain_top = factors.empty() ? top.xyz : elementwise_quotient(top.xyz, corrected.at_white());
   const auto target = [&](std::size_t i) {
     const double s = static_cast<double>(i) / static_cast<double>(n - 1);
     const vec3 plain = tone(s) * plain_top + dark_share(s, g0) * mon.source().darklight;
-    return factors.empty() ? plain : each(corrected.at(s), plain);
+    return factors.empty() ? plain : elementwise_product(corrected.at(s), plain);
   };
   std::vector<gray_level> levels(n);
   levels[n - 1] = {top.xyz, top.inp, 0};
@@ -175,7 +172,7 @@ gray_search gray_ramp(matrix& tab, const prepared_monitor& mon, const ramp_top& 
 
 // The brightest colour that is `base` once it is divided by the factors.
 ramp_top top_for(const prepared_monitor& mon, const vec3& base, const gray_factors& factors) {
-  return ramptop(mon, factors.empty() ? base : each(relative_factors(factors).at_white(), base));
+  return ramptop(mon, factors.empty() ? base : elementwise_product(relative_factors(factors).at_white(), base));
 }
 
 }  // namespace
@@ -217,13 +214,8 @@ lut make_gamma_table(double gamma, int n) {
 gray_search colortemp_lut(matrix& tab, const monitor& mon, double T, const lut& curve, double g0, double hwid,
                           bool restart, const gray_factors& factors) {
   const prepared_monitor prepared(mon);
-  vec3 base = base_of_temperature(mon, T);
-  if (hwid > 0) {
-    const ramp_top top = bcgtw(prepared, T, hwid);
-    if (factors.empty()) return gray_ramp(tab, prepared, top, curve, g0, restart, factors);
-    base = base_of_chromaticity(mon, top.xyz);
-  }
-  return gray_ramp(tab, prepared, top_for(prepared, base, factors), curve, g0, restart, factors);
+  const ramp_top top = hwid > 0 ? bcgtw(prepared, T, hwid) : top_for(prepared, base_of_temperature(mon, T), factors);
+  return gray_ramp(tab, prepared, top, curve, g0, restart, factors);
 }
 
 static gray_search lut_of_base(matrix& tab, const monitor& mon, const vec3& base, const lut& curve, double g0,

@@ -75,7 +75,7 @@ lut make_gamma_table(double gamma, int n);
 /// searched again, from the linear model's answer and from their neighbours; the others keep their bits.
 ///
 /// With `factors`, the target above is multiplied by them, and the top is the brightest colour that keeps the
-/// temperature when it is divided by them. The swath of `hwid` is searched without them.
+/// temperature when it is divided by them. They go without a swath: where there are any, `hwid` is to be 0.
 gray_search colortemp_lut(matrix& tab, const monitor& mon, double T, const lut& curve, double g0, double hwid,
                           bool restart = false, const gray_factors& factors = {});
 

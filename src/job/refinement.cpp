@@ -48,9 +48,6 @@ void check_grays(const measured_grays& grays) {
     refuse_content(grays.name, "holds no full white");
 }
 
-vec3 each(const vec3& a, const vec3& b) { return {{a[0] * b[0], a[1] * b[1], a[2] * b[2]}}; }
-vec3 each_divided(const vec3& a, const vec3& b) { return {{a[0] / b[0], a[1] / b[1], a[2] / b[2]}}; }
-
 // The share of its light that a channel at full drive loses to the others within white. Ramps that were derived from
 // the white one take that for the channel's own; what it shows alone stands among the extra samples then. Nothing for
 // ramps that were read one by one.
@@ -93,7 +90,7 @@ class first_grays {
     const double x = std::max(s, darkest_);
     return {{local_line(ratio_[0], x, reach), local_line(ratio_[1], x, reach), local_line(ratio_[2], x, reach)}};
   }
-  vec3 shown(double s) const { return each(by_model(s), ratio(s)); }
+  vec3 shown(double s) const { return elementwise_product(by_model(s), ratio(s)); }
 
   // What the model is to be asked for, so that the display shows `wanted`, which is as bright as it is at `s`.
   //
@@ -101,7 +98,7 @@ class first_grays {
   vec3 asked(const vec3& wanted, double s) const {
     const monitor& m = first_.measured;
     const vec3 old = m.XYZ2RGB * (by_model(s) - m.darklight);
-    vec3 light = m.XYZ2RGB * (each_divided(wanted, ratio(s)) - m.darklight);
+    vec3 light = m.XYZ2RGB * (elementwise_quotient(wanted, ratio(s)) - m.darklight);
     for (std::size_t c = 0; c < 3; ++c) {
       if (loss_[c] == 0 || !(old[c] > 0) || !(light[c] > 0)) continue;
       light[c] = old[c] * std::pow(light[c] / old[c], slope_of_derived(loss_[c], std::sqrt(old[c] * light[c])));
@@ -114,7 +111,7 @@ class first_grays {
     std::vector<double> drive, weight;
     std::array<std::vector<double>, 3> ratios;
     for (const measured_gray& g : grays) {
-      const vec3 r = each_divided(g.xyz, by_model(g.drive));
+      const vec3 r = elementwise_quotient(g.xyz, by_model(g.drive));
       const bool modelled = std::ranges::all_of(r.v, [](double v) { return v > 0 && std::isfinite(v); });
       if (!modelled || !is_lit(g)) continue;
       drive.push_back(g.drive);
@@ -183,7 +180,7 @@ refinement refine_grays(const correction& first, const settings& set, const meas
     const bool last = i + 1 == points;
     const double at = last ? top.at : drive_of(wanted[1], [&](double s) { return round.shown(s)[1]; });
     const vec3 plain = tone(drive[i]) * top.model * top.base + share * first.display.darklight;
-    factor[i] = promised * each_divided(round.asked(wanted, at), plain);
+    factor[i] = promised * elementwise_quotient(round.asked(wanted, at), plain);
   }
   refinement made{make_gray_factors(grays.name, drive, factor), {}};
   for (const measured_gray& g : grays.levels) made.smoothed.push_back(round.shown(g.drive));

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-#include "colour/chromaticity.hpp"
+#include "colour/standards.hpp"
 #include "matching/matching.hpp"
 
 namespace corvantile {
@@ -18,10 +18,6 @@ constexpr bool matches_gray(match_mode m) { return m != match_mode::cv2; }
 /// "CV1", "CV2" or "CV2_1", or the same in lower case; nothing for any other name.
 std::optional<match_mode> mode_named(std::string_view name);
 std::string_view name_of(match_mode mode);
-
-/// White and primaries of the sRGB standard, IEC 61966-2-1.
-inline constexpr chromaticity_table srgb{
-    .red = {{0.64, 0.33}}, .green = {{0.3, 0.6}}, .blue = {{0.15, 0.06}}, .white = {{0.3127, 0.329}}};
 
 /// The defaults are those of the settings group. `check_settings` says which values can give a result.
 struct settings {

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "appraisal/gamut.hpp"
 #include "formats/writers/text_form.hpp"
 #include "kit/dates.hpp"
 #include "kit/words.hpp"
@@ -20,14 +21,19 @@ std::string white_in_words(const settings& set) {
   return set.white ? "grays at " + xy(*set.white) : "grays of the display's own white";
 }
 
+std::string primaries_in_words(const settings& set) {
+  if (!solves_two_tables(set.mode)) return "the display's own primaries";
+  for (const standard_gamut& s : standard_gamuts) {
+    chromaticity_table asked = set.xytable;
+    asked.white = s.xy.white;
+    if (asked == s.xy) return std::string(s.name) + " primaries";
+  }
+  return "primaries as asked for";
+}
+
 std::string target_in_words(const profile& p) {
   const std::string curve = p.gamfile.empty() ? "gamma " + decimal(p.set.gamma, 2) : "the curve of a gamma file";
-  const std::string primaries =
-      !solves_two_tables(p.set.mode) ? "the display's own primaries"
-      : p.set.xytable.red == srgb.red && p.set.xytable.green == srgb.green && p.set.xytable.blue == srgb.blue
-          ? "sRGB primaries"
-          : "primaries as asked for";
-  return primaries + ", " + curve + ", " + white_in_words(p.set);
+  return primaries_in_words(p.set) + ", " + curve + ", " + white_in_words(p.set);
 }
 
 trust_record trust_of(const solved_job& job, const checked& measured, const report_wishes& wishes) {

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <utility>
 
-#include "colour/chromaticity.hpp"
+#include "colour/standards.hpp"
 #include "driver/gamma_file.hpp"
 #include "kit/files.hpp"
 #include "utils/decimal.hpp"
@@ -16,8 +16,6 @@
 namespace corvantile::kit {
 namespace {
 
-constexpr vec2 d65{{0.3127, 0.3290}};
-constexpr vec2 d50{{0.3457, 0.3585}};
 constexpr int two_table_rows = 4096;
 
 struct named_target {
@@ -25,13 +23,11 @@ struct named_target {
   const char* source;
   chromaticity_table xy;
 };
-// Primaries as the standards print them; the white of all is D65.
-constexpr std::array<named_target, 5> targets{
-    {{"srgb", "sRGB, IEC 61966-2-1", srgb},
-     {"rec709", "ITU-R BT.709", srgb},
-     {"display-p3", "Display P3", {{{0.68, 0.32}}, {{0.265, 0.69}}, {{0.15, 0.06}}, d65}},
-     {"adobe-rgb", "Adobe RGB (1998)", {{{0.64, 0.33}}, {{0.21, 0.71}}, {{0.15, 0.06}}, d65}},
-     {"bt2020", "ITU-R BT.2020", {{{0.708, 0.292}}, {{0.17, 0.797}}, {{0.131, 0.046}}, d65}}}};
+constexpr std::array<named_target, 5> targets{{{"srgb", "sRGB, IEC 61966-2-1", srgb},
+                                               {"rec709", "ITU-R BT.709", srgb},
+                                               {"display-p3", "Display P3", display_p3},
+                                               {"adobe-rgb", "Adobe RGB (1998)", adobe_rgb},
+                                               {"bt2020", "ITU-R BT.2020", bt2020}}};
 
 [[noreturn]] void refuse(const char* option, const std::string& value, const std::string& why) {
   throw failure(fault::setting, std::string(option) + " " + value + ": " + why);

@@ -5,6 +5,7 @@
 #include "colour/chromaticity.hpp"
 #include "colour/color_metrics.hpp"
 #include "colour/gray_factors.hpp"
+#include "colour/standards.hpp"
 #include "job/correction.hpp"
 #include "job/settings.hpp"
 #include "job/tone_samples.hpp"

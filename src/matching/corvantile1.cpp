@@ -41,8 +41,7 @@ gray_match cv1(const monitor& mon, const gray_ramp_params& params, const lut& ga
   if (!temperatures.top) return match;
 
   matrix shaded(tab.rows(), 3);
-  match.top = colortemp_lut(shaded, mon, *temperatures.top, gammalut, params.alpha, params.hwid, params.restart,
-                            params.factors);
+  match.top = colortemp_lut(shaded, mon, *temperatures.top, gammalut, params.alpha, params.hwid, params.restart);
   // Rows are counted from 1 here, and a shading that would begin before the first begins there. One that begins in
   // the last has t = 0/0 there, and the row is not a number: kept so.
   const auto R = static_cast<double>(tab.rows());

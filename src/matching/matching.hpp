@@ -82,7 +82,7 @@ struct gray_ramp_params {
   double hwid = 0;     ///< half-width, in CIE 1960 uv, of the swath searched for a brighter top
   std::optional<vec2> white = {};  ///< the constant chromaticity, x and y; absent: the monitor's own white
   bool restart = false;            ///< search levels that were not found a second time, see `colortemp_lut`
-  gray_factors factors = {};       ///< what the wanted colours are multiplied by
+  gray_factors factors = {};       ///< of the wanted colours; they go without `wptemp` and `hwid`
 };
 
 /// The smooth step t^2 (3 - 2t), for t from 0 to 1.

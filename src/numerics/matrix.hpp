@@ -39,6 +39,10 @@ constexpr vec3 operator+(const vec3& a, const vec3& b) { return {{a[0] + b[0], a
 constexpr vec3 operator-(const vec3& a, const vec3& b) { return {{a[0] - b[0], a[1] - b[1], a[2] - b[2]}}; }
 constexpr vec3 operator*(double r, const vec3& a) { return {{r * a[0], r * a[1], r * a[2]}}; }
 constexpr vec3 operator/(const vec3& a, double r) { return {{a[0] / r, a[1] / r, a[2] / r}}; }
+constexpr vec3 elementwise_product(const vec3& a, const vec3& b) { return {{a[0] * b[0], a[1] * b[1], a[2] * b[2]}}; }
+constexpr vec3 elementwise_quotient(const vec3& a, const vec3& b) {
+  return {{a[0] / b[0], a[1] / b[1], a[2] / b[2]}};
+}
 
 constexpr double dot(const vec2& a, const vec2& b) { return a[0] * b[0] + a[1] * b[1]; }
 inline double length(const vec2& a) { return std::sqrt(dot(a, a)); }

@@ -4,14 +4,15 @@
 #include <cmath>
 #include <numbers>
 #include <string>
+#include <string_view>
 #include <utility>
 
+#include "appraisal/gamut.hpp"
 #include "appraisal/outcome.hpp"
 #include "colour/chromaticity.hpp"
 #include "colour/color_metrics.hpp"
 #include "colour/nonpar_monitor.hpp"
 #include "report/banding.hpp"
-#include "report/coverage.hpp"
 #include "report/scene.hpp"
 #include "report/svg.hpp"
 #include "report/test_patches.hpp"
@@ -23,16 +24,6 @@ constexpr int largest_code = 255;
 constexpr int ramp_step = 5;  // codes
 constexpr std::size_t program_samples = 200;
 constexpr double moved_visibly = 0.002;  // u'v'
-
-struct colour_space {
-  const char* name;
-  triangle primaries;  // x, y
-};
-// IEC 61966-2-1 (the primaries of ITU-R BT.709), SMPTE EG 432-1, Adobe RGB (1998), ITU-R BT.2020.
-constexpr std::array<colour_space, 4> spaces{{{"sRGB, BT.709", {{{{.64, .33}}, {{.30, .60}}, {{.15, .06}}}}},
-                                              {"Display P3", {{{{.68, .32}}, {{.265, .69}}, {{.15, .06}}}}},
-                                              {"Adobe RGB", {{{{.64, .33}}, {{.21, .71}}, {{.15, .06}}}}},
-                                              {"BT.2020", {{{{.708, .292}}, {{.17, .797}}, {{.131, .046}}}}}}};
 
 // ---- The gray axis ----
 
@@ -129,14 +120,15 @@ gamut_record gamut(const scene& sc) {
   gamut_record g;
   g.before = corners_of([&](const vec3& u) { return sc.before(u); });
   g.after = corners_of([&](const vec3& u) { return sc.after(u); });
-  const auto add = [&](const char* name, const triangle& uv) {
-    g.coverage.push_back({name, coverage(g.before.primaries_uv, uv), coverage(g.after.primaries_uv, uv)});
+  const auto add = [&](std::string_view name, const triangle& uv) {
+    g.coverage.push_back(
+        {std::string(name), coverage(g.before.primaries_uv, uv), coverage(g.after.primaries_uv, uv)});
   };
   if (sc.source.primaries) {
     g.asked = gamut_corners{in_uv(*sc.source.primaries), xy2uv1976(sc.source.white)};
     add("asked for", g.asked->primaries_uv);
   }
-  for (const colour_space& s : spaces) add(s.name, in_uv(s.primaries));
+  for (const standard_gamut& s : standard_gamuts) add(s.name, primaries_in_uv1976(s.xy));
   return g;
 }
 

@@ -1,5 +1,6 @@
 #include "appraisal/gamut.hpp"
 
+#include <cmath>
 #include <gtest/gtest.h>
 
 namespace corvantile {
@@ -11,8 +12,8 @@ TEST(UniformChromaticity, OfD65AndOfSrgbIsAsPublished) {
                                         {{{0.30, 0.60}}, {{0.1250, 0.5625}}},
                                         {{{0.15, 0.06}}, {{0.1754, 0.1579}}}};
   for (const auto& [xy, want] : rows) {
-    EXPECT_NEAR(uv1976(xy)[0], want[0], 5e-5);
-    EXPECT_NEAR(uv1976(xy)[1], want[1], 5e-5);
+    EXPECT_NEAR(xy2uv1976(xy)[0], want[0], 5e-5);
+    EXPECT_NEAR(xy2uv1976(xy)[1], want[1], 5e-5);
   }
 }
 
@@ -35,14 +36,28 @@ TEST(Clipping, LeavesTheCommonPartWhateverTheSenseOfRotation) {
   }
 }
 
+TEST(Coverage, IsTheShareOfTheCommonArea) {
+  const std::array<vec2, 3> half{{{{0, 0}}, {{1, 0}}, {{0, 1}}}}, turned{{{{0, 0}}, {{0, 1}}, {{1, 0}}}};
+  const std::array<vec2, 3> small{{{{0, 0}}, {{0.5, 0}}, {{0, 0.5}}}}, far{{{{5, 5}}, {{6, 5}}, {{5, 6}}}},
+      line{{{{0, 0}}, {{1, 1}}, {{2, 2}}}};
+  const std::array<vec2, 3> upside{{{{1, 1}}, {{0, 1}}, {{1, 0}}}}, shifted{{{{0.5, 0}}, {{1.5, 0}}, {{0.5, 1}}}};
+  EXPECT_DOUBLE_EQ(coverage(half, half), 1);
+  EXPECT_DOUBLE_EQ(coverage(turned, small), 1) << "either sense of rotation";
+  EXPECT_DOUBLE_EQ(coverage(small, turned), 0.25);
+  EXPECT_DOUBLE_EQ(coverage(shifted, half), 0.25) << "two edges cross";
+  EXPECT_NEAR(coverage(upside, half), 0, 1e-15) << "an edge in common";
+  EXPECT_DOUBLE_EQ(coverage(far, half), 0);
+  EXPECT_TRUE(std::isnan(coverage(half, line)));
+}
+
 TEST(Gamut, OfOneStandardBesideTheOthers) {
-  const auto srgb = compare_gamut(standard_gamuts[0].primaries), wide = compare_gamut(standard_gamuts[3].primaries);
-  EXPECT_NEAR(srgb[0].area, 1, 1e-12);
-  EXPECT_NEAR(srgb[0].coverage, 1, 1e-12);
-  EXPECT_NEAR(srgb[3].coverage, srgb[3].area, 1e-12) << "sRGB lies within BT.2020";
+  const auto small = compare_gamut(srgb), wide = compare_gamut(bt2020);
+  EXPECT_NEAR(small[0].area, 1, 1e-12);
+  EXPECT_NEAR(small[0].coverage, 1, 1e-12);
+  EXPECT_NEAR(small[3].coverage, small[3].area, 1e-12) << "sRGB lies within BT.2020";
   EXPECT_NEAR(wide[0].coverage, 1, 1e-12);
-  EXPECT_NEAR(srgb[3].area * wide[0].area, 1, 1e-12);
-  const auto p3 = compare_gamut(standard_gamuts[1].primaries), adobe = compare_gamut(standard_gamuts[2].primaries);
+  EXPECT_NEAR(small[3].area * wide[0].area, 1, 1e-12);
+  const auto p3 = compare_gamut(display_p3), adobe = compare_gamut(adobe_rgb);
   EXPECT_LT(adobe[1].coverage, 0.99 * adobe[1].area) << "neither of these two contains the other";
   EXPECT_NEAR(adobe[1].coverage, adobe[1].area * p3[2].coverage, 1e-12) << "they share one common part";
 }

@@ -3,26 +3,11 @@
 #include <gtest/gtest.h>
 
 #include "report/banding.hpp"
-#include "report/coverage.hpp"
 #include "report/target.hpp"
 #include "shown_display.hpp"
 
 namespace corvantile {
 namespace {
-
-TEST(Coverage, IsTheShareOfTheCommonArea) {
-  const triangle half{{{{0, 0}}, {{1, 0}}, {{0, 1}}}}, turned{{{{0, 0}}, {{0, 1}}, {{1, 0}}}};
-  const triangle small{{{{0, 0}}, {{0.5, 0}}, {{0, 0.5}}}}, far{{{{5, 5}}, {{6, 5}}, {{5, 6}}}},
-      line{{{{0, 0}}, {{1, 1}}, {{2, 2}}}};
-  const triangle upside{{{{1, 1}}, {{0, 1}}, {{1, 0}}}}, shifted{{{{0.5, 0}}, {{1.5, 0}}, {{0.5, 1}}}};
-  EXPECT_DOUBLE_EQ(coverage(half, half), 1);
-  EXPECT_DOUBLE_EQ(coverage(turned, small), 1) << "either sense of rotation";
-  EXPECT_DOUBLE_EQ(coverage(small, turned), 0.25);
-  EXPECT_DOUBLE_EQ(coverage(shifted, half), 0.25) << "two edges cross";
-  EXPECT_NEAR(coverage(upside, half), 0, 1e-15) << "an edge in common";
-  EXPECT_DOUBLE_EQ(coverage(far, half), 0);
-  EXPECT_TRUE(std::isnan(coverage(half, line)));
-}
 
 TEST(Banding, LosesStepsAndClipsAsTheBitsSay) {
   matrix halved = power_table(256, 1);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "colour/standards.hpp"
 #include "formats/writers/bytes.hpp"
 #include "matching/matching.hpp"
 #include "numerics/linsolv.hpp"
@@ -15,8 +16,8 @@ constexpr std::uint32_t matrix_offset = 36;           // the header's nine words
 constexpr std::uint32_t tables_offset = 36 + 12 * 4;  // three rows of four
 
 mat3 in_xyz(const mat3& k) {
-  const mat3 srgb = c2rgb_type({vec2{{0.64, 0.33}}, vec2{{0.30, 0.60}}, vec2{{0.15, 0.06}}, vec2{{0.3127, 0.3290}}});
-  return srgb * k * inv(srgb);
+  const mat3 rgb2xyz = c2rgb_type(srgb);
+  return rgb2xyz * k * inv(rgb2xyz);
 }
 
 void append_header(std::string& out, std::size_t entries, const profiled_display& behind) {
