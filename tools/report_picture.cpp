@@ -62,7 +62,7 @@ std::string on_ground(std::string_view picture, size inner) {
 }
 
 int run(const std::string& folder, const std::string& id) {
-  const kit::solved_job job = kit::open_job_folder(folder);
+  const kit::solved_job job = kit::open_job(folder).job;
   const std::string picture = report_picture(gather_report(source_of(job.result, job.names.set)), id);
   const auto inner = size_of(picture);
   if (!inner) return std::fprintf(stderr, "The report has no picture %s\n", id.c_str()), 2;

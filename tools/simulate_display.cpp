@@ -1,15 +1,19 @@
 // simulate_display: writes what an instrument reads from a simulated display to standard output, either the
 // measurement file of its ramps or readings of any drives, also behind tables.
 
+#include <algorithm>
+#include <array>
 #include <cstdio>
 #include <iostream>
 #include <iterator>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "tools/loaded_tables.hpp"
+#include "driver/tables_on_disk.hpp"
 #include "tools/simulated_display.hpp"
 #include "utils/failure.hpp"
+#include "utils/lut.hpp"
 #include "utils/text.hpp"
 
 namespace corvantile {
@@ -39,6 +43,34 @@ std::vector<vec3> asked_for() {
   }
 }
 
+// The tables in a folder as a device applies them: what a table or the matrix gives beyond 0 to 1 is cut off.
+class device {
+ public:
+  explicit device(const std::string& folder) {
+    const tables_on_disk tables = read_tables(folder);
+    if (tables.pre) pre_ = columns_of(*tables.pre);
+    mix_ = tables.mix;
+    post_ = columns_of(tables.post);
+  }
+  vec3 operator()(const vec3& drive) const { return look_up(post_, mix_ * (pre_ ? look_up(*pre_, drive) : drive)); }
+
+ private:
+  using channels = std::array<lut, 3>;
+  static channels columns_of(const matrix& table) {
+    const std::vector<double> x = linspace(0.0, 1.0, table.rows());
+    return {makelut_nostat(x, table.col(0)), makelut_nostat(x, table.col(1)), makelut_nostat(x, table.col(2))};
+  }
+  static vec3 look_up(const channels& tables, const vec3& u) {
+    vec3 out;
+    for (std::size_t c = 0; c < 3; ++c) out[c] = std::clamp(interp(tables[c], std::clamp(u[c], 0.0, 1.0)), 0.0, 1.0);
+    return out;
+  }
+
+  std::optional<channels> pre_;
+  mat3 mix_;
+  channels post_;
+};
+
 struct task {
   simulated_display display;
   bool show = false;
@@ -65,8 +97,7 @@ task task_of(const std::vector<std::string>& words) {
 std::string text_of(const task& t) {
   if (!t.show) return measurement_file(t.display);
   if (t.tables.empty()) return readings_table(t.display, asked_for(), [](const vec3& u) { return u; });
-  const loaded_tables tables = load_tables(t.tables);
-  return readings_table(t.display, asked_for(), [&](const vec3& u) { return through(tables, u); });
+  return readings_table(t.display, asked_for(), device(t.tables));
 }
 
 int run(const std::vector<std::string>& words) {

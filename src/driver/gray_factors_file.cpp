@@ -1,9 +1,10 @@
 #include "driver/gray_factors_file.hpp"
 
-#include <cstdint>
+#include <array>
 #include <optional>
 #include <vector>
 
+#include "driver/point_list.hpp"
 #include "utils/failure.hpp"
 #include "utils/text.hpp"
 
@@ -16,26 +17,12 @@ gray_factors load_gray_factors(const std::string& name) {
 }
 
 gray_factors parse_gray_factors(const std::string& name, std::string_view text) {
-  using result = number_scanner::result;
-  number_scanner numbers(text);
-  std::int64_t n = 0;
-  if (numbers.next(n) != result::number) refuse_content(name, numbers.problem("the number of points"));
-  // Even with repeat counts, a point takes more than two characters.
-  if (n > static_cast<std::int64_t>(text.size()))
-    refuse_content(name, std::to_string(n) + " points are more than the file can hold");
-  std::vector<double> drive;
-  std::vector<vec3> factor;
-  for (std::int64_t i = 1; i <= n; ++i) {
-    double d = 0;
-    vec3 f;
-    for (double* v : {&d, &f[0], &f[1], &f[2]}) {
-      if (numbers.next(*v) == result::number) continue;
-      refuse_content(name, numbers.problem("a drive value and three factors of point " + std::to_string(i)));
-    }
-    drive.push_back(d);
-    factor.push_back(f);
-  }
-  return make_gray_factors(name, drive, factor);
+  constexpr std::array<std::string_view, 4> columns{"the drive value", "the factor of X", "the factor of Y",
+                                                    "the factor of Z"};
+  const std::vector<std::vector<double>> points = parse_points(name, text, columns);
+  std::vector<vec3> factor(points[0].size());
+  for (std::size_t i = 0; i < factor.size(); ++i) factor[i] = {{points[1][i], points[2][i], points[3][i]}};
+  return make_gray_factors(name, points[0], factor);
 }
 
 std::string gray_factors_text(const gray_factors& factors) {

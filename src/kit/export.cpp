@@ -34,7 +34,7 @@ std::vector<std::string> put(const exported& made, const export_format& format, 
 
 int run_export(const export_verb_options& o) {
   const export_format& format = format_named(o.how.format);
-  const solved_job job = open_job_folder(o.folder);
+  const solved_job job = open_job(o.folder).job;
   const exported made = export_job(job, parse_provenance(read_input(o.folder + "/measurements.txt")), o.how);
   const std::vector<std::string> names = put(made, format, o);
   for (const std::string& name : names) say(o, name);

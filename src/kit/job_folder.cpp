@@ -1,7 +1,6 @@
 #include "kit/job_folder.hpp"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <iostream>
 #include <string_view>
@@ -25,14 +24,13 @@ constexpr const char* record_name = "job.json";
 constexpr const char* measurements_name = "measurements.txt";
 constexpr const char* gamma_name = "gamma.txt";
 
-// JSON has no number for what is not one.
-json number(double v) { return std::isfinite(v) ? json(v) : json(nullptr); }
-json pair(const vec2& v) { return {number(v[0]), number(v[1])}; }
-json triple(const vec3& v) { return {number(v[0]), number(v[1]), number(v[2])}; }
+// What is no number, such as an infinity, is written as null.
+json pair(const vec2& v) { return {v[0], v[1]}; }
+json triple(const vec3& v) { return {v[0], v[1], v[2]}; }
 
 json colour(const vec3& xyz) {
   const vec2 xy = chromaticity(xyz);
-  return {{"XYZ", triple(xyz)}, {"xy", pair(xy)}, {"CCT", number(xyz2cct(xy))}};
+  return {{"XYZ", triple(xyz)}, {"xy", pair(xy)}, {"CCT", xyz2cct(xy)}};
 }
 
 json chromaticities_of(const chromaticity_table& t) {
@@ -63,14 +61,13 @@ json settings_record(const profile& p) {
 }
 
 json figures_record(const outcome& figures) {
-  json record = {
-      {"white",
-       {{"measured", colour(figures.white_before)},
-        {"corrected", colour(figures.white_after)},
-        {"wanted_xy", pair(figures.white_wanted)}}},
-      {"luminance", {{"before", number(figures.white_before[1])}, {"after", number(figures.white_after[1])}}},
-      {"black", {{"before", number(figures.black_before[1])}, {"after", number(figures.black_after[1])}}},
-      {"gray_ciede2000", {{"mean", number(figures.gray_mean)}, {"max", number(figures.gray_largest)}}}};
+  json record = {{"white",
+                  {{"measured", colour(figures.white_before)},
+                   {"corrected", colour(figures.white_after)},
+                   {"wanted_xy", pair(figures.white_wanted)}}},
+                 {"luminance", {{"before", figures.white_before[1]}, {"after", figures.white_after[1]}}},
+                 {"black", {{"before", figures.black_before[1]}, {"after", figures.black_after[1]}}},
+                 {"gray_ciede2000", {{"mean", figures.gray_mean}, {"max", figures.gray_largest}}}};
   if (figures.gamut) {
     record["primaries"] = {{"asked", chromaticities_of(figures.gamut->asked)},
                            {"reachable", chromaticities_of(figures.gamut->reachable)},
@@ -188,10 +185,6 @@ std::vector<text_file> files_of(const job_inputs& inputs, const solved_job& job)
   return files;
 }
 
-void write_job_folder(const std::string& folder, const job_inputs& inputs, const solved_job& job) {
-  write_folder(folder, files_of(inputs, job));
-}
-
 int round_of(const json& record) {
   if (!record.contains("refined")) return 1;
   constexpr int most = 1000;
@@ -230,8 +223,6 @@ opened_job open_job(const std::string& folder) {
   }
   return {std::move(inputs), std::move(job), std::move(record)};
 }
-
-solved_job open_job_folder(const std::string& folder) { return open_job(folder).job; }
 
 std::vector<std::string> warning_lines(const correction& result) {
   std::vector<std::string> lines;

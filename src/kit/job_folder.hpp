@@ -57,19 +57,14 @@ std::vector<text_file> files_of(const job_inputs& inputs, const solved_job& job)
 /// The record alone.
 nlohmann::ordered_json record_of(const job_inputs& inputs, const solved_job& job);
 
-/// Makes the folder and writes all files, or none.
-void write_job_folder(const std::string& folder, const job_inputs& inputs, const solved_job& job);
-
-/// Reads a folder back and solves its job again. Throws `fault::content` where the record is missing or the files are
-/// not those that it lists: after another job in the same folder, an old table may still lie there.
-solved_job open_job_folder(const std::string& folder);
-
-/// The same with everything that another round starts from.
+/// A job as its folder holds it, and solved again.
 struct opened_job {
   job_inputs inputs;
   solved_job job;
   nlohmann::ordered_json record;
 };
+/// Throws `fault::content` where the record is missing or the files are not those that it lists: after another job in
+/// the same folder, an old table may still lie there.
 opened_job open_job(const std::string& folder);
 
 /// The round that a record is of, counted from 1. Throws `fault::content` where it says nonsense about it.

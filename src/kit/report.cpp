@@ -1,6 +1,5 @@
 // corvantile-kit report and verify: a job as one page, and what a second measurement says about it.
 
-#include <cmath>
 #include <string>
 
 #include "formats/detect.hpp"
@@ -25,7 +24,7 @@ struct opened {
 
 // The job of a folder with its page, the second measurement in it where there is one.
 opened open(const std::string& folder, const std::string& title, const source_options& after) {
-  solved_job job = open_job_folder(folder);
+  solved_job job = open_job(folder).job;
   source_options own;
   own.source = folder + "/measurements.txt";
   own.from = "corvantile";
@@ -36,12 +35,8 @@ opened open(const std::string& folder, const std::string& title, const source_op
   return {std::move(job), std::move(measured), std::move(data)};
 }
 
-nlohmann::ordered_json number(double v) {
-  return std::isfinite(v) ? nlohmann::ordered_json(v) : nlohmann::ordered_json(nullptr);
-}
-
 nlohmann::ordered_json summary(const difference_summary& d) {
-  return {{"mean", number(d.mean)}, {"max", number(d.max)}, {"where", d.where}};
+  return {{"mean", d.mean}, {"max", d.max}, {"where", d.where}};
 }
 
 std::string text_of(const measured_record& m) {

@@ -3,21 +3,13 @@
 # Usage: faults_test.sh PROGRAM SIMULATE_DISPLAY
 # Checks that this machine cannot make are skipped, and it says so.
 set -u
+. "$(dirname "$0")/../expect.sh"
 program=$(realpath "$1")
 simulate=$(realpath "$2")
 work=$(mktemp -d "${TMPDIR:-/tmp}/corvantile-faults-XXXXXX")
 aside=$work.aside
 trap 'chmod -R u+w "$work"; rm -rf "$work" "$aside"' EXIT
 chmod 755 "$work" && cd "$work" && umask 022 || exit 1
-failures=0
-checks=0
-
-is() {  # NAME GOT PATTERN
-  checks=$((checks + 1))
-  [[ "$2" == $3 ]] && return
-  echo "FAILED: $1: got '$2', expected '$3'"
-  failures=$((failures + 1))
-}
 job() {  # OPTIONS: an empty folder out/, and the settings of a job that writes into it
   rm -rf out && mkdir out
   printf "&opts wgfile='m.txt' outdir='out' %s /\n" "$1" >settings
@@ -172,5 +164,4 @@ wait
 is "pipe without a reader" "$(cat "$aside/pipe.log")" "*/pipe/postLUT.txt: no program reads this pipe"$'\n6'
 is "locked for too long" "$(cat "$aside/locked.log")" "*/locked/preLUT.txt: another program keeps its folder locked"$'\n6'
 
-echo "$checks checks, $failures failed"
-[ "$failures" -eq 0 ]
+all_passed

@@ -260,11 +260,11 @@ TEST_F(Job, FactorsOfTheGrays) {
   EXPECT_GT(bent[8][2], plain[8][2] + 0.01) << "a tenth more Z in the middle";
   const std::pair<const char*, const char*> refused[] = {
       {"", "line 1: expected the number of points"},
-      {"2 0 1 1 1 1 1 1", "expected a drive value and three factors of point 2, found the end"},
+      {"2 0 1 1 1 1 1 1", "expected the factor of Z of point 2, found the end"},
       {"2 1 1 1 1 2 1 1 1", "the first drive value is 1, not 0"},
       {"3 0 1 1 1 2 1 1 1 2 1 1 1", "the drive value of point 3 is 2, expected more than 2"},
       {"2 0 1 1 1 1 1 nan 1", "a factor of point 2 is NaN, expected 0.1 to 10"},
-      {"1 0 1 1 1", "at least 2 points"}};
+      {"1 0 1 1 1", "the number of points is 1, expected at least 2"}};
   for (const auto& [text, fragment] : refused) {
     std::ofstream("f.txt") << text;
     expect_stop(job, 5, fragment, {"postLUT.txt"});

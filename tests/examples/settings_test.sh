@@ -2,6 +2,7 @@
 # settings_test.sh BIN EXAMPLES: every settings template gives the tables of its mode for the shipped two-table display,
 # without a warning; and behind them, as the kit predicts it, white and mid gray are those that its comment promises.
 set -u
+. "$(dirname "$0")/../expect.sh"
 shopt -s nullglob
 bin=$1
 examples=$2
@@ -9,12 +10,7 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 cd "$scratch" || exit 1
 cp "$examples"/gamma/*.txt "$examples/two_table/measurements.txt" .
-failures=0
 checked=()
-wrong() {
-  echo "FAILED: $*"
-  failures=$((failures + 1))
-}
 one="postLUT.txt"
 three="matrix.txt postLUT.txt preLUT.txt"
 
@@ -56,5 +52,4 @@ check windows "$three" 0.3127 0.3290 0.2140  # sRGB
 cat ./*LUT.txt | awk '/[.-]/ || $1 > 4095 { exit 1 }' || wrong "fpga_12bit: not integers of 12 bits"
 all=("$examples"/settings/*.txt)
 [ ${#checked[@]} -eq ${#all[@]} ] || wrong "checked only ${checked[*]}"
-echo "$failures failed"
-exit $((failures > 0))
+[ $failures -eq 0 ]

@@ -2,15 +2,11 @@
 # pages_test.sh SOURCE BIN: the manual pages tell of every verb, option, format and setting that the programs have, and
 # of no other option; and mandoc, where it is installed, finds nothing to complain of.
 set -u
+. "$(dirname "$0")/../expect.sh"
 export LC_ALL=C
 source=$1
 bin=$2
 cd "$source/man" || exit 1
-failures=0
-wrong() {  # PAGE WORD...
-  echo "FAILED: $*"
-  failures=$((failures + 1))
-}
 same() {  # PAGE LIST LIST: sorted words, those of the program and those of the page
   [ "$2" == "$3" ] || wrong "$1" "does not tell of:" "$(comm -23 <(echo "$2") <(echo "$3") | xargs)" \
     "- and tells of what is not there:" "$(comm -13 <(echo "$2") <(echo "$3") | xargs)"
