@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "utils/failure.hpp"
+#include "utils/fixed_point.hpp"
 
 namespace corvantile {
 namespace {
@@ -65,7 +66,7 @@ void append_fixed(std::string& out, double v, std::size_t width, int digits) {
   if (!std::isfinite(v)) return append_not_finite(out, v, width);
   std::array<char, longest_fixed> buf;
   char* begin = buf.data();
-  char* end = std::to_chars(begin, begin + buf.size() - 1, v, std::chars_format::fixed, digits).ptr;
+  char* end = write_fixed(begin, begin + buf.size() - 1, v, digits);
   if (digits == 0) *end++ = '.';
   const std::size_t sign = *begin == '-' ? 1 : 0;
   if (digits > 0 && static_cast<std::size_t>(end - begin) > width && begin[sign] == '0') {

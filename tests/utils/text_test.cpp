@@ -1,9 +1,15 @@
 #include "utils/text.hpp"
 
+#include <array>
 #include <bit>
+#include <charconv>
+#include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
 #include <random>
+#include <vector>
+
+#include "utils/fixed_point.hpp"
 
 namespace corvantile {
 
@@ -44,6 +50,32 @@ TEST(Text, Fields) {
   EXPECT_EQ(free_format(0.1) + free_format(-inf), " 0.1 -Infinity");
   EXPECT_EQ(in_quotes(trim(cut("a\n  cd", 4))) + in_quotes(std::string(50, 'x')),
             "'a?''" + std::string(40, 'x') + "...'");
+}
+
+TEST(Text, WritesTheDecimalsOfTheStandardLibrary) {
+  std::mt19937_64 bits(11);
+  std::vector<double> numbers{0, 0.99999999999949996, 1e-30, 5e-324, 1e300};
+  for (const double units : {1.0, 3.0, 12345.0, 0x1p31, 0x1p52 + 1, 0x1p53 - 1})  // halves at every digit: ties
+    for (int e = -70; e <= 12; ++e) numbers.push_back(std::ldexp(units, e));
+  for (const double edge : {0x1p64, 0x1p63, 1e19})
+    for (int d = 0; d <= 19; ++d) numbers.push_back(edge / std::pow(10, d));
+  for (int i = 0; i < 1000; ++i) {
+    numbers.push_back(static_cast<double>(bits()) * 0x1p-64);
+    numbers.push_back(std::bit_cast<double>(bits() & ~(std::uint64_t{1} << 62)));  // below 2
+  }
+  for (const double v : numbers) {
+    for (const double x : {v, -v, std::nextafter(v, 0.0), std::nextafter(v, 10 * v)}) {
+      for (int d = 0; d <= 20; ++d) {
+        std::array<char, 400> expected;
+        std::array<char, 400> got;
+        const char* expected_end =
+            std::to_chars(expected.data(), expected.data() + expected.size(), x, std::chars_format::fixed, d).ptr;
+        const char* got_end = write_fixed(got.data(), got.data() + got.size(), x, d);
+        ASSERT_EQ(std::string_view(got.data(), got_end), std::string_view(expected.data(), expected_end))
+            << free_format(x) << d;
+      }
+    }
+  }
 }
 
 TEST(Text, ReadsRealsInEverySpellingAndItsOwnBitForBit) {
