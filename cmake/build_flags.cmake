@@ -9,6 +9,15 @@ target_include_directories(build_flags INTERFACE ${PROJECT_SOURCE_DIR}/src ${PRO
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_FLAGS_DEBUG MATCHES -fsanitize)
   target_compile_options(build_flags INTERFACE -Wno-maybe-uninitialized)
 endif()
+# Skylake and its descendants decode a jump anew, each time, that touches a 32-byte boundary; the assembler keeps
+# jumps clear of them (Intel, "Mitigations for Jump Conditional Code Erratum", 2019).
+include(CheckCXXCompilerFlag)
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+  check_cxx_compiler_flag(-Wa,-mbranches-within-32B-boundaries CORVANTILE_PADS_JUMPS)
+endif()
+if(CORVANTILE_PADS_JUMPS)
+  target_compile_options(build_flags INTERFACE -Wa,-mbranches-within-32B-boundaries)
+endif()
 set(CMAKE_CXX_EXTENSIONS OFF)
 
 # How a program is linked that is started for every display: without shared libraries to load, which take longer than

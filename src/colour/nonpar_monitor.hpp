@@ -25,8 +25,7 @@ struct cost2i {
   const prepared_monitor& mon;
   const vec3& xyz;  // target, in the units of the measurements
   double operator()(std::span<const double> a) const {
-    const vec3 inp{{square_of_sine(a[0]), square_of_sine(a[1]), square_of_sine(a[2])}};
-    return dist2(mon.mon2out(mon.inp2mon(inp)), xyz);
+    return dist2(mon.inp2out(square_of_sine(a[0]), square_of_sine(a[1]), square_of_sine(a[2])), xyz);
   }
 };
 

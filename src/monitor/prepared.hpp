@@ -32,7 +32,8 @@ class prepared_front_end {
   mat3 matrix_;
 };
 
-/// The model of one monitor, which must outlive it.
+/// The model of one monitor, which must outlive it. What an evaluation learns helps the next one, so that threads
+/// need models of their own.
 class prepared_monitor {
  public:
   explicit prepared_monitor(const monitor& mon) : source_(&mon) {
@@ -47,23 +48,20 @@ class prepared_monitor {
       fe_.emplace(mon.fe);
       ife_.emplace(mon.ife);
     }
+    plain_ = packed_ && !fe_;
   }
   const monitor& source() const { return *source_; }
 
-  vec3 inp2mon(const vec3& inp) const {
-    if (!packed_) [[unlikely]]
-      return copy(inp2mon_vec(*source_, copy(inp)));
-    const vec3 u = fe_ ? (*fe_)(inp) : inp;
-    return {{tone_[0](u[0]), tone_[1](u[1]), tone_[2](u[2])}};
+  /// The colour that the inputs `r`, `g`, `b` show: `inp2mon` and `mon2out` in one.
+  vec3 inp2out(double r, double g, double b) const {
+    if (!plain_) [[unlikely]]
+      return inp2out_in_general(r, g, b);
+    return sum_of_channels(tone_[0](r), tone_[1](g), tone_[2](b));
   }
 
   vec3 mon2out(const vec3& m) const {
-    if (!packed_) [[unlikely]]
-      return copy(mon2out_vec(*source_, copy(m)));
-    const vec3& dark = source_->darklight;
-    const vec3& Y = source_->Ymax;
-    const two_lanes xz = xz_max_[0] * xz_[0](m[0]) + xz_max_[1] * xz_[1](m[1]) + xz_max_[2] * xz_[2](m[2]);
-    return {{xz[0] + dark[0], Y[0] * m[0] + Y[1] * m[1] + Y[2] * m[2] + dark[1], xz[1] + dark[2]}};
+    if (!packed_) return mon2out_vec(*source_, m);
+    return sum_of_channels(m[0], m[1], m[2]);
   }
 
   vec3 mon2inp(const vec3& m) const {
@@ -75,11 +73,24 @@ class prepared_monitor {
   }
 
  private:
-  // Leaves the original free to stay in registers: a call that hardly ever happens asks for it in memory.
-  static vec3 copy(const vec3& v) { return {{v[0], v[1], v[2]}}; }
+  vec3 sum_of_channels(double m0, double m1, double m2) const {
+    const vec3& dark = source_->darklight;
+    const vec3& Y = source_->Ymax;
+    const two_lanes xz = xz_max_[0] * xz_[0](m0) + xz_max_[1] * xz_[1](m1) + xz_max_[2] * xz_[2](m2);
+    return {{xz[0] + dark[0], Y[0] * m0 + Y[1] * m1 + Y[2] * m2 + dark[1], xz[1] + dark[2]}};
+  }
+
+  // Out of line, so that the usual way stays short.
+  [[gnu::noinline]] vec3 inp2out_in_general(double r, double g, double b) const {
+    const vec3 inp{{r, g, b}};
+    if (!packed_) return inp2out_vec(*source_, inp);
+    const vec3 u = fe_ ? (*fe_)(inp) : inp;
+    return sum_of_channels(tone_[0](u[0]), tone_[1](u[1]), tone_[2](u[2]));
+  }
 
   const monitor* source_;
   bool packed_ = true;  // or else some curve is none that a fit makes, and the plain routines are asked
+  bool plain_ = false;  // packed, and without a front end
   std::array<packed_curve, 3> tone_;
   std::array<packed_pair, 3> xz_;  // the X and Z curves of each channel
   std::array<two_lanes, 3> xz_max_{};

@@ -222,19 +222,15 @@ class cycle_watch {
   unsigned shrinks_ = 0;
 };
 
-/// One copy of the cost serves all steps of a search: in several, it would only be further from the processor.
-template <std::size_t N, class Cost>
-[[gnu::noinline]] double counted_cost(Cost& cost, std::span<const double, N> x, std::int64_t& evals) {
-  ++evals;
-  return cost(x);
-}
-
 /// The search itself, for both kinds of dimension. Fills everything of `result` but `xmin`, and leaves the simplex
 /// sorted.
 template <std::size_t N, class Cost, class Vector>
 void nm_search(simplex<N>& s, Cost& cost, const nm_settings& set, nm_result<Vector>& result) {
   const std::size_t n = s.n();
-  const auto counted = [&](std::span<const double, N> x) { return counted_cost(cost, x, result.evals); };
+  const auto counted = [&](std::span<const double, N> x) {
+    ++result.evals;
+    return cost(x);
+  };
   const auto v = s.values();
   auto c = make_vertex<N>(n);
   auto r = make_vertex<N>(n);

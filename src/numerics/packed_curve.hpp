@@ -28,31 +28,52 @@ inline bool is_packable(const ppoly& pp) {
          std::ranges::all_of(pp.polys, [](const polynomial& p) { return p.coef.size() <= 8; });
 }
 
-/// Pieces of degree 7, T being double for one curve and two_lanes for two of them.
+/// Pieces of degree 7, T being double for one curve and two_lanes for two of them. A search asks again and again for
+/// arguments in one piece, which is remembered: threads need curves of their own.
 template <class T>
 class packed_pieces {
  public:
   /// The value at `x`. An interior knot belongs to the piece on its left; the first and the last piece go on.
   T operator()(double x) const {
-    const piece* p = pieces_.data();
-    while (p->end < x) ++p;
+    const piece* p = latest_;
+    if (!(p->begin < x && x <= p->end)) [[unlikely]] {
+      p = pieces_.data();
+      while (p->end < x) ++p;
+      latest_ = p;
+    }
     return horner8(p->coef, in_each_lane<T>(x) - p->start);
   }
 
+  packed_pieces(const packed_pieces&) = delete;  // it remembers a piece of its own
+  packed_pieces& operator=(const packed_pieces&) = delete;
+  packed_pieces(packed_pieces&&) = default;  // the pieces stay where they are
+  packed_pieces& operator=(packed_pieces&&) = default;
+
  protected:
+  packed_pieces() = default;
   static constexpr double last = std::numeric_limits<double>::infinity();  // end of the last piece
+  struct piece {
+    double begin;  // in x; less than any number for the first piece
+    double end;    // infinite for the last piece
+    T start;
+    T coef[8];
+  };
+  piece& add_piece(double end) {
+    const double begin = pieces_.empty() ? -last : pieces_.back().end;
+    piece& added = pieces_.emplace_back(piece{.begin = begin, .end = end, .start = {}, .coef = {}});
+    latest_ = pieces_.data();
+    return added;
+  }
   static double end_of_piece(const ppoly& pp, std::size_t j) {
     return j + 1 < pp.polys.size() ? pp.knots[j + 1] : last;
   }
   static double coefficient(const ppoly& pp, std::size_t j, std::size_t k) {
     return k < pp.polys[j].coef.size() ? pp.polys[j].coef[k] : 0.0;
   }
-  struct piece {
-    double end;  // in x; infinite for the last piece
-    T start;
-    T coef[8];
-  };
+
+ private:
   std::vector<piece> pieces_;
+  mutable const piece* latest_ = nullptr;
 };
 
 /// A copy of a packable curve that is evaluated without touching the heap. Gives the bits of `ppval` for every finite
@@ -62,8 +83,7 @@ class packed_curve : public packed_pieces<double> {
   packed_curve() = default;
   explicit packed_curve(const ppoly& pp) {
     for (std::size_t j = 0; j < pp.polys.size(); ++j) {
-      piece& p = pieces_.emplace_back();
-      p.end = end_of_piece(pp, j);
+      piece& p = add_piece(end_of_piece(pp, j));
       p.start = pp.knots[j];
       for (std::size_t k = 0; k < 8; ++k) p.coef[k] = coefficient(pp, j, k);
     }
@@ -78,16 +98,17 @@ class packed_pair : public packed_pieces<two_lanes> {
   packed_pair(const ppoly& a, const ppoly& b) {
     std::size_t i = 0;
     std::size_t j = 0;
+    double end = 0;
     do {
-      piece& p = pieces_.emplace_back();
-      p.start = two_lanes{a.knots[i], b.knots[j]};
-      for (std::size_t k = 0; k < 8; ++k) p.coef[k] = two_lanes{coefficient(a, i, k), coefficient(b, j, k)};
       const double end_of_a = end_of_piece(a, i);
       const double end_of_b = end_of_piece(b, j);
-      p.end = std::min(end_of_a, end_of_b);
-      if (end_of_a == p.end) ++i;
-      if (end_of_b == p.end) ++j;
-    } while (pieces_.back().end != last);
+      end = std::min(end_of_a, end_of_b);
+      piece& p = add_piece(end);
+      p.start = two_lanes{a.knots[i], b.knots[j]};
+      for (std::size_t k = 0; k < 8; ++k) p.coef[k] = two_lanes{coefficient(a, i, k), coefficient(b, j, k)};
+      if (end_of_a == end) ++i;
+      if (end_of_b == end) ++j;
+    } while (end != last);
   }
 };
 

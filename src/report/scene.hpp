@@ -54,7 +54,7 @@ struct scene {
     const vec3 d = corrected(source.tables, u);
     return {{std::clamp(d[0], 0.0, 1.0), std::clamp(d[1], 0.0, 1.0), std::clamp(d[2], 0.0, 1.0)}};
   }
-  vec3 before(const vec3& u) const { return display.mon2out(display.inp2mon(u)); }
+  vec3 before(const vec3& u) const { return display.inp2out(u[0], u[1], u[2]); }
   vec3 after(const vec3& u) const {
     const bool has_dark = asked.dark_below && is_gray(u);
     const double share = has_dark ? dark_share(u[0], *asked.dark_below) : 0;
