@@ -26,7 +26,8 @@ lut makelut_nostat(std::span<const double> x, std::span<const double> y);
 double interp(const lut& t, double xq);
 
 /// `interp` of one table made ready for many queries: the same segment, the same formula and so the same bits, but no
-/// scan where the abscissae rise: evenly spaced ones are looked up by index, others by bisection.
+/// scan where the abscissae rise: evenly spaced ones are looked up by index, others by bisection. Among evenly spaced
+/// ones the latest segment is tried first, where a search mostly stays: threads need interpolators of their own.
 /// The table must outlive it.
 class interpolator {
  public:
@@ -34,16 +35,20 @@ class interpolator {
 
   double operator()(double xq) const {
     if (how_ != search::by_index) return searched(xq);
-    if (!(xq <= x_[n_ - 1])) return through(n_ - 1, n_ - 2, xq);
-    // Wanted is the first i >= 1 with x[i] >= xq; the guess is off by one at most.
-    std::size_t i = 1;
-    if (xq > x_[1]) {
-      i = std::min(static_cast<std::size_t>((xq - x_[0]) * per_step_) + 1, n_ - 1);
-      if (x_[i - 1] >= xq) {
-        --i;
-      } else if (x_[i] < xq) {
-        ++i;
+    std::size_t i = latest_;
+    if (!(x_[i - 1] < xq && xq <= x_[i])) {
+      if (!(xq <= x_[n_ - 1])) return through(n_ - 1, n_ - 2, xq);
+      // Wanted is the first i >= 1 with x[i] >= xq; the guess is off by one at most.
+      i = 1;
+      if (xq > x_[1]) {
+        i = std::min(static_cast<std::size_t>((xq - x_[0]) * per_step_) + 1, n_ - 1);
+        if (x_[i - 1] >= xq) {
+          --i;
+        } else if (x_[i] < xq) {
+          ++i;
+        }
       }
+      latest_ = i;
     }
     return through(i, i, xq);
   }
@@ -63,6 +68,7 @@ class interpolator {
   std::size_t n_;
   double per_step_ = 0;  // segments per unit of x
   search how_ = search::none;
+  mutable std::size_t latest_ = 1;
 };
 
 /// The table with its axes exchanged. Neither sorted nor checked: for tables whose ordinates rise strictly.
