@@ -56,12 +56,23 @@ class prepared_monitor {
   vec3 inp2out(double r, double g, double b) const {
     if (!plain_) [[unlikely]]
       return inp2out_in_general(r, g, b);
-    return sum_of_channels(tone_[0](r), tone_[1](g), tone_[2](b));
+    return colour({{tone_[0](r), tone_[1](g), tone_[2](b)}});
+  }
+
+  /// The squared distance from that colour to `xyz` where it is below `limit`, else some number from `limit` on: the
+  /// luminance alone often tells, before X and Z are known.
+  double inp2out_dist2(double r, double g, double b, const vec3& xyz, double limit) const {
+    if (!plain_) [[unlikely]]
+      return dist2(inp2out_in_general(r, g, b), xyz);
+    const vec3 m{{tone_[0](r), tone_[1](g), tone_[2](b)}};
+    const double Y = luminance(m);
+    if ((Y - xyz[1]) * (Y - xyz[1]) >= limit) return limit;
+    return dist2(colour(m, Y), xyz);
   }
 
   vec3 mon2out(const vec3& m) const {
     if (!packed_) return mon2out_vec(*source_, m);
-    return sum_of_channels(m[0], m[1], m[2]);
+    return colour(m);
   }
 
   vec3 mon2inp(const vec3& m) const {
@@ -73,19 +84,22 @@ class prepared_monitor {
   }
 
  private:
-  vec3 sum_of_channels(double m0, double m1, double m2) const {
-    const vec3& dark = source_->darklight;
+  double luminance(const vec3& m) const {
     const vec3& Y = source_->Ymax;
-    const two_lanes xz = xz_max_[0] * xz_[0](m0) + xz_max_[1] * xz_[1](m1) + xz_max_[2] * xz_[2](m2);
-    return {{xz[0] + dark[0], Y[0] * m0 + Y[1] * m1 + Y[2] * m2 + dark[1], xz[1] + dark[2]}};
+    return Y[0] * m[0] + Y[1] * m[1] + Y[2] * m[2] + source_->darklight[1];
   }
+  vec3 colour(const vec3& m, double Y) const {
+    const two_lanes xz = xz_max_[0] * xz_[0](m[0]) + xz_max_[1] * xz_[1](m[1]) + xz_max_[2] * xz_[2](m[2]);
+    return {{xz[0] + source_->darklight[0], Y, xz[1] + source_->darklight[2]}};
+  }
+  vec3 colour(const vec3& m) const { return colour(m, luminance(m)); }
 
   // Out of line, so that the usual way stays short.
   [[gnu::noinline]] vec3 inp2out_in_general(double r, double g, double b) const {
     const vec3 inp{{r, g, b}};
     if (!packed_) return inp2out_vec(*source_, inp);
     const vec3 u = fe_ ? (*fe_)(inp) : inp;
-    return sum_of_channels(tone_[0](u[0]), tone_[1](u[1]), tone_[2](u[2]));
+    return colour({{tone_[0](u[0]), tone_[1](u[1]), tone_[2](u[2])}});
   }
 
   const monitor* source_;

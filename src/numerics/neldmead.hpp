@@ -252,12 +252,22 @@ void nm_search(simplex<N>& s, Cost& cost, const nm_settings& set, nm_result<Vect
       ray<N>(x, w, c, t);
       return counted(x);
     };
+    // The same where only a value below `limit` will be used.
+    const auto try_below = [&](double limit, std::span<double, N> x, double t) {
+      if constexpr (requires { cost(x, limit); }) {
+        ray<N>(x, w, c, t);
+        ++result.evals;
+        return cost(x, limit);
+      } else {
+        return try_at(x, t);
+      }
+    };
 
     bool shrunk = false;
-    const double fr = try_at(r, 2.0);
+    const double fr = try_below(fw, r, 2.0);
     if (fr < fs && fr < fb) {
       // The expansion is weighed against the old best, not against the reflection: a known looseness of this variant.
-      const double fe = try_at(e, 3.0);
+      const double fe = try_below(fb, e, 3.0);
       if (fe < fb) {
         replace_worst<N>(s, e, fe);
       } else {
@@ -294,6 +304,9 @@ void nm_search(simplex<N>& s, Cost& cost, const nm_settings& set, nm_result<Vect
 /// Minimises `cost`, a callable of one point (a span of n doubles) that returns a double, from `x0`. Never fails:
 /// what it reports instead is `converged`. Costs that are not a number or infinite are tolerated; every comparison
 /// with the former is false, so they end in contractions and shrinks.
+///
+/// A cost that is also a callable of a point and a limit returns there its value if that is below the limit, else any
+/// number from the limit on, which it may know sooner. The result does not depend on it.
 template <std::size_t N, class Cost>
 nm_result<std::array<double, N>> neldermead(Cost&& cost, const std::array<double, N>& x0,
                                             const nm_settings& set = {}) {

@@ -1,11 +1,14 @@
 #include "colour/nonpar_monitor.hpp"
 
+#include <array>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <numbers>
+#include <span>
 #include <tuple>
 
 #include "colour/chromaticity.hpp"
+#include "numerics/neldmead.hpp"
 #include "tests/monitor/fitted.hpp"
 
 namespace corvantile {
@@ -34,6 +37,24 @@ TEST(Inversion, StartsWhereToldOrAtFullDrive) {
   EXPECT_NE(from_full, out2inp(plain, target, vec3{{0.4, 0, 0.4}}).value) << "0 is angle 0";
   EXPECT_EQ(from_full, out2inp(plain, target, vec3{{0.4, -0.1, 0.4}}).value);
   EXPECT_EQ(from_full, out2inp(plain, target, vec3{{0.4, std::nan(""), 0.4}}).value);
+}
+
+TEST(Inversion, HasTheBitsOfTheDefinitionInAndOutOfGamut) {
+  for (const monitor& mon : {plain, composite}) {
+    for (int i = 0; i < 40; ++i) {
+      const vec3 u{{0.1 + 0.021 * i, 0.05 + std::fmod(0.37 * i, 0.9), 0.95 - std::fmod(0.23 * i, 0.9)}};
+      const vec3 target = (i % 4 == 3 ? 1.4 : 1.0) * inp2out_vec(mon, u);
+      const auto inputs = [](std::span<const double> a) {
+        return vec3{{square_of_sine(a[0]), square_of_sine(a[1]), square_of_sine(a[2])}};
+      };
+      const auto cost = [&](std::span<const double> a) { return dist2(inp2out_vec(mon, inputs(a)), target); };
+      const std::array start{angle_of(0.9 * u[0], 0), angle_of(u[1], 0), angle_of(u[2], 0)};
+      const auto best = neldermead(cost, start, {.scale = 0.05, .tol = 1e-14, .maxit = 100000});
+      const inversion found = out2inp(mon, target, vec3{{0.9 * u[0], u[1], u[2]}});
+      EXPECT_EQ(found.value, inputs(best.xmin)) << i;
+      EXPECT_EQ(found.fval, best.fmin) << i;
+    }
+  }
 }
 
 // The definition, with every trial inverted to its end.

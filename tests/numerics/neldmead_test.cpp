@@ -92,6 +92,38 @@ TEST(NelderMead, LeavingOutRepeatedIterationsChangesNothing) {
   EXPECT_GE(stalls, 5) << "or the test shows nothing";
 }
 
+// Three squares. Asked with a limit, it stops adding where the sum reaches that, and tells the limit itself.
+struct squares {
+  double k;
+  int* early;
+  double operator()(point x) const { return (*this)(x, nan); }
+  double operator()(point x, double limit) const {
+    double sum = 0;
+    for (std::size_t i = 0; i < 3; ++i) {
+      const double along = x[i] + k * x[(i + 1) % 3] * x[(i + 1) % 3] - 0.3;
+      sum += x[0] > 0.9 ? nan : along * along;
+      if (sum >= limit) return ++*early, limit;
+    }
+    return sum;
+  }
+};
+
+TEST(NelderMead, CostsThatKnowOfLimitsLeadToTheSameEnd) {
+  int early = 0;
+  for (int i = 0; i < 60; ++i) {
+    const squares cost{0.05 * i, &early};
+    const std::array start{0.02 * i, 0.1 * (i % 4), 0.2};
+    const nm_settings set{.scale = 0.5, .tol = 1e-14, .maxit = 400};
+    const auto limited = neldermead(cost, start, set);
+    const auto whole = neldermead([&cost](point x) { return cost(x); }, start, set);
+    const auto outcome = [](const auto& r) {
+      return std::tuple(r.xmin, std::bit_cast<std::uint64_t>(r.fmin), r.iters, r.evals);
+    };
+    EXPECT_EQ(outcome(limited), outcome(whole)) << i;
+  }
+  EXPECT_GE(early, 1000) << "or the test shows nothing";
+}
+
 TEST(Conics, MeetInTheUnitSquare) {
   const conic u_pair{1, 0, 0, -1, 0, 0.16}, v_pair{0, 0, 1, 0, -1, 0.16};  // 0.2 and 0.8 each
   const std::tuple<conic, conic, vec2, vec2, const char*> rows[] = {
