@@ -59,8 +59,8 @@ class prepared_monitor {
     return colour({{tone_[0](r), tone_[1](g), tone_[2](b)}});
   }
 
-  /// The squared distance from that colour to `xyz` where it is below `limit`, else some number from `limit` on: the
-  /// luminance alone often tells, before X and Z are known.
+  /// The squared distance from that colour to `xyz` where it is below `limit`, else some number from `limit` on. The
+  /// luminance alone often tells: its square is never more than the sum of all three, however that is rounded.
   double inp2out_dist2(double r, double g, double b, const vec3& xyz, double limit) const {
     if (!plain_) [[unlikely]]
       return dist2(inp2out_in_general(r, g, b), xyz);
