@@ -27,6 +27,7 @@ struct cost2i {
   double operator()(std::span<const double> a) const {
     return dist2(mon.inp2out(square_of_sine(a[0]), square_of_sine(a[1]), square_of_sine(a[2])), xyz);
   }
+  /// The same where it is below `limit`, else some number from `limit` on.
   double operator()(std::span<const double> a, double limit) const {
     return mon.inp2out_dist2(square_of_sine(a[0]), square_of_sine(a[1]), square_of_sine(a[2]), xyz, limit);
   }
