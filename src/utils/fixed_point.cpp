@@ -13,11 +13,13 @@ namespace {
 __extension__ using wide = unsigned __int128;
 
 constexpr int most_digits = 18;
-constexpr auto powers_of_ten = [] {
-  std::array<std::uint64_t, most_digits + 1> p{1};
-  for (std::size_t i = 1; i < p.size(); ++i) p[i] = 10 * p[i - 1];
-  return p;
-}();
+
+constexpr std::array<std::uint64_t, most_digits + 1> list_powers_of_ten() {
+  std::array<std::uint64_t, most_digits + 1> powers{1};
+  for (std::size_t i = 1; i < powers.size(); ++i) powers[i] = 10 * powers[i - 1];
+  return powers;
+}
+constexpr auto powers_of_ten = list_powers_of_ten();
 
 // A number in units of its last decimal, if 64 bits hold it.
 struct rounded {
