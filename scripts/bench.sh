@@ -11,7 +11,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 other=${1:-}
 within=3  # per cent of the pinned count
-rounds=${BENCH_ROUNDS:-15}
+rounds=${BENCH_ROUNDS:-31}
 
 scripts/setup.sh valgrind time >&2
 # build FOLDER [OPTION ...]: the release build of the sources there; the programs then are in FOLDER/build/release/bin.
@@ -93,15 +93,17 @@ if [ "$other" = --check ]; then
 fi
 [ -n "$other" ] || exit 0
 
-# Milliseconds of user and system time that PROGRAM spends on JOB, of ten runs together.
+# Milliseconds of user and system time of each of RUNS runs of PROGRAM on JOB.
 cpu() {
-  local TIMEFORMAT='%3U %3S'
-  { time for _ in 1 2 3 4 5 6 7 8 9 10; do run "$1" "$2"; done; } 2>&1 | awk '{ print ($1 + $2) * 100 }'
+  local TIMEFORMAT='%3U %3S' i
+  { time for ((i = 0; i < $3; ++i)); do run "$1" "$2"; done; } 2>&1 | awk -v runs="$3" '{ print ($1 + $2) * 1000 / runs }'
 }
+# The programs take turns every tenth of a second: what else the machine does changes within seconds.
 echo
-printf '%-16s %10s %10s %8s   medians of %d rounds of ten runs\n' 'CPU time' this other ratio "$rounds"
+printf '%-16s %10s %10s %8s   medians of %d rounds\n' 'CPU time' this other ratio "$rounds"
 for j in "${jobs[@]}"; do
-  for ((i = 0; i < rounds; ++i)); do echo "$(cpu "$bin/Corvantile" "$j") $(cpu "$other" "$j")"; done |
+  runs=$(cpu "$other" "$j" 10 | awk '{ runs = int(100 / ($1 + 0.1)); print (runs > 1 ? runs : 1) }')
+  for ((i = 0; i < rounds; ++i)); do echo "$(cpu "$bin/Corvantile" "$j" "$runs") $(cpu "$other" "$j" "$runs")"; done |
     awk -v job="$j" '
       function median(v, n,   i, k, t) {
         for (i = 2; i <= n; ++i) for (k = i; k > 1 && v[k - 1] > v[k]; --k) { t = v[k]; v[k] = v[k - 1]; v[k - 1] = t }
