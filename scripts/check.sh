@@ -66,13 +66,22 @@ cppcheck() {
 }
 
 coverage() {
-  scripts/setup.sh gcovr
-  find build/coverage -name '*.gcda' -delete 2>/dev/null || true
+  scripts/setup.sh clang libclang-rt-dev llvm
+  local profiles=$PWD/build/coverage/profiles
+  rm -rf "$profiles"
+  # Two files a program, into which its runs are added. (Not gcov: it has one for each object, and cannot add what two
+  # programs count there in inline functions.)
+  export LLVM_PROFILE_FILE=$profiles/%2m.profraw
   # Full disks and other users' rights hurt the counting, too, which then complains where a test expects the program's
   # own words only: that test is run for its coverage and not judged here.
   build_and_test coverage -E '^driver/faults$' >build/coverage.log || { tail -40 build/coverage.log; return 1; }
   ctest --preset coverage -R '^driver/faults$' >/dev/null 2>&1 || true
-  gcovr --root . --filter src/ --exclude-unreachable-branches --exclude-throw-branches -j "$jobs" build/coverage
+  llvm-profdata merge -failure-mode=all -o "$profiles/all" "$profiles"/*.profraw
+  # It calls it mismatched data that a program has no use for an inline function.
+  local programs=(build/coverage/bin/*)
+  llvm-cov report "${programs[0]}" "${programs[@]/#/-object=}" "$PWD/src" -instr-profile="$profiles/all" \
+    -show-region-summary=false -show-branch-summary=false 2> >(
+    grep -v ' functions have mismatched data$' >&2)
 }
 
 interop() {
