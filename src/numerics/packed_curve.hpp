@@ -46,8 +46,8 @@ class packed_pieces {
 
   packed_pieces(const packed_pieces&) = delete;  // it remembers a piece of its own
   packed_pieces& operator=(const packed_pieces&) = delete;
-  packed_pieces(packed_pieces&&) = default;  // the pieces stay where they are
-  packed_pieces& operator=(packed_pieces&&) = default;
+  packed_pieces(packed_pieces&&) noexcept = default;  // the pieces stay where they are
+  packed_pieces& operator=(packed_pieces&&) noexcept = default;
 
  protected:
   packed_pieces() = default;

@@ -1,6 +1,5 @@
 #include "utils/temporary_file.hpp"
 
-#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -36,8 +35,12 @@ void hold() {
 }
 
 void replace_in_list(const char* before, const char* after) {
-  const auto place = std::ranges::find(listed_names, before);
-  if (place != listed_names.end()) *place = after;
+  for (const char*& name : listed_names) {
+    if (name == before) {
+      name = after;
+      return;
+    }
+  }
 }
 
 // Only calls that are safe in a handler. `busy` is never given back: nothing is made or renamed any more.
