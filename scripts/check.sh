@@ -77,7 +77,7 @@ coverage() {
   build_and_test coverage -E '^driver/faults$' >build/coverage.log || { tail -40 build/coverage.log; return 1; }
   ctest --preset coverage -R '^driver/faults$' >/dev/null 2>&1 || true
   llvm-profdata merge -failure-mode=all -o "$profiles/all" "$profiles"/*.profraw
-  # It calls it mismatched data that a program has no use for an inline function.
+  # llvm-cov warns of mismatched data where a program has no use for an inline function.
   local programs=(build/coverage/bin/*)
   llvm-cov report "${programs[0]}" "${programs[@]/#/-object=}" "$PWD/src" -instr-profile="$profiles/all" \
     -show-region-summary=false -show-branch-summary=false 2> >(
