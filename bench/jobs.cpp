@@ -3,8 +3,8 @@
 #include <benchmark/benchmark.h>
 
 #include "bench/subject.hpp"
-#include "job/correction.hpp"
-#include "monitor/monitor.hpp"
+#include "corvantile/job/correction.hpp"
+#include "corvantile/monitor/monitor.hpp"
 
 namespace corvantile::bench {
 namespace {

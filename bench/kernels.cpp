@@ -8,12 +8,12 @@
 #include <vector>
 
 #include "bench/subject.hpp"
-#include "colour/nonpar_monitor.hpp"
-#include "monitor/monitor.hpp"
-#include "monitor/prepared.hpp"
-#include "numerics/monotone_smoothing.hpp"
-#include "numerics/neldmead.hpp"
-#include "utils/lut.hpp"
+#include "corvantile/colour/nonpar_monitor.hpp"
+#include "corvantile/monitor/monitor.hpp"
+#include "corvantile/monitor/prepared.hpp"
+#include "corvantile/numerics/monotone_smoothing.hpp"
+#include "corvantile/numerics/neldmead.hpp"
+#include "corvantile/utils/lut.hpp"
 
 namespace corvantile::bench {
 namespace {

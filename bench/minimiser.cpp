@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "bench/valley.hpp"
-#include "numerics/neldmead.hpp"
+#include "corvantile/numerics/neldmead.hpp"
 
 namespace corvantile::bench {
 namespace {

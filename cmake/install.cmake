@@ -1,4 +1,4 @@
-# What is installed beside the library (src/library): component `programs`, and the licence and the changelog on their
+# What is installed beside the library (library.cmake): component `programs`, and the licence and the changelog on their
 # own, for distributions have places of their own for these two.
 install(TARGETS Corvantile RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
 if(CORVANTILE_KIT)

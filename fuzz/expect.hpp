@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "utils/failure.hpp"
+#include "corvantile/utils/failure.hpp"
 
 namespace corvantile::fuzz {
 

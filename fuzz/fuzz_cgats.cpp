@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "formats/calibration.hpp"
-#include "formats/cgats.hpp"
-#include "formats/writers/cal.hpp"
+#include "corvantile/formats/calibration.hpp"
+#include "corvantile/formats/cgats.hpp"
+#include "corvantile/formats/writers/cal.hpp"
 #include "fuzz/number_mutator.hpp"
 #include "fuzz/sound_readings.hpp"
 

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "formats/delimited.hpp"
+#include "corvantile/formats/delimited.hpp"
 #include "fuzz/number_mutator.hpp"
 #include "fuzz/sound_readings.hpp"
 

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "driver/gamma_file.hpp"
+#include "corvantile/driver/gamma_file.hpp"
 #include "fuzz/expect.hpp"
 #include "fuzz/number_mutator.hpp"
 

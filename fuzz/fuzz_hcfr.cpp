@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "formats/hcfr.hpp"
+#include "corvantile/formats/hcfr.hpp"
 #include "fuzz/number_mutator.hpp"
 #include "fuzz/sound_readings.hpp"
 

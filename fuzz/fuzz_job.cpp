@@ -16,12 +16,12 @@
 #include <stdexcept>
 #include <unistd.h>
 
-#include "driver/profile.hpp"
-#include "driver/run.hpp"
+#include "corvantile/driver/profile.hpp"
+#include "corvantile/driver/run.hpp"
+#include "corvantile/utils/file_output.hpp"
+#include "corvantile/utils/text.hpp"
 #include "fuzz/expect.hpp"
 #include "fuzz/number_mutator.hpp"
-#include "utils/file_output.hpp"
-#include "utils/text.hpp"
 
 namespace corvantile::fuzz {
 namespace {

@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "corvantile/monitor/monitor.hpp"
 #include "fuzz/expect.hpp"
-#include "monitor/monitor.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace corvantile;

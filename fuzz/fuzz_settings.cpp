@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <sstream>
 
-#include "driver/profile.hpp"
-#include "driver/tables.hpp"
+#include "corvantile/driver/profile.hpp"
+#include "corvantile/driver/tables.hpp"
+#include "corvantile/utils/text.hpp"
 #include "fuzz/expect.hpp"
-#include "utils/text.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace corvantile;

@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "utils/text.hpp"
+#include "corvantile/utils/text.hpp"
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t max_size);
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "corvantile/readings/readings.hpp"
 #include "fuzz/expect.hpp"
-#include "readings/readings.hpp"
 
 namespace corvantile::fuzz {
 

@@ -76,7 +76,7 @@ compile() {  # SOURCE PROGRAM, against the library as installed
   fi
   local lib
   lib=$(dirname "$(find "$work/usr" -name 'libcorvantile.a')")
-  "$compiler" -std=c++20 -Wall -Wextra -Wpedantic -Werror -I "$work/usr/include/corvantile" "$1" -o "$2" \
+  "$compiler" -std=c++20 -Wall -Wextra -Wpedantic -Werror -I "$work/usr/include" "$1" -o "$2" \
     "$lib/libcorvantile.a"
 }
 

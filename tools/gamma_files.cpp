@@ -5,9 +5,9 @@
 #include <cstdio>
 #include <string>
 
-#include "kit/files.hpp"
-#include "kit/targets.hpp"
-#include "utils/failure.hpp"
+#include "corvantile/kit/files.hpp"
+#include "corvantile/kit/targets.hpp"
+#include "corvantile/utils/failure.hpp"
 
 namespace {
 

@@ -9,10 +9,10 @@
 #include <string>
 #include <string_view>
 
-#include "kit/job_folder.hpp"
-#include "report/gather.hpp"
-#include "report/html.hpp"
-#include "report/page.hpp"
+#include "corvantile/kit/job_folder.hpp"
+#include "corvantile/report/gather.hpp"
+#include "corvantile/report/html.hpp"
+#include "corvantile/report/page.hpp"
 
 namespace corvantile {
 namespace {

@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
-#include "driver/tables_on_disk.hpp"
+#include "corvantile/driver/tables_on_disk.hpp"
+#include "corvantile/utils/failure.hpp"
+#include "corvantile/utils/lut.hpp"
+#include "corvantile/utils/text.hpp"
 #include "tools/simulated_display.hpp"
-#include "utils/failure.hpp"
-#include "utils/lut.hpp"
-#include "utils/text.hpp"
 
 namespace corvantile {
 namespace {

@@ -11,7 +11,7 @@
 #include <variant>
 #include <vector>
 
-#include "colour/chromaticity.hpp"
+#include "corvantile/colour/chromaticity.hpp"
 
 namespace corvantile {
 namespace {

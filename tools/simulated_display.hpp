@@ -10,7 +10,7 @@
 #include <span>
 #include <string>
 
-#include "numerics/matrix.hpp"
+#include "corvantile/numerics/matrix.hpp"
 
 namespace corvantile {
 

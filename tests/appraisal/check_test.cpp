@@ -1,10 +1,10 @@
-#include "appraisal/check.hpp"
+#include "corvantile/appraisal/check.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
 
-#include "appraisal/plan.hpp"
+#include "corvantile/appraisal/plan.hpp"
 #include "tests/readings/charts.hpp"
 
 namespace corvantile {

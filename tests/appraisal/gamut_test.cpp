@@ -1,4 +1,4 @@
-#include "appraisal/gamut.hpp"
+#include "corvantile/appraisal/gamut.hpp"
 
 #include <cmath>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "colour/chromaticity.hpp"
+#include "corvantile/colour/chromaticity.hpp"
 
 #include <cmath>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "colour/color_metrics.hpp"
+#include "corvantile/colour/color_metrics.hpp"
 
 #include <cmath>
 #include <gtest/gtest.h>

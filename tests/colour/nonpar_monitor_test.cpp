@@ -1,4 +1,4 @@
-#include "colour/nonpar_monitor.hpp"
+#include "corvantile/colour/nonpar_monitor.hpp"
 
 #include <array>
 #include <cmath>
@@ -7,8 +7,8 @@
 #include <span>
 #include <tuple>
 
-#include "colour/chromaticity.hpp"
-#include "numerics/neldmead.hpp"
+#include "corvantile/colour/chromaticity.hpp"
+#include "corvantile/numerics/neldmead.hpp"
 #include "tests/monitor/fitted.hpp"
 
 namespace corvantile {

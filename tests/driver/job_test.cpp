@@ -10,14 +10,14 @@
 #include <tuple>
 #include <unistd.h>
 
-#include "colour/color_metrics.hpp"
-#include "driver/exit_status.hpp"
-#include "driver/gamma_file.hpp"
-#include "driver/report.hpp"
-#include "driver/run.hpp"
-#include "driver/tables.hpp"
+#include "corvantile/colour/color_metrics.hpp"
+#include "corvantile/driver/exit_status.hpp"
+#include "corvantile/driver/gamma_file.hpp"
+#include "corvantile/driver/report.hpp"
+#include "corvantile/driver/run.hpp"
+#include "corvantile/driver/tables.hpp"
+#include "corvantile/utils/text.hpp"
 #include "tests/monitor/fitted.hpp"
-#include "utils/text.hpp"
 
 namespace corvantile {
 namespace {

@@ -1,12 +1,12 @@
-#include "driver/profile.hpp"
+#include "corvantile/driver/profile.hpp"
 
 #include <gtest/gtest.h>
 #include <sstream>
 
-#include "driver/exit_status.hpp"
-#include "driver/run.hpp"
-#include "driver/standard_input.hpp"
-#include "driver/tables.hpp"
+#include "corvantile/driver/exit_status.hpp"
+#include "corvantile/driver/run.hpp"
+#include "corvantile/driver/standard_input.hpp"
+#include "corvantile/driver/tables.hpp"
 
 namespace corvantile {
 namespace {

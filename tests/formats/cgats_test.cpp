@@ -1,9 +1,9 @@
-#include "formats/cgats.hpp"
+#include "corvantile/formats/cgats.hpp"
 
 #include <gtest/gtest.h>
 
-#include "formats/calibration.hpp"
-#include "formats/writers/cal.hpp"
+#include "corvantile/formats/calibration.hpp"
+#include "corvantile/formats/writers/cal.hpp"
 #include "tests/formats/told.hpp"
 
 namespace corvantile {

@@ -1,12 +1,12 @@
-#include "formats/chart.hpp"
+#include "corvantile/formats/chart.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <set>
 
-#include "formats/detect.hpp"
-#include "formats/hcfr.hpp"
+#include "corvantile/formats/detect.hpp"
+#include "corvantile/formats/hcfr.hpp"
 #include "tests/formats/told.hpp"
 
 namespace corvantile {

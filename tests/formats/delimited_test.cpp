@@ -1,4 +1,4 @@
-#include "formats/delimited.hpp"
+#include "corvantile/formats/delimited.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "formats/detect.hpp"
+#include "corvantile/formats/detect.hpp"
 
 #include <gtest/gtest.h>
 

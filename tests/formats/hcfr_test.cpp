@@ -1,4 +1,4 @@
-#include "formats/hcfr.hpp"
+#include "corvantile/formats/hcfr.hpp"
 
 #include <gtest/gtest.h>
 

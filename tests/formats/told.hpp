@@ -3,9 +3,9 @@
 
 #include <string>
 
-#include "readings/readings.hpp"
-#include "utils/failure.hpp"
-#include "utils/text.hpp"
+#include "corvantile/readings/readings.hpp"
+#include "corvantile/utils/failure.hpp"
+#include "corvantile/utils/text.hpp"
 
 namespace corvantile {
 

@@ -6,18 +6,18 @@
 #include <string_view>
 #include <vector>
 
-#include "formats/writers/cal.hpp"
-#include "formats/writers/clf.hpp"
-#include "formats/writers/cube.hpp"
-#include "formats/writers/cube3d.hpp"
-#include "formats/writers/hex.hpp"
-#include "formats/writers/icc.hpp"
-#include "formats/writers/kms.hpp"
-#include "formats/writers/mhc2.hpp"
-#include "formats/writers/monitor_icc.hpp"
-#include "formats/writers/text_form.hpp"
-#include "formats/writers/threedl.hpp"
-#include "utils/failure.hpp"
+#include "corvantile/formats/writers/cal.hpp"
+#include "corvantile/formats/writers/clf.hpp"
+#include "corvantile/formats/writers/cube.hpp"
+#include "corvantile/formats/writers/cube3d.hpp"
+#include "corvantile/formats/writers/hex.hpp"
+#include "corvantile/formats/writers/icc.hpp"
+#include "corvantile/formats/writers/kms.hpp"
+#include "corvantile/formats/writers/mhc2.hpp"
+#include "corvantile/formats/writers/monitor_icc.hpp"
+#include "corvantile/formats/writers/text_form.hpp"
+#include "corvantile/formats/writers/threedl.hpp"
+#include "corvantile/utils/failure.hpp"
 
 namespace corvantile {
 namespace {

@@ -1,14 +1,14 @@
-#include "job/refinement.hpp"
+#include "corvantile/job/refinement.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <sstream>
 
-#include "colour/chromaticity.hpp"
-#include "colour/color_metrics.hpp"
+#include "corvantile/colour/chromaticity.hpp"
+#include "corvantile/colour/color_metrics.hpp"
+#include "corvantile/utils/failure.hpp"
 #include "tools/simulated_display.hpp"
-#include "utils/failure.hpp"
 
 namespace corvantile {
 namespace {

@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 
-#include "colour/chromaticity.hpp"
-#include "colour/nonpar_monitor.hpp"
+#include "corvantile/colour/chromaticity.hpp"
+#include "corvantile/colour/nonpar_monitor.hpp"
 #include "tests/monitor/fitted.hpp"
 
 namespace corvantile {

@@ -2,8 +2,8 @@
 #include <string>
 #include <vector>
 
-#include "colour/nonpar_monitor.hpp"
-#include "job/judgements.hpp"
+#include "corvantile/colour/nonpar_monitor.hpp"
+#include "corvantile/job/judgements.hpp"
 #include "tests/monitor/fitted.hpp"
 
 namespace corvantile {

@@ -4,11 +4,11 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
-#include "kit/dates.hpp"
-#include "kit/targets.hpp"
-#include "kit/words.hpp"
+#include "corvantile/kit/dates.hpp"
+#include "corvantile/kit/targets.hpp"
+#include "corvantile/kit/words.hpp"
+#include "corvantile/utils/failure.hpp"
 #include "tools/simulated_display.hpp"
-#include "utils/failure.hpp"
 
 namespace corvantile::kit {
 namespace {

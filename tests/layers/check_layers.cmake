@@ -1,9 +1,33 @@
-# Fails when a file under `tree` includes from a layer above its own, or does what its layer may not.
-# Usage: cmake -D tree=SRC -P check_layers.cmake
+# Fails when a file under `tree` includes what its layer may not, or does what its layer may not.
+# Usage: cmake -D tree=SRC/corvantile -P check_layers.cmake
 cmake_minimum_required(VERSION 3.25)
-# A folder uses itself and those before it.
-set(layers numerics utils monitor colour matching job library readings formats appraisal report driver kit)
+# Each layer, and the others that it may include from. A layer is listed behind all that it lists.
+set(layers
+  "numerics:"
+  "utils: numerics"
+  "monitor: utils numerics"
+  "colour: monitor utils numerics"
+  "matching: colour monitor utils numerics"
+  "job: matching colour monitor utils numerics"
+  "readings: job colour monitor utils numerics"
+  "formats: readings matching colour monitor utils numerics"
+  "appraisal: readings job matching colour monitor utils numerics"
+  "report: appraisal formats readings job matching colour monitor utils numerics"
+  "driver: job colour monitor utils numerics"
+  "kit: driver report appraisal formats readings job matching colour monitor utils numerics")
 set(faults "")
+set(names "")
+foreach(layer ${layers})
+  string(REGEX MATCH "^[^:]+" name ${layer})
+  string(REGEX REPLACE "^[^:]+:" "" allowed ${layer})
+  string(REGEX MATCHALL "[a-z]+" allowed_${name} "${allowed}")
+  foreach(other ${allowed_${name}})
+    if(NOT other IN_LIST names)
+      string(APPEND faults "  ${name} lists ${other}, which is not before it\n")
+    endif()
+  endforeach()
+  list(APPEND names ${name})
+endforeach()
 
 file(GLOB_RECURSE files RELATIVE ${tree} ${tree}/*.hpp ${tree}/*.cpp)
 if(NOT files)
@@ -11,22 +35,18 @@ if(NOT files)
 endif()
 foreach(file ${files})
   string(REGEX MATCH "^[^/]+" folder ${file})
-  list(FIND layers ${folder} own)
-  if(own EQUAL -1)
-    string(APPEND faults "  ${file}: not in one of the layers (${layers})\n")
+  if(NOT folder IN_LIST names)
+    string(APPEND faults "  ${file}: not in one of the layers (${names})\n")
     continue()
   endif()
   file(STRINGS ${tree}/${file} includes REGEX "^[ \t]*#[ \t]*include")
   foreach(line ${includes})
-    if(line MATCHES "\"([^/\"]+)/[^\"]+\"")
-      list(FIND layers ${CMAKE_MATCH_1} used)
-      if(used EQUAL -1)
-        string(APPEND faults "  ${file}: ${line} names no layer\n")
-      elseif(used GREATER own)
-        string(APPEND faults "  ${file}: ${line} points up from ${folder}\n")
+    if(line MATCHES "\"corvantile/([^/\"]+)/[^\"]+\"")
+      if(NOT CMAKE_MATCH_1 STREQUAL folder AND NOT CMAKE_MATCH_1 IN_LIST allowed_${folder})
+        string(APPEND faults "  ${file}: ${line}, but ${folder} does not list ${CMAKE_MATCH_1}\n")
       endif()
     elseif(line MATCHES "\"")
-      string(APPEND faults "  ${file}: ${line} is not relative to src/\n")
+      string(APPEND faults "  ${file}: ${line} does not begin with corvantile/\n")
     elseif(folder STREQUAL "numerics" AND line MATCHES "<(iostream|fstream|ostream|istream|cstdio|filesystem|print)>")
       string(APPEND faults "  ${file}: ${line}, but numerics neither prints nor opens files\n")
     endif()

@@ -1,9 +1,9 @@
 #include <cmath>
 #include <gtest/gtest.h>
 
-#include "colour/chromaticity.hpp"
-#include "colour/nonpar_monitor.hpp"
-#include "matching/matching.hpp"
+#include "corvantile/colour/chromaticity.hpp"
+#include "corvantile/colour/nonpar_monitor.hpp"
+#include "corvantile/matching/matching.hpp"
 #include "tests/monitor/fitted.hpp"
 
 namespace corvantile {

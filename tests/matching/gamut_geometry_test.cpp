@@ -1,8 +1,8 @@
 #include <cmath>
 #include <gtest/gtest.h>
 
-#include "colour/chromaticity.hpp"
-#include "matching/matching.hpp"
+#include "corvantile/colour/chromaticity.hpp"
+#include "corvantile/matching/matching.hpp"
 
 namespace corvantile {
 namespace {

@@ -1,8 +1,8 @@
 #include <cmath>
 #include <gtest/gtest.h>
 
-#include "colour/nonpar_monitor.hpp"
-#include "matching/matching.hpp"
+#include "corvantile/colour/nonpar_monitor.hpp"
+#include "corvantile/matching/matching.hpp"
 #include "tests/monitor/fitted.hpp"
 
 namespace corvantile {

@@ -1,7 +1,7 @@
 #pragma once
 // Simulated displays taken through the fit: what the tests of everything above the numerics work on.
 
-#include "monitor/prepared.hpp"
+#include "corvantile/monitor/prepared.hpp"
 #include "tools/simulated_display.hpp"
 
 namespace corvantile {

@@ -2,9 +2,9 @@
 #include <limits>
 #include <sstream>
 
+#include "corvantile/utils/array_io.hpp"
+#include "corvantile/utils/failure.hpp"
 #include "tests/monitor/fitted.hpp"
-#include "utils/array_io.hpp"
-#include "utils/failure.hpp"
 
 namespace corvantile {
 namespace {

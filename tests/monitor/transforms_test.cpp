@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 #include <random>
 
-#include "monitor/prepared.hpp"
-#include "monitor/synthetic_monitor.hpp"
+#include "corvantile/monitor/prepared.hpp"
+#include "corvantile/monitor/synthetic_monitor.hpp"
 #include "tests/monitor/fitted.hpp"
 
 namespace corvantile {

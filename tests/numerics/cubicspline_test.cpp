@@ -1,11 +1,11 @@
-#include "numerics/cubicspline.hpp"
+#include "corvantile/numerics/cubicspline.hpp"
 
 #include <array>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <vector>
 
-#include "numerics/ppoly.hpp"
+#include "corvantile/numerics/ppoly.hpp"
 
 namespace corvantile {
 

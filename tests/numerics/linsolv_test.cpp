@@ -1,4 +1,4 @@
-#include "numerics/linsolv.hpp"
+#include "corvantile/numerics/linsolv.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "numerics/local_line.hpp"
+#include "corvantile/numerics/local_line.hpp"
 
 #include <gtest/gtest.h>
 

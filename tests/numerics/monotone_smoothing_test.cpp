@@ -1,11 +1,11 @@
-#include "numerics/monotone_smoothing.hpp"
+#include "corvantile/numerics/monotone_smoothing.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <random>
 
-#include "numerics/packed_curve.hpp"
+#include "corvantile/numerics/packed_curve.hpp"
 
 namespace corvantile {
 

@@ -1,4 +1,4 @@
-#include "numerics/neldmead.hpp"
+#include "corvantile/numerics/neldmead.hpp"
 
 #include <bit>
 #include <cmath>
@@ -7,7 +7,7 @@
 #include <random>
 #include <tuple>
 
-#include "numerics/conic_intersect.hpp"
+#include "corvantile/numerics/conic_intersect.hpp"
 
 namespace corvantile {
 

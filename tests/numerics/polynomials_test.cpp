@@ -1,4 +1,4 @@
-#include "numerics/polynomials.hpp"
+#include "corvantile/numerics/polynomials.hpp"
 
 #include <gtest/gtest.h>
 #include <limits>

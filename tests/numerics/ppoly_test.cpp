@@ -1,4 +1,4 @@
-#include "numerics/ppoly.hpp"
+#include "corvantile/numerics/ppoly.hpp"
 
 #include <algorithm>
 #include <cmath>

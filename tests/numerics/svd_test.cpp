@@ -1,4 +1,4 @@
-#include "numerics/svd.hpp"
+#include "corvantile/numerics/svd.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -6,7 +6,7 @@
 #include <limits>
 #include <vector>
 
-#include "numerics/nm_utils.hpp"
+#include "corvantile/numerics/nm_utils.hpp"
 
 namespace corvantile {
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <functional>
 
-#include "readings/ramps.hpp"
+#include "corvantile/readings/ramps.hpp"
 #include "tools/simulated_display.hpp"
 
 namespace corvantile {

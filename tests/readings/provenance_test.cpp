@@ -1,4 +1,4 @@
-#include "readings/provenance.hpp"
+#include "corvantile/readings/provenance.hpp"
 
 #include <gtest/gtest.h>
 

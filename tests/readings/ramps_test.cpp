@@ -1,10 +1,10 @@
-#include "readings/ramps.hpp"
+#include "corvantile/readings/ramps.hpp"
 
 #include <gtest/gtest.h>
 
-#include "readings/derived_ramps.hpp"
+#include "corvantile/readings/derived_ramps.hpp"
+#include "corvantile/utils/failure.hpp"
 #include "tests/readings/charts.hpp"
-#include "utils/failure.hpp"
 
 namespace corvantile {
 namespace {

@@ -1,9 +1,9 @@
-#include "report/gather.hpp"
+#include "corvantile/report/gather.hpp"
 
 #include <gtest/gtest.h>
 
-#include "report/banding.hpp"
-#include "report/target.hpp"
+#include "corvantile/report/banding.hpp"
+#include "corvantile/report/target.hpp"
 #include "shown_display.hpp"
 
 namespace corvantile {

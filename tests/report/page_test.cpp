@@ -1,4 +1,4 @@
-#include "report/page.hpp"
+#include "corvantile/report/page.hpp"
 
 #include <gtest/gtest.h>
 #include <regex>

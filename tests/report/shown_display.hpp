@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "report/gather.hpp"
+#include "corvantile/report/gather.hpp"
 #include "tests/monitor/fitted.hpp"
 
 namespace corvantile {

@@ -1,4 +1,4 @@
-#include "report/svg.hpp"
+#include "corvantile/report/svg.hpp"
 
 #include <cmath>
 #include <gtest/gtest.h>

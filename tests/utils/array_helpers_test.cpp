@@ -1,4 +1,4 @@
-#include "utils/array_helpers.hpp"
+#include "corvantile/utils/array_helpers.hpp"
 
 #include <cmath>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "utils/array_io.hpp"
+#include "corvantile/utils/array_io.hpp"
 
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -6,8 +6,8 @@
 #include <sstream>
 #include <unistd.h>
 
-#include "utils/file_output.hpp"
-#include "utils/text.hpp"
+#include "corvantile/utils/file_output.hpp"
+#include "corvantile/utils/text.hpp"
 
 namespace corvantile {
 

@@ -1,4 +1,4 @@
-#include "utils/file_output.hpp"
+#include "corvantile/utils/file_output.hpp"
 
 #include <fcntl.h>
 #include <filesystem>
@@ -6,8 +6,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "utils/failure.hpp"
-#include "utils/text.hpp"
+#include "corvantile/utils/failure.hpp"
+#include "corvantile/utils/text.hpp"
 
 namespace corvantile {
 

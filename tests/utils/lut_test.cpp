@@ -1,4 +1,4 @@
-#include "utils/lut.hpp"
+#include "corvantile/utils/lut.hpp"
 
 #include <cmath>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "utils/text.hpp"
+#include "corvantile/utils/text.hpp"
 
 #include <array>
 #include <bit>
@@ -9,7 +9,7 @@
 #include <random>
 #include <vector>
 
-#include "utils/fixed_point.hpp"
+#include "corvantile/utils/fixed_point.hpp"
 
 namespace corvantile {
 

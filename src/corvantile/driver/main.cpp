@@ -1,0 +1,98 @@
+// Arguments and standard input in, exit status out. Nothing else ends the process.
+
+#include <algorithm>
+#include <csignal>
+#include <fcntl.h>
+#include <iostream>
+#include <new>
+#include <ostream>
+#include <span>
+#include <stdexcept>
+#include <string_view>
+#include <unistd.h>
+#include <vector>
+
+#include "corvantile/driver/exit_status.hpp"
+#include "corvantile/driver/run.hpp"
+#include "corvantile/driver/standard_input.hpp"
+#include "corvantile/driver/standard_output.hpp"
+#include "corvantile/utils/failure.hpp"
+#include "corvantile/utils/temporary_file.hpp"
+
+namespace corvantile {
+namespace {
+
+constexpr std::string_view no_memory_message = "Allocation would exceed memory limit";
+constexpr std::string_view help =
+    "Corvantile turns colourimetric measurements of a display into its correction tables.\n"
+    "\n"
+    "Usage: Corvantile [-v | -verbose] < settings.txt\n"
+    "\n"
+    "  -v, -verbose  report settings, colour differences, times and the gray ramp on\n"
+    "                standard output\n"
+    "  --help        print this text\n"
+    "  --version     print the version\n"
+    "\n"
+    "The settings are one group on standard input, for example\n"
+    "  &opts cvmode='CV1' wgfile='display.txt' outdir='tables' temp=6500 /\n"
+    "cvmode is 'CV1' (grays only), 'CV2' (primaries, white and tone curve) or 'CV2_1'\n"
+    "(both). The tables are written into outdir, which must exist.\n";
+
+// A closed standard stream would give its number to the next file that is opened, and its text to that file. A
+// reading end in its place makes every write fail instead.
+void occupy_standard_descriptors() {
+  while (true) {
+    const int fd = ::open("/dev/null", O_RDONLY);
+    if (fd > STDERR_FILENO) ::close(fd);
+    if (fd < 0 || fd > STDERR_FILENO) return;
+  }
+}
+
+void tell_a_terminal() {
+  if (::isatty(STDIN_FILENO) == 0) return;
+  std::cerr << "Waiting for settings on standard input, then Ctrl-D on a line of its own. For example:\n"
+               "  &opts cvmode='CV1' temp=6500\n"
+               "  wgfile='measurements.txt' /\n";
+}
+
+int main(std::span<const std::string_view> arguments) {
+  occupy_standard_descriptors();
+  // A reader that leaves, or a file that grows too large, is an error of that write and not the end of the process.
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+  remove_temporaries_on_signals();
+  descriptor_buffer buffer(STDOUT_FILENO);
+  std::ostream out(&buffer);
+
+  const auto stop = [&](int status, std::string_view message, std::ostream& to) {
+    out.flush();
+    to << message << std::endl;
+    if (out || status != exit_status::normal) return status;
+    std::cerr << "Cannot write standard output\n";
+    return exit_status::cannot_write;
+  };
+  try {
+    const auto given = [&](std::string_view word) { return std::ranges::count(arguments, word) > 0; };
+    if (given("--help")) return stop(exit_status::normal, help.substr(0, help.size() - 1), out);
+    if (given("--version")) return stop(exit_status::normal, version_line, out);
+    std::cerr << ' ' << banner << '\n';
+    tell_a_terminal();
+    run_program(arguments, settings_on_standard_input(), out, std::cerr);
+    return exit_status::normal;
+  } catch (const failure& reason) {
+    const ending end = ending_of(reason);
+    return stop(end.status, end.line, end.on_standard_output ? out : std::cerr);
+  } catch (const std::bad_alloc&) {
+    return stop(exit_status::no_memory, no_memory_message, std::cerr);
+  } catch (const std::length_error&) {  // a size that no memory could hold
+    return stop(exit_status::no_memory, no_memory_message, std::cerr);
+  }
+}
+
+}  // namespace
+}  // namespace corvantile
+
+int main(int argc, char** argv) {
+  const std::vector<std::string_view> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+  return corvantile::main(arguments);
+}

@@ -1,0 +1,169 @@
+#include "corvantile/formats/chart.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <numeric>
+
+#include "corvantile/formats/hcfr.hpp"
+#include "corvantile/formats/text_lines.hpp"
+#include "corvantile/utils/failure.hpp"
+#include "corvantile/utils/text.hpp"
+
+namespace corvantile {
+namespace {
+
+constexpr double codes = 255;
+constexpr chart_patch white{{{1, 1, 1}}};
+constexpr chart_patch black{};
+
+chart_patch in_codes(const vec3& drive) {
+  chart_patch patch;
+  for (std::size_t c = 0; c < 3; ++c) patch.drive[c] = std::round(std::clamp(drive[c], 0.0, 1.0) * codes) / codes;
+  return patch;
+}
+
+// Element `index` of the sequence that mirrors the digits of the index at the point: evenly spread at any length.
+double mirrored_digits(std::size_t index, std::size_t base) {
+  double sum = 0;
+  double place = 1;
+  for (; index > 0; index /= base) {
+    place /= static_cast<double>(base);
+    sum += place * static_cast<double>(index % base);
+  }
+  return sum;
+}
+
+vec3 halton(std::size_t index) {
+  return {{mirrored_digits(index, 2), mirrored_digits(index, 3), mirrored_digits(index, 5)}};
+}
+
+bool on_a_ramp(const vec3& d) {
+  const auto dark = std::ranges::count(d.v, 0.0);
+  return dark >= 2 || (d[0] == d[1] && d[1] == d[2]);
+}
+
+chart_patch anywhere(const vec3& point) { return in_codes(point); }
+
+chart_patch near_gray(const vec3& point) {
+  constexpr double off_gray = 0.04;
+  constexpr double margin = 0.05;  // the ends of the gray axis say little about colours beside it
+  const double gray = margin + (1 - 2 * margin) * point[0];
+  return in_codes({{gray + off_gray * (2 * point[1] - 1), gray, gray + off_gray * (2 * point[2] - 1)}});
+}
+
+// Appends `count` patches, made of successive points of the sequence, that no ramp holds.
+void append_spread(std::vector<chart_patch>& patches, std::size_t count, chart_patch (*make)(const vec3&)) {
+  const std::size_t end = patches.size() + count;
+  for (std::size_t index = 1; patches.size() < end; ++index) {
+    const chart_patch patch = make(halton(index));
+    if (!on_a_ramp(patch.drive)) patches.push_back(patch);
+  }
+}
+
+// All but white and black.
+std::vector<chart_patch> ramp_patches(std::size_t levels, chart_ramps ramps) {
+  std::vector<chart_patch> patches;
+  for (std::size_t i = 1; i < levels; ++i) {
+    const double level = static_cast<double>(i) / static_cast<double>(levels - 1);
+    if (i + 1 < levels) patches.push_back(in_codes({{level, level, level}}));
+    if (ramps == chart_ramps::derived && i + 1 < levels) continue;
+    patches.push_back(in_codes({{level, 0, 0}}));
+    patches.push_back(in_codes({{0, level, 0}}));
+    patches.push_back(in_codes({{0, 0, level}}));
+  }
+  return patches;
+}
+
+// Neighbours end up far apart: patch i is measured at the time i times the golden ratio, modulo the whole.
+std::vector<chart_patch> scattered(const std::vector<chart_patch>& patches) {
+  constexpr double golden = 0.6180339887498949;
+  const auto time = [](std::size_t i) { return std::fmod(static_cast<double>(i + 1) * golden, 1.0); };
+  std::vector<std::size_t> order(patches.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::ranges::sort(order, {}, time);
+  std::vector<chart_patch> sorted;
+  sorted.reserve(order.size());
+  for (const std::size_t i : order) sorted.push_back(patches[i]);
+  return sorted;
+}
+
+// What an sRGB display of gamma 2.2 shows, white at Y = 100 (matrix of IEC 61966-2-1).
+vec3 expected_xyz(const vec3& drive) {
+  constexpr mat3 primaries{{vec3{{41.24, 21.26, 1.93}}, vec3{{35.76, 71.52, 11.92}}, vec3{{18.05, 7.22, 95.05}}}};
+  return primaries * vec3{{std::pow(drive[0], 2.2), std::pow(drive[1], 2.2), std::pow(drive[2], 2.2)}};
+}
+
+}  // namespace
+
+std::vector<chart_patch> make_chart(std::size_t levels, chart_ramps ramps, std::size_t verify) {
+  constexpr std::size_t between_whites = 20;
+  constexpr std::size_t most_verify = 10000;
+  if (levels < 5 || levels > 256) refuse_setting("levels", std::to_string(levels), "expected 5 to 256");
+  if (verify > most_verify) refuse_setting("verify", std::to_string(verify), "expected at most 10000");
+  std::vector<chart_patch> patches = ramp_patches(levels, ramps);
+  append_spread(patches, verify - verify / 3, anywhere);
+  append_spread(patches, verify / 3, near_gray);
+
+  std::vector<chart_patch> chart;
+  std::size_t since = between_whites;
+  for (const chart_patch& patch : scattered(patches)) {
+    if (since == between_whites) {
+      chart.insert(chart.end(), {white, black});
+      since = 0;
+    }
+    chart.push_back(patch);
+    ++since;
+  }
+  chart.insert(chart.end(), {white, black});
+  return chart;
+}
+
+std::string write_chart_ti1(std::span<const chart_patch> chart, std::string_view date) {
+  std::string out =
+      "CTI1   \n\nDESCRIPTOR \"Argyll Calibration Target chart information 1\"\nORIGINATOR \"corvantile-kit\"\n";
+  if (!date.empty()) out.append("CREATED \"").append(ascii(date)).append("\"\n");
+  out += "APPROX_WHITE_POINT \"95.050000 100.000000 108.900000\"\nCOLOR_REP \"RGB\"\n\n";
+  out += "NUMBER_OF_FIELDS 7\nBEGIN_DATA_FORMAT\nSAMPLE_ID RGB_R RGB_G RGB_B XYZ_X XYZ_Y XYZ_Z\nEND_DATA_FORMAT\n\n";
+  out += "NUMBER_OF_SETS " + std::to_string(chart.size()) + "\nBEGIN_DATA\n";
+  for (std::size_t i = 0; i < chart.size(); ++i) {
+    append_integer(out, static_cast<std::int64_t>(i + 1));
+    for (const vec3& v : {100.0 * chart[i].drive, expected_xyz(chart[i].drive)}) {
+      for (const double number : v.v) {
+        out += ' ';
+        append_fixed(out, number, 9, 5);
+      }
+    }
+    out += '\n';
+  }
+  return out + "END_DATA\n";
+}
+
+std::string write_chart_csv(std::span<const chart_patch> chart) {
+  std::string out = "R,G,B,X (cd/m2),Y (cd/m2),Z (cd/m2)\n";
+  for (const chart_patch& patch : chart) {
+    for (const double d : patch.drive.v) {
+      append_integer(out, std::lround(d * codes));
+      out += ',';
+    }
+    out += ",,\n";
+  }
+  return out;
+}
+
+std::string write_chart_hcfr(std::span<const chart_patch> chart) {
+  std::string out;
+  for (const chart_patch& patch : chart) {
+    vec3 shown;
+    for (std::size_t c = 0; c < 3; ++c) {
+      const auto above_black = std::lround(patch.drive[c] * 219);
+      shown[c] = static_cast<double>(above_black) / 219;
+      append_integer(out, 16 + above_black);
+      out += ',';
+    }
+    out += hcfr_patch_name(shown) + ",\n";
+  }
+  return out;
+}
+
+}  // namespace corvantile

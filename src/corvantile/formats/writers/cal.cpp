@@ -1,0 +1,44 @@
+#include "corvantile/formats/writers/cal.hpp"
+
+#include <algorithm>
+#include <span>
+
+#include "corvantile/formats/writers/text_form.hpp"
+
+namespace corvantile {
+namespace {
+
+// One row for each input; outputs are clamped to 0..1.
+std::string cal_text(std::span<const double> inputs, const matrix& outputs, const description& about) {
+  std::string out =
+      "CAL    \n\nDESCRIPTOR \"Argyll Device Calibration Curves\"\nORIGINATOR \"Corvantile\"\nCREATED \"" +
+      date_text(about.created) + "\"\n" + comment_lines(about, "#") +
+      "DEVICE_CLASS \"DISPLAY\"\nCOLOR_REP \"RGB\"\n\nNUMBER_OF_FIELDS 4\nBEGIN_DATA_FORMAT\n"
+      "RGB_I RGB_R RGB_G RGB_B\nEND_DATA_FORMAT\n\nNUMBER_OF_SETS ";
+  append_integer_text(out, inputs.size());
+  out += "\nBEGIN_DATA\n";
+  for (std::size_t i = 0; i < inputs.size(); ++i) {
+    append_number(out, inputs[i]);
+    out += ' ';
+    vec3 row = row3(outputs, i);
+    for (double& v : row.v) v = std::clamp(v, 0.0, 1.0);
+    append_row(out, row);
+  }
+  return out + "END_DATA\n";
+}
+
+}  // namespace
+
+std::string cal_file(const table_set& tables, const description& about) {
+  const matrix& table = require_one_table("cal", tables);
+  return cal_text(linspace(0.0, 1.0, table.rows()), table, about);
+}
+
+std::string calibration_file(const std::array<lut, 3>& curves, const description& about) {
+  const std::vector<double>& inputs = curves[0].x;
+  matrix outputs(inputs.size(), 3);
+  for (std::size_t c = 0; c < 3; ++c) std::ranges::transform(inputs, outputs.col(c).begin(), interpolator(curves[c]));
+  return cal_text(inputs, outputs, about);
+}
+
+}  // namespace corvantile

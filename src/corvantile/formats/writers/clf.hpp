@@ -1,0 +1,13 @@
+#pragma once
+// Common LUT Format 3 (Academy/ASC), one file: exact for every correction.
+
+#include <string>
+
+#include "corvantile/formats/writers/table_set.hpp"
+
+namespace corvantile {
+
+/// LUT1D, Matrix, LUT1D, or one LUT1D for a gray-axis job; 32f throughout, nine digits. Tables of 2 to 65536 rows.
+std::string clf_file(const table_set& tables, const description& about);
+
+}  // namespace corvantile

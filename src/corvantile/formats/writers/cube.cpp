@@ -1,0 +1,17 @@
+#include "corvantile/formats/writers/cube.hpp"
+
+#include "corvantile/formats/writers/text_form.hpp"
+
+namespace corvantile {
+
+std::string cube_file(const table_set& tables, const description& about) {
+  const matrix& table = require_one_table("cube", tables);
+  require_count("cube", "rows", table.rows(), 2, 65536);
+  std::string out = "TITLE " + plain_quoted(about.title) + "\n" + comment_lines_only(about, "#") + "LUT_1D_SIZE ";
+  append_integer_text(out, table.rows());
+  out += "\nDOMAIN_MIN 0.0 0.0 0.0\nDOMAIN_MAX 1.0 1.0 1.0\n";
+  append_rows(out, table);
+  return out;
+}
+
+}  // namespace corvantile

@@ -1,0 +1,73 @@
+#pragma once
+// A correction as words of memory, for the hex, mif, coe and c writers.
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "corvantile/formats/writers/table_set.hpp"
+
+namespace corvantile {
+
+/// How the three channels share a memory.
+enum class word_layout {
+  packed,      ///< one word an entry: red in the most significant bits, then green, then blue
+  planar,      ///< all words of red, then all of green, then all of blue
+  interleaved  ///< red, green and blue of the first entry, then those of the next
+};
+
+/// Two's complement; the whole bits include the sign.
+enum class matrix_format {
+  q2_14,  ///< 16 bits, from -2 to below 2
+  q15_16  ///< 32 bits, from -32768 to below 32768: a sign, 15 whole bits, 16 behind the point
+};
+
+struct memory_options {
+  unsigned bits = 10;  ///< of an entry, 2 to 16
+  word_layout layout = word_layout::planar;
+  matrix_format matrix = matrix_format::q2_14;
+};
+
+/// One memory.
+struct memory {
+  std::string name;     ///< `pre_lut`, `matrix_q2_14` or `matrix_q15_16` (nine words, row by row), `post_lut`
+  std::string meaning;  ///< one line for people
+  unsigned width = 0;   ///< bits of a word
+  std::vector<std::uint64_t> words;
+};
+
+/// The memories of a correction, and how many entries had to be clamped to what their words hold.
+struct memory_set {
+  std::vector<memory> memories;
+  std::size_t clamped = 0;
+};
+
+/// Entries are round(v (2^bits - 1)), halves away from zero. Refuses, in the name of `format`, other numbers of bits.
+memory_set memory_words(std::string_view format, const table_set& tables, const memory_options& options);
+
+/// The files made of a correction, and how many entries had to be clamped; the files say so, too.
+struct memory_files {
+  std::vector<file_content> files;
+  std::size_t clamped = 0;
+};
+
+/// `v` in lower-case hexadecimal with the digits that `width` bits need.
+std::string hex_digits(std::uint64_t v, unsigned width);
+
+/// How many entries were clamped, as a sentence.
+std::string clamp_note(const memory_set& set);
+
+/// The description, the memory's meaning and the number of clamped entries, each as a line `PREFIX text`.
+std::string memory_comment(const description& about, const memory_set& set, const memory& m, std::string_view prefix);
+
+/// One file for each memory, its text made by `text_of`.
+template <class Text>
+memory_files one_file_each(const memory_set& set, std::string_view extension, const Text& text_of) {
+  memory_files out{{}, set.clamped};
+  for (const memory& m : set.memories) out.files.push_back({m.name + std::string(extension), text_of(m)});
+  return out;
+}
+
+}  // namespace corvantile

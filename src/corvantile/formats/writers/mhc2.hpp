@@ -1,0 +1,33 @@
+#pragma once
+// The Windows colour pipeline: an ICC profile with the tag `MHC2`, a matrix and one table a channel behind it.
+// Exact only where the pre-table is the sRGB curve, which that pipeline has built in.
+//
+// Pipeline: sRGB decode, RGB to XYZ, M, XYZ to RGB, sRGB encode, table. After "Windows hardware display color
+// calibration pipeline" (Microsoft, win32 documentation); the sRGB curve after IEC 61966-2-1.
+
+#include <cstddef>
+#include <string>
+
+#include "corvantile/formats/writers/icc_profile.hpp"
+#include "corvantile/formats/writers/table_set.hpp"
+
+namespace corvantile {
+
+/// Drive value to linear light.
+double srgb_decode(double v);
+/// Linear light to drive value.
+double srgb_encode(double l);
+
+/// How far the pre-table is from the sRGB curve at worst, in codes of 255 of the drive value that it stands for.
+double distance_from_srgb(const matrix& pre);
+
+/// Farther than this many codes of 255 from it the Windows pipeline shows other colours than the correction.
+inline constexpr double srgb_tolerance = 3;
+
+/// M = S K S^-1 with the matrix S of sRGB; table_c(v) = post_c(decode(v)) at `entries` points, 2 to 4096. `behind` is
+/// the display behind the correction. Where its luminance is not known the tag says 80 cd/m2, that of sRGB.
+/// Refuses one-table corrections and pre-tables farther than `srgb_tolerance` from the sRGB curve.
+std::string mhc2_file(const table_set& tables, const profiled_display& behind, const description& about,
+                      std::size_t entries = 1024);
+
+}  // namespace corvantile

@@ -1,0 +1,14 @@
+#pragma once
+// .spi1d and .spimtx files, with an OpenColorIO configuration that applies them in order: exact for every correction.
+
+#include <vector>
+
+#include "corvantile/formats/writers/table_set.hpp"
+
+namespace corvantile {
+
+/// `preLUT.spi1d`, `matrix.spimtx`, `postLUT.spi1d` and `config.ocio`, whose view "corrected" applies the three;
+/// of a gray-axis job only the last two. The description goes into the configuration: the others have no comments.
+std::vector<file_content> spi_files(const table_set& tables, const description& about);
+
+}  // namespace corvantile

@@ -1,0 +1,97 @@
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "corvantile/job/judgements.hpp"
+#include "corvantile/job/wording.hpp"
+
+namespace corvantile {
+namespace {
+
+// The widest gap between neighbouring readings, in pieces, up to which a piece is held on both sides. Over simulated
+// displays the tables' errors are those of the readings up to here, and several times theirs from 1.3 on.
+constexpr double held = 1.1;
+constexpr int most_pieces = 256;
+constexpr int fewest_pieces = 3;
+constexpr int default_pieces = 5;
+
+// Of full drive: how far a curve may leave its quadratic between the readings beyond what it does at them. Half of it
+// is an error in drive; tables whose error exceeds 0.02 have more than this, those of sound files far less.
+constexpr double free_swing = 0.02;
+
+// Between neighbouring readings of a channel, in monitor values.
+double widest_gap(const monitor& mon) {
+  double widest = 0;
+  for (std::size_t c = 0; c < 3; ++c) {
+    const auto column = mon.rampy.col(c);
+    std::vector<double> m(column.begin(), column.end());
+    std::ranges::sort(m);
+    for (std::size_t i = 1; i < m.size(); ++i) widest = std::max(widest, m[i] - m[i - 1]);
+  }
+  return widest;
+}
+
+// How much further `curve` gets from the quadratic (1 - a) m + a m^2 between the readings (m, ratio) than at them.
+double swing(const ppoly& curve, double a, std::span<const double> m, std::span<const double> ratio) {
+  const auto quadratic = [a](double v) { return (1 - a) * v + a * (v * v); };
+  double between = 0, at = 0;
+  constexpr int steps = 1000;
+  for (int i = 0; i <= steps; ++i) {
+    const double v = static_cast<double>(i) / steps;
+    between = std::max(between, std::abs(ppval(curve, v) - quadratic(v)));
+  }
+  for (std::size_t i = 0; i < m.size(); ++i) at = std::max(at, std::abs(ratio[i] - quadratic(m[i])));
+  return between - at;
+}
+
+struct swinging_curve {
+  double by = free_swing;
+  std::string name;
+};
+
+swinging_curve worst_curve(const monitor& mon) {
+  swinging_curve worst;
+  for (std::size_t c = 0; c < 3; ++c) {
+    const double x = swing(mon.xcurve[c], mon.nX[c], mon.rampy.col(c), mon.rampx.col(c));
+    const double z = swing(mon.zcurve[c], mon.nZ[c], mon.rampy.col(c), mon.rampz.col(c));
+    if (x > worst.by) worst = {x, std::string(channel_name[c]) + "'s X"};
+    if (z > worst.by) worst = {z, std::string(channel_name[c]) + "'s Z"};
+  }
+  return worst;
+}
+
+std::string advice(int carried) {
+  if (carried < fewest_pieces) return "The levels carry no fit: measure more of them.";
+  return "The levels carry numsegs = " + std::to_string(carried) + ": use that, or measure more levels.";
+}
+
+}  // namespace
+
+int largest_numsegs(const monitor& mon) {
+  const double gap = widest_gap(mon);
+  if (!(gap * most_pieces > held)) return most_pieces;
+  return std::max(static_cast<int>(held / gap), fewest_pieces - 1);
+}
+
+std::vector<warning> judge_fit(const monitor& mon) {
+  const int pieces = mon.numsegs < 0 ? default_pieces : mon.numsegs;
+  const int carried = largest_numsegs(mon);
+  if (pieces <= carried) return {};
+  const swinging_curve worst = worst_curve(mon);
+  if (worst.name.empty()) return {};
+  return {{caution::too_many_pieces, "numsegs = " + std::to_string(pieces) + ": between " +
+                                         std::to_string(mon.nramp) + " levels the fitted curves swing freely, " +
+                                         worst.name + " by " + percent(worst.by) +
+                                         " of its full value, and the tables with them. " + advice(carried)}};
+}
+
+std::vector<warning> judge(const measurements& samples, const monitor& mon) {
+  std::vector<warning> found = judge_measurements(samples, mon);
+  std::ranges::move(judge_fit(mon), std::back_inserter(found));
+  return found;
+}
+
+}  // namespace corvantile

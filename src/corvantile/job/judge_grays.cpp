@@ -1,0 +1,174 @@
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "corvantile/colour/nonpar_monitor.hpp"
+#include "corvantile/job/judgements.hpp"
+#include "corvantile/job/wording.hpp"
+
+namespace corvantile {
+namespace {
+
+// What a search leaves of a level, relative to its luminance, before it counts as missed. Searches that succeed leave
+// less than a thousandth of this.
+constexpr double missed = 2e-3;
+// A drive value that falls by more from one row to the next is a jump, not rounding.
+constexpr double fall = 1e-3;
+// Luminance that a swath may lose before it is told: the search's own accuracy is much finer.
+constexpr double lost_light = 1e-3;
+
+// How far the searched drive values are from their gray: XYZ distance over its luminance.
+double miss(const gray_level& level) { return std::sqrt(level.left) / level.target[1]; }
+
+// By the linear model no channel would have to be negative. Below the dark nothing can be shown.
+bool in_reach(const monitor& mon, const gray_level& level) {
+  vec3 linear = mon.XYZ2RGB * (level.target - mon.darklight);
+  if (mon.composite) linear = mon.ife.matrix * linear;
+  return std::ranges::all_of(linear.v, [](double v) { return v >= 0; });
+}
+
+std::string white_text(const settings& set) {
+  if (set.white) return "white = " + short_pair(*set.white);
+  return "the display's own white";
+}
+
+std::string advice_on_restart(const settings& set) {
+  return set.restart ? "Fewer pieces than numsegs = " + std::to_string(set.numsegs) + ", or more levels, may help."
+                     : "Set restart = 1, use fewer pieces than numsegs = " + std::to_string(set.numsegs) +
+                           ", or measure more levels.";
+}
+
+// One search: of the whole ramp, or of the ramp that its top shades to. `what` names its white.
+class judged_search {
+ public:
+  judged_search(const settings& set, const monitor& display, const gray_search& search, std::string what)
+      : set_(set), display_(display), search_(search), what_(std::move(what)) {}
+
+  std::vector<warning> warnings(std::optional<double> temperature) const {
+    std::vector<warning> found;
+    const bool swath = temperature && set_.hwid > 0;
+    const std::optional<ramp_top> plain = swath ? std::optional(ramptop_temp(display_, *temperature)) : std::nullopt;
+    if (!search_.top.reached) {
+      found.push_back(out_of_reach(plain && plain->reached));
+      return found;  // the levels are then those of no white
+    }
+    if (plain && plain->reached && search_.top.xyz[1] < (1 - lost_light) * plain->xyz[1]) {
+      found.push_back(dark_swath(*plain));
+    }
+    if (!not_found(found)) falls(found);
+    return found;
+  }
+
+ private:
+  warning out_of_reach(bool without_swath) const {
+    std::string text = what_ +
+                       ": the display cannot show this white at any level that was tried, so that the table "
+                       "belongs to no white. ";
+    if (without_swath) {
+      text += "Without hwid (" + short_number(set_.hwid) + ") it can: make hwid smaller, or 0.";
+    } else {
+      text += "Choose one nearer the display's own.";
+    }
+    return {caution::white_out_of_reach, text};
+  }
+
+  warning dark_swath(const ramp_top& plain) const {
+    return {caution::dark_swath,
+            "hwid = " + short_number(set_.hwid) + " (" + what_ + "): the brightest gray has Y " +
+                short_number(search_.top.xyz[1]) + ", without hwid " + short_number(plain.xyz[1]) +
+                ". The search across the locus ended on a darker white. Make hwid smaller, or 0."};
+  }
+
+  bool is_missed(std::size_t i) const {
+    const gray_level& level = search_.levels[i];
+    return level.left > reachable && miss(level) > missed && in_reach(display_, level);
+  }
+
+  bool not_found(std::vector<warning>& found) const {
+    const std::size_t n = search_.levels.size();
+    std::string rows;
+    std::size_t worst = 0, ranges = 0;
+    double most = 0;
+    for (std::size_t i = 0; i < n; ++i) {
+      if (!is_missed(i)) continue;
+      std::size_t last = i;
+      for (; last < n && is_missed(last); ++last) {
+        if (!(miss(search_.levels[last]) > most)) continue;
+        most = miss(search_.levels[last]);
+        worst = last;
+      }
+      constexpr std::size_t most_ranges = 3;
+      if (ranges++ < most_ranges) rows += (rows.empty() ? "" : ", ") + row_range(i, last - 1);
+      i = last;
+      if (ranges > most_ranges && !rows.ends_with("...")) rows += ", ...";
+    }
+    if (ranges == 0) return false;
+    found.push_back({caution::gray_not_found,
+                     "gray table (" + what_ + "), " + rows + " of 0 to " + std::to_string(n - 1) +
+                         ": the search ended away from the gray, by up to " + percent(most) +
+                         " of its luminance (row " + std::to_string(worst) + "). " + advice_on_restart(set_)});
+    return true;
+  }
+
+  void falls(std::vector<warning>& found) const {
+    const std::size_t n = search_.levels.size();
+    double most = fall;
+    std::size_t row = 0, channel = 0;
+    for (std::size_t i = n - 1; i-- > 0;) {
+      if (static_cast<double>(i) / static_cast<double>(n - 1) < set_.alpha) break;
+      for (std::size_t c = 0; c < 3; ++c) {
+        const double by = search_.levels[i].inp[c] - search_.levels[i + 1].inp[c];
+        if (!(by > most)) continue;
+        most = by;
+        row = i + 1;
+        channel = c;
+      }
+    }
+    if (row == 0) return;
+    found.push_back({caution::gray_falls, "gray table (" + what_ + "), row " + std::to_string(row) + ": " +
+                                              channel_name[channel] + " falls by " + short_number(most) +
+                                              " although the gray gets brighter. " + advice_on_restart(set_)});
+  }
+
+  const settings& set_;
+  const monitor& display_;
+  const gray_search& search_;
+  std::string what_;
+};
+
+void append(std::vector<warning>& to, std::vector<warning> more) { std::ranges::move(more, std::back_inserter(to)); }
+
+warning not_filled(const settings& set, int status) {
+  const std::string where =
+      status == 1 ? "alpha = " + short_number(set.alpha) + " is not below beta = " : "beta is above 1: ";
+  return {caution::table_not_filled, where + short_number(set.beta) +
+                                         ", so that with temp the gray table is filled with zeros. Set alpha below "
+                                         "beta, and beta to at most 1."};
+}
+
+}  // namespace
+
+std::vector<warning> judge_grays(const settings& set, const monitor& display, const gray_match& match) {
+  std::vector<warning> found;
+  if (match.status != 0) found.push_back(not_filled(set, match.status));
+  const gray_temperatures at = temperatures_of(gray_ramp_of(set), display);
+  const auto judge_one = [&](const gray_search& search, const std::string& what, std::optional<double> temperature) {
+    append(found, judged_search(set, display, search, what).warnings(temperature));
+  };
+  if (match.ramp) judge_one(*match.ramp, at.ramp ? "temp = " + short_number(set.temp) : white_text(set), at.ramp);
+  if (match.top) judge_one(*match.top, "wptemp = " + short_number(set.wptemp), at.top);
+  if (match.undefined_row) {
+    found.push_back({caution::undefined_row, "beta = " + short_number(set.beta) +
+                                                 ": the shading towards wptemp begins "
+                                                 "in the last row, row " +
+                                                 std::to_string(*match.undefined_row) +
+                                                 ", which is not a number. Lower beta, or leave wptemp out."});
+  }
+  return found;
+}
+
+}  // namespace corvantile

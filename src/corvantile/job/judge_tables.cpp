@@ -1,0 +1,72 @@
+#include <string>
+
+#include "corvantile/job/judgements.hpp"
+#include "corvantile/job/wording.hpp"
+
+namespace corvantile {
+namespace {
+
+// Rounding alone leaves some 1e-16 where nothing is clipped and no margin kept.
+constexpr double rounding = 1e-6;
+// With 12 bits the first step above black of a pre-table in linear light is that of drive 6 of 255 at gamma 2.2.
+constexpr int fine_bits = 12;
+
+void judge_matrix(const settings& set, const mat3& m, std::vector<warning>& to) {
+  const auto entry = [](std::size_t i, std::size_t j) {  // counted from 1, as readers of matrices do
+    return "matrix, row " + std::to_string(i + 1) + ", column " + std::to_string(j + 1);
+  };
+  for (std::size_t i = 0; i < 3; ++i) {
+    for (std::size_t j = 0; j < 3; ++j) {
+      if (!(m(i, j) < -rounding)) continue;
+      to.push_back({caution::matrix_negative,
+                    entry(i, j) + " is " + short_number(m(i, j)) +
+                        ": the target asks for colours that the display cannot show, and integer tables cannot hold "
+                        "it. Raise boundary_tol (" +
+                        short_number(set.boundary_tol) + ") or choose a white nearer the display's."});
+      i = j = 3;  // one is enough
+    }
+  }
+  for (std::size_t j = 0; j < 3; ++j) {
+    std::size_t largest = 0;
+    for (std::size_t i = 1; i < 3; ++i) {
+      if (m(i, j) > m(largest, j)) largest = i;
+    }
+    if (largest == j) continue;
+    to.push_back({caution::matrix_exchanged, entry(largest, j) + ": " + channel_name[j] + " goes mostly to " +
+                                                 channel_name[largest] +
+                                                 ". Give xytable as white, red, green, blue, and the ramps as white, "
+                                                 "red, green, blue."});
+    break;
+  }
+  for (std::size_t i = 0; i < 3; ++i) {
+    const double sum = m(i, 0) + m(i, 1) + m(i, 2);
+    if (!(sum > 1 + rounding)) continue;
+    to.push_back({caution::matrix_above_one,
+                  "rowsum_margin = " + short_number(set.rowsum_margin) + ": row " + std::to_string(i + 1) +
+                      " of the matrix adds up to " + short_number(sum) +
+                      ", so that bright colours ask for more than full drive and are clipped. Use 0 or more."});
+    break;
+  }
+}
+
+}  // namespace
+
+std::vector<warning> judge_two_tables(const settings& set, const two_table_solution& two) {
+  std::vector<warning> found;
+  if (!two.top.reached) {
+    found.push_back({caution::white_out_of_reach,
+                     "xytable: the display cannot show the target's white " + short_pair(set.xytable.white) +
+                         " at any level that was tried, so that matrix and tables belong to no white. Choose a white "
+                         "inside the display's gamut."});
+  }
+  judge_matrix(set, two.matrix, found);
+  if (set.nbits > 0 && set.nbits < fine_bits) {
+    found.push_back({caution::coarse_codes,
+                     "nbits = " + std::to_string(set.nbits) +
+                         ": preLUT is linear in light, where so few codes turn the lowest drive values black. Use 12 "
+                         "or more, or 0 for real numbers."});
+  }
+  return found;
+}
+
+}  // namespace corvantile

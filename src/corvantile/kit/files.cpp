@@ -1,0 +1,114 @@
+#include "corvantile/kit/files.hpp"
+
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <string>
+#include <system_error>
+#include <vector>
+#include <xxhash.h>
+
+#include "corvantile/utils/failure.hpp"
+#include "corvantile/utils/text.hpp"
+
+namespace corvantile::kit {
+
+namespace fs = std::filesystem;
+namespace {
+
+// Folders that go again unless they are to be kept.
+class new_folders {
+ public:
+  new_folders() = default;
+  new_folders(const new_folders&) = delete;
+  new_folders& operator=(const new_folders&) = delete;
+  ~new_folders() {
+    std::error_code ignored;
+    for (; !names_.empty(); names_.pop_back()) fs::remove(names_.back(), ignored);  // empty ones only
+  }
+
+  void make(const fs::path& name) {
+    std::error_code failed;
+    std::vector<fs::path> missing;
+    for (fs::path p = name; !p.empty() && !fs::exists(p, failed); p = p.parent_path()) missing.push_back(p);
+    names_.insert(names_.end(), missing.rbegin(), missing.rend());
+    fs::create_directories(name, failed);
+    if (!failed) return;
+    throw failure(fault::unwritable, "Cannot make the folder " + printable(name.string()) + ": " + failed.message());
+  }
+  void keep() { names_.clear(); }
+
+ private:
+  std::vector<fs::path> names_;
+};
+
+// Standard input, which several may ask for and which can be read once.
+const std::string& standard_input() {
+  static const std::string text = [] {
+    constexpr std::size_t most = std::size_t{1} << 30U;
+    std::string all;
+    std::size_t used = 0;
+    do {
+      all.resize(std::max<std::size_t>(2 * all.size(), 65536));
+      std::cin.read(all.data() + used, static_cast<std::streamsize>(all.size() - used));
+      used += static_cast<std::size_t>(std::cin.gcount());
+      if (used > most) refuse_content("standard input", "more than " + std::to_string(most) + " bytes");
+    } while (std::cin);
+    all.resize(used);
+    return all;
+  }();
+  return text;
+}
+
+// What a program may write to at any time: nothing of it is lost.
+bool is_stream(const std::string& name) {
+  std::error_code none;
+  const fs::file_status at = fs::status(name, none);
+  return fs::is_character_file(at) || fs::is_fifo(at) || fs::is_socket(at);
+}
+
+}  // namespace
+
+std::string read_input(const std::string& name) {
+  if (name == "-") return standard_input();
+  std::optional<std::string> text = read_file(name);
+  if (!text) throw failure(fault::content, "Cannot open " + printable(name));
+  return std::move(*text);
+}
+
+void refuse_to_replace(const std::string& name, bool force) {
+  std::error_code none;
+  if (force || name.empty() || name == "-" || !fs::exists(fs::symlink_status(name, none)) || is_stream(name)) return;
+  throw failure(fault::unwritable, printable(name) + " is there already; --force replaces it");
+}
+
+void write_output(const std::string& name, std::string_view text, bool force) {
+  if (name.empty() || name == "-") {
+    std::cout << text << std::flush;
+    if (!std::cout) throw failure(fault::unwritable, "Cannot write standard output");
+    return;
+  }
+  refuse_to_replace(name, force);
+  write_file(name, text);
+}
+
+void write_folder(const std::string& folder, std::vector<text_file> files) {
+  new_folders made;
+  made.make(folder);
+  for (text_file& f : files) {
+    f.path.insert(0, folder + '/');
+    made.make(fs::path(f.path).parent_path());
+  }
+  write_files(files);
+  made.keep();
+}
+
+std::string checksum(std::string_view text) {
+  constexpr std::string_view digits = "0123456789abcdef";
+  const XXH64_hash_t hash = XXH3_64bits(text.data(), text.size());
+  std::string sum = "xxh3:";
+  for (int shift = 60; shift >= 0; shift -= 4) sum += digits[(hash >> static_cast<unsigned>(shift)) & 0xfU];
+  return sum;
+}
+
+}  // namespace corvantile::kit

@@ -1,0 +1,40 @@
+#pragma once
+// What people ask for by name (sRGB, D65, BT.1886) as settings of a job.
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "corvantile/driver/profile.hpp"
+#include "corvantile/monitor/measurements.hpp"
+
+namespace corvantile::kit {
+
+/// As the command line has them.
+struct wishes {
+  std::string target = "srgb";  ///< native, srgb, rec709, display-p3, adobe-rgb, bt2020
+  std::string gamma = {};       ///< an exponent, srgb, bt1886, lstar, or a gamma file; empty: 2.2, or the device's
+  std::string white = {};       ///< native, d65, d50, kelvin, or x,y; empty: the target's own
+  std::string device = "all";   ///< linux, x11, windows, video, fpga or all
+};
+
+/// The names that a target may have.
+std::vector<std::string> target_names();
+
+/// What a job is to be made of: settings, the gamma file where there is one, and why each was chosen.
+struct plan {
+  profile names;
+  std::optional<std::string> gamma;
+  std::map<std::string, std::string, std::less<>> why;
+};
+
+/// Chooses mode and settings. The black of BT.1886 and the native white come from the measurements. Throws
+/// `fault::setting` for a wish that cannot be read.
+plan plan_for(const wishes& w, const measurements& samples);
+
+/// A gamma file of a curve over 257 even drives: "srgb" (IEC 61966-2-1), "lstar" (CIE 1976 L*), "bt1886" (ITU-R
+/// BT.1886) for the given luminances of white and black, or the power of an exponent such as "2.4".
+std::string gamma_file_of(const std::string& curve, double white, double black);
+
+}  // namespace corvantile::kit

@@ -1,0 +1,215 @@
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <optional>
+#include <ostream>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "corvantile/monitor/monitor.hpp"
+#include "corvantile/numerics/linsolv.hpp"
+#include "corvantile/numerics/monotone_smoothing.hpp"
+#include "corvantile/numerics/neldmead.hpp"
+#include "corvantile/numerics/nonlinfit.hpp"
+#include "corvantile/utils/array_io.hpp"
+#include "corvantile/utils/failure.hpp"
+#include "corvantile/utils/text.hpp"
+
+namespace corvantile {
+namespace {
+
+constexpr std::array channel_names{"red", "green", "blue"};
+
+// The samples of one channel's ramp, zero drive first.
+struct channel_ramp {
+  const measurements& from;
+  std::size_t last;  // row of the zero-drive sample; the ramp stands above it
+
+  double drive(std::size_t i, std::size_t c) const { return from.data(last - i, c); }
+  double colour(std::size_t i, std::size_t k) const { return from.data(last - i, 3 + k); }
+};
+
+channel_ramp ramp_of_channel(const measurements& samples, std::size_t c) {
+  const auto n = static_cast<std::size_t>(samples.nramp);
+  return {samples, (c + 1) * n + n - 1};  // the white ramp comes first
+}
+
+void require_finite(const measurements& samples) {
+  const auto in_ramps = ramp_count(samples.version) * static_cast<std::size_t>(samples.nramp);
+  for (std::size_t row = 0; row < samples.data.rows(); ++row) {
+    const std::size_t columns = row < in_ramps ? 6 : 3;  // of the extra samples only the drive values are used
+    for (std::size_t c = 0; c < columns; ++c) {
+      if (std::isfinite(samples.data(row, c))) continue;
+      static constexpr std::array names{"R", "G", "B", "X", "Y", "Z"};
+      refuse_content(samples.name, sample_text(samples, row) + ": " + names[c] + " is" +
+                                       free_format(samples.data(row, c)) + ", expected a finite number");
+    }
+  }
+}
+
+bool is_finite(const ppoly& pp) {
+  return std::ranges::all_of(pp.polys, [](const polynomial& p) {
+    return std::ranges::all_of(p.coef, [](double c) { return std::isfinite(c); });
+  });
+}
+
+// Three primaries of which one is a mixture of the other two span no gamut, and their matrix has no inverse.
+void require_gamut(const monitor& mon) {
+  const auto& [r, g, b] = mon.RGB2XYZ.col;
+  const double edges = std::sqrt(dist2(r, {}) * dist2(g, {}) * dist2(b, {}));
+  constexpr double flat = 1e-9;  // relative; real displays have some 0.1
+  if (!(std::abs(determinant(mon.RGB2XYZ)) > flat * edges)) {
+    refuse_content(mon.name,
+                   "the three primaries lie on one line of the chromaticity diagram; expected ramps of a red, a "
+                   "green and a blue channel");
+  }
+}
+
+struct component_fit {
+  ppoly curve;
+  double a;  // of the quadratic (1 - a) m + a m^2
+};
+
+// How a channel's X or Z, `ratio` of its full-drive value, grows with the monitor values `m`. The zero-drive ratio is
+// pinned to 0 for the curve but used as measured for the quadratic.
+component_fit fit_component(std::span<const double> m, std::vector<double> ratio, int numsegs) {
+  component_fit identity{makeppoly({0.0, 1.0}, {makepoly({0.0, 1.0})}), 0.0};
+  if (!std::ranges::all_of(ratio, [](double r) { return std::isfinite(r); })) return identity;
+  const auto best = neldermead(nlerr{m, ratio}, std::array{0.0}, {.scale = 1.0, .tol = 1e-12, .maxit = 10000});
+  ratio[0] = 0.0;
+  component_fit fit{pp_iba(m, ratio, numsegs), best.xmin[0]};
+  return is_finite(fit.curve) ? fit : identity;
+}
+
+}  // namespace
+
+monitor makemonitor(const measurements& samples, std::optional<int> numsegs, double minslope) {
+  monitor mon;
+  mon.name = samples.name.empty() ? "monitor" : cut(samples.name, longest_name);
+  mon.numsegs = numsegs.value_or(5);
+  mon.minslope = minslope;
+  const std::size_t ramps = ramp_count(samples.version);
+  const auto nramp = static_cast<std::size_t>(samples.nramp);
+  const std::size_t rows = samples.data.rows();
+  mon.nramp = samples.nramp;
+  mon.nextra = static_cast<int>(rows - ramps * nramp);
+  require_finite(samples);
+
+  double full_drive = samples.data(0, 0);
+  for (std::size_t c = 0; c < 3; ++c) full_drive = std::max(full_drive, std::ranges::max(samples.data.col(c)));
+  if (!(full_drive > 0)) refuse_content(samples.name, "no drive value is above 0, so that full drive is unknown");
+  require_falling_ramps(samples);
+  mon.rgb = matrix(rows, 3);
+  mon.xyz = matrix(rows, 3);
+  for (std::size_t c = 0; c < 3; ++c) {
+    std::ranges::transform(samples.data.col(c), mon.rgb.col(c).begin(), [&](double d) { return d / full_drive; });
+    std::ranges::copy(samples.data.col(3 + c), mon.xyz.col(c).begin());
+  }
+
+  for (std::size_t k = 0; k < 3; ++k) {
+    double sum = 0;
+    for (std::size_t r = 1; r <= ramps; ++r) sum += mon.xyz(r * nramp - 1, k);
+    mon.darklight[k] = sum / static_cast<double>(ramps);
+  }
+  mon.whitepoint = row3(mon.xyz, 0);
+  const vec3& white = mon.whitepoint;
+  if (!(white[1] > mon.darklight[1]) || !(white[0] + white[1] + white[2] > 0)) {
+    refuse_content(samples.name, sample_text(samples, 0) + ": X, Y, Z are" + free_format(white[0]) +
+                                     free_format(white[1]) + free_format(white[2]) +
+                                     ", expected a white that is brighter than the dark");
+  }
+
+  mon.rampin = mon.rampy = mon.rampx = mon.rampz = matrix(nramp, 3);
+  for (std::size_t c = 0; c < 3; ++c) {
+    const channel_ramp ramp = ramp_of_channel(samples, c);
+    const auto light = [&](std::size_t i, std::size_t k) { return ramp.colour(i, k) - mon.darklight[k]; };
+    const vec3 full{{light(nramp - 1, 0), light(nramp - 1, 1), light(nramp - 1, 2)}};
+    mon.Xmax[c] = full[0];
+    mon.Ymax[c] = full[1];
+    mon.Zmax[c] = full[2];
+    mon.RGB2XYZ.col[c] = full;
+    if (!(full[1] > 0)) {
+      refuse_content(samples.name,
+                     std::string("the ") + channel_names[c] + " channel gets no brighter than the dark: Y is" +
+                         free_format(ramp.colour(nramp - 1, 1)) + " at the first level of its ramp and" +
+                         free_format(mon.darklight[1]) + " in the dark; ramps run from full drive down to zero");
+    }
+
+    const auto rampin = mon.rampin.col(c);
+    const auto rampy = mon.rampy.col(c);
+    std::vector<double> x_ratio(nramp);
+    std::vector<double> z_ratio(nramp);
+    for (std::size_t i = 0; i < nramp; ++i) {
+      rampin[i] = ramp.drive(i, c) / full_drive;
+      rampy[i] = light(i, 1) / full[1];
+      x_ratio[i] = light(i, 0) / full[0];
+      z_ratio[i] = light(i, 2) / full[2];
+    }
+    rampy[0] = 0.0;
+    std::ranges::copy(x_ratio, mon.rampx.col(c).begin());
+    std::ranges::copy(z_ratio, mon.rampz.col(c).begin());
+    mon.rampx(0, c) = mon.rampz(0, c) = 0.0;
+
+    mon.inpcurve[c] = pp_iba(rampin, rampy, mon.numsegs, minslope);
+    if (!is_finite(mon.inpcurve[c])) {
+      refuse_content(samples.name, std::string("no tone curve fits the ") + channel_names[c] +
+                                       " ramp; expected luminances that fall from full drive down to zero");
+    }
+    const component_fit x = fit_component(rampy, std::move(x_ratio), mon.numsegs);
+    mon.xcurve[c] = x.curve;
+    mon.nX[c] = x.a;
+    const component_fit z = fit_component(rampy, std::move(z_ratio), mon.numsegs);
+    mon.zcurve[c] = z.curve;
+    mon.nZ[c] = z.a;
+  }
+
+  require_gamut(mon);
+  mon.XYZ2RGB = inv(mon.RGB2XYZ);
+  return mon;
+}
+
+monitor loadmonitor(const std::string& filename, std::optional<int> numsegs, double minslope) {
+  return makemonitor(load_measurements(filename), numsegs.value_or(8), minslope);
+}
+
+void dumpmon(std::ostream& out, const monitor& mon) {
+  std::string text = std::string(trim(mon.name)) + '\n';
+  if (mon.composite) text += "Composite\n" + prtmat_real(mon.fe.matrix, "with matrix: ");
+  const auto triple = [&](const char* label, const vec3& v) {
+    text +=
+        label + fixed_field(v[0], 0, 8) + "   " + fixed_field(v[1], 0, 8) + "   " + fixed_field(v[2], 0, 8) + '\n';
+  };
+  triple("whitepoint = ", mon.whitepoint);
+  triple("darklight = ", mon.darklight);
+  triple("Xmax = ", mon.Xmax);
+  triple("Ymax = ", mon.Ymax);
+  triple("Zmax = ", mon.Zmax);
+  triple("nX = ", mon.nX);
+  triple("nZ = ", mon.nZ);
+  const auto rows = [&](const char* label, const mat3& m) {
+    text += std::string(label) + '\n';
+    for (std::size_t i = 0; i < 3; ++i)
+      text += free_format(m(i, 0)) + free_format(m(i, 1)) + free_format(m(i, 2)) + '\n';
+  };
+  rows("RGB2XYZ:", mon.RGB2XYZ);
+  rows("XYZ2RGB:", mon.XYZ2RGB);
+  out << text;
+}
+
+std::array<double, 5> fixlowend(const std::array<double, 6>& x, const std::array<double, 6>& y) {
+  const double s = (y[5] - y[4]) / (x[5] - x[4]);
+  const double x2 = x[4] * x[4];
+  const double x3 = x2 * x[4];
+  const double det = x2 * x2;  // of [x^2, x^3; 2x, 3x^2]
+  const double A = (3 * x2 * y[4] - x3 * s) / det;
+  const double B = (x2 * s - 2 * x[4] * y[4]) / det;
+  std::array<double, 5> out{};
+  for (std::size_t i = 0; i < out.size(); ++i) out[i] = A * (x[i] * x[i]) + B * (x[i] * x[i] * x[i]);
+  return out;
+}
+
+}  // namespace corvantile

@@ -1,0 +1,68 @@
+#pragma once
+// Readings sorted into ramps, and what repeated readings of one patch tell about the run.
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "corvantile/readings/readings.hpp"
+
+namespace corvantile {
+
+/// Drives no further apart than this are one level, of full drive 1. Real charts hold grays only 3e-4 apart.
+inline constexpr double same_drive = 1e-4;
+
+/// All readings of one colour.
+struct patch {
+  vec3 drive;                     ///< mean of its readings
+  vec3 xyz;                       ///< mean of its readings
+  std::vector<std::size_t> rows;  ///< indices into `readings::rows`, in the order of measuring; never empty
+};
+
+/// White, red, green and blue ramp, the dark, and whatever stands on none of them.
+struct sorted_readings {
+  std::array<std::vector<patch>, 4> ramp;  ///< levels above 0, rising; empty where the chart has none
+  std::optional<patch> dark;               ///< zero drive in all channels
+  std::vector<std::size_t> others;         ///< indices of the remaining rows, in file order
+  std::vector<std::size_t> dropped;        ///< indices of rows that are not to be used at all
+  std::vector<std::string> notes;          ///< a sentence about each of these, with its line
+};
+
+/// Sorts the rows. Dropped, and said: a reading without any light among brighter ones of the same patch, or of a
+/// mixture above a fifth of full drive, which has failed; and a level that stands out of a ramp, by a fifth and 1 %
+/// of its top or more, brighter than the next level or darker than the one before: something else was on the screen.
+/// Not the top.
+sorted_readings sort_readings(const readings& all);
+
+/// Whether a patch shows full drive: the last of a ramp must, or the ramp has no top.
+bool is_full(const patch& p);
+
+/// How far repeated readings of one patch lie apart.
+struct repeat_spread {
+  std::size_t n = 0;  ///< readings; fewer than two tell nothing
+  double spread = 0;  ///< largest less smallest Y, as a fraction of their mean (for the dark: of the white)
+  friend bool operator==(const repeat_spread&, const repeat_spread&) = default;
+};
+
+/// How the white moved while the chart was measured.
+struct white_drift {
+  double change = 0;                ///< of Y from the first white to the last, along the line of least squares
+  std::size_t first = 0, last = 0;  ///< positions of these whites among the readings, counted from 1
+  std::size_t of = 0;               ///< readings in all
+  friend bool operator==(const white_drift&, const white_drift&) = default;
+};
+
+/// What the repeats of a run tell; absent where a patch was read only once.
+struct repeatability {
+  std::optional<repeat_spread> white;
+  std::optional<repeat_spread> dark;
+  std::optional<repeat_spread> ramps;  ///< the worst patch of the four ramps with 1 % of the white's light or more
+  std::optional<white_drift> drift;
+  friend bool operator==(const repeatability&, const repeatability&) = default;
+};
+
+repeatability repeats(const readings& all, const sorted_readings& sorted);
+
+}  // namespace corvantile

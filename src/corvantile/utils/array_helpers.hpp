@@ -1,0 +1,43 @@
+#pragma once
+// Search and statistics on arrays. Indices in results count from 1, and 0 means none.
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+#include "corvantile/numerics/matrix.hpp"
+
+namespace corvantile {
+
+/// The largest value, those that are not a number left out; not a number when there is no other.
+double largest(std::span<const double> v);
+
+// ---- Held ready: no job calls these ----
+
+/// Indices of the true elements, ascending.
+std::vector<int> find_vec(const std::vector<bool>& mask);
+
+/// Column-major linear indices of the non-zero elements, ascending.
+std::vector<int> find_mat(const int_matrix& mask);
+
+/// First index from which `nconsec` (at least 1) consecutive samples all lie strictly above `level`; 0 when there is
+/// none. A sample that is not a number cannot begin such a run but does not end one.
+int risingedgetrigger(std::span<const double> v, double level, int nconsec = 10);
+
+/// The same for samples strictly below `level`.
+int fallingedgetrigger(std::span<const double> v, double level, int nconsec = 10);
+
+/// Arithmetic mean; 0 of nothing.
+double mean(std::span<const double> v);
+
+/// Sample standard deviation, in two passes; 0 of nothing. Of one sample it is, deliberately, the sample itself.
+double std(std::span<const double> v);
+
+/// The columns of a matrix, one after the other.
+std::vector<double> colstack(const matrix& a);
+
+/// The matrix of columns of length k (at least 1) that `v` stacks: the inverse of colstack. When k does not divide
+/// the length n, zeros: k rows by n / k columns.
+matrix colunstack(std::span<const double> v, std::size_t k);
+
+}  // namespace corvantile

@@ -1,0 +1,301 @@
+#include "corvantile/utils/text.hpp"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <memory>
+
+#include "corvantile/utils/failure.hpp"
+#include "corvantile/utils/fixed_point.hpp"
+
+namespace corvantile {
+namespace {
+
+constexpr std::size_t longest_fixed = 1500;  // sign, 309 digits, point, and all 1074 decimals that a double can have
+
+void append_right(std::string& out, std::string_view s, std::size_t width) {
+  if (width > 0 && s.size() > width) {
+    out.append(width, '*');
+  } else {
+    if (s.size() < width) out.append(width - s.size(), ' ');
+    out.append(s);
+  }
+}
+
+void append_not_finite(std::string& out, double v, std::size_t width) {
+  const bool negative = std::isinf(v) && v < 0;
+  const std::string_view shorter = std::isnan(v) ? "NaN" : negative ? "-Inf" : "Inf";
+  const std::string_view longer = std::isnan(v) ? "NaN" : negative ? "-Infinity" : "Infinity";
+  append_right(out, width >= longer.size() ? longer : shorter, width);
+}
+
+// A separator ends a number; all but the comma and the slash also count as blank.
+constexpr bool is_separator(char c) { return is_white_space(c) || c == ',' || c == '/'; }
+constexpr auto separators = []() {
+  std::array<bool, 256> t{};
+  for (std::size_t c = 0; c < t.size(); ++c) t[c] = is_separator(static_cast<char>(c));
+  return t;
+}();
+
+// Infinity or zero, with its sign, for a decimal number that is too large or too small for a double: decided by the
+// decimal place of its first non-zero digit.
+double beyond_range(std::string_view s) {
+  const bool negative = s.starts_with('-');
+  const std::size_t e = s.find_first_of("eE");
+  std::string_view mantissa = s.substr(0, e);
+  if (negative) mantissa.remove_prefix(1);
+  const std::size_t point = std::min(mantissa.find('.'), mantissa.size());
+  const std::size_t first = mantissa.find_first_of("123456789");
+  const double place = static_cast<double>(point) - static_cast<double>(first);
+  double exponent = 0;
+  if (e != std::string_view::npos) {
+    for (const char c : s.substr(e + 1))
+      if (c >= '0' && c <= '9') exponent = exponent * 10 + (c - '0');
+    if (s[e + 1] == '-') exponent = -exponent;
+  }
+  const double v = place + exponent > 0 ? std::numeric_limits<double>::infinity() : 0.0;
+  return negative ? -v : v;
+}
+
+}  // namespace
+
+void append_fixed(std::string& out, double v, std::size_t width, int digits) {
+  if (!std::isfinite(v)) return append_not_finite(out, v, width);
+  std::array<char, longest_fixed> buf;
+  char* begin = buf.data();
+  char* end = write_fixed(begin, begin + buf.size() - 1, v, digits);
+  if (digits == 0) *end++ = '.';
+  const std::size_t sign = *begin == '-' ? 1 : 0;
+  if (digits > 0 && static_cast<std::size_t>(end - begin) > width && begin[sign] == '0') {
+    begin[sign] = '-';  // the zero goes, a sign moves next to the point
+    ++begin;
+  }
+  append_right(out, {begin, end}, width);
+}
+
+std::string fixed_field(double v, std::size_t width, int digits) {
+  std::string s;
+  append_fixed(s, v, width, digits);
+  return s;
+}
+
+std::string general_field(double v, std::size_t width, int digits) {
+  std::string s;
+  if (!std::isfinite(v)) {
+    append_not_finite(s, v, width);
+    return s;
+  }
+  // d.ddde+xx gives the digits, and the decimal exponent as it is after rounding.
+  std::array<char, 64> buf;
+  const char* end =
+      std::to_chars(buf.data(), buf.data() + buf.size(), std::abs(v), std::chars_format::scientific, digits - 1).ptr;
+  const std::string_view sci(buf.data(), end);
+  const std::size_t e = sci.find('e');
+  const int exponent = v == 0 ? 1 : static_cast<int>(*parse_integer(sci.substr(e + 1))) + 1;  // for 0.ddd form
+
+  if (exponent >= 0 && exponent <= digits) {
+    append_fixed(s, v, width - 4, digits - exponent);
+    if (s.starts_with('*')) return std::string(width, '*');
+    return s + "    ";
+  }
+  std::string body = std::signbit(v) ? "-0." : "0.";
+  body += sci[0];
+  if (digits > 1) body += sci.substr(2, e - 2);
+  const std::string power = integer_field(std::abs(exponent));
+  if (power.size() < 3) body += 'E';  // three digits of exponent take the letter's place
+  body += exponent < 0 ? '-' : '+';
+  if (power.size() < 2) body += '0';
+  body += power;
+  if (body.size() > width) body.erase(body.find('0'), 1);
+  append_right(s, body, width);
+  return s;
+}
+
+void append_integer(std::string& out, std::int64_t v, std::size_t width) {
+  std::array<char, 24> buf;
+  const char* end = std::to_chars(buf.data(), buf.data() + buf.size(), v).ptr;
+  append_right(out, {buf.data(), end}, width);
+}
+
+std::string integer_field(std::int64_t v, std::size_t width) {
+  std::string s;
+  append_integer(s, v, width);
+  return s;
+}
+
+std::string free_format(double v) {
+  std::string s(1, ' ');
+  if (std::isfinite(v)) {
+    std::array<char, 32> buf;
+    s.append(buf.data(), std::to_chars(buf.data(), buf.data() + buf.size(), v).ptr);
+  } else {
+    append_not_finite(s, v, std::isnan(v) ? 3 : v < 0 ? 9 : 8);
+  }
+  return s;
+}
+
+std::string_view cut(std::string_view s, std::size_t length) { return s.substr(0, length); }
+
+std::string_view trim(std::string_view s) { return s.substr(0, s.find_last_not_of(' ') + 1); }
+
+std::string in_quotes(std::string_view s) {
+  std::string q = "'";
+  for (const char c : cut(s, 40)) q += static_cast<unsigned char>(c) < 0x20 || c == 0x7f ? '?' : c;
+  return q + (s.size() > 40 ? "...'" : "'");
+}
+
+std::optional<double> parse_real(std::string_view s) {
+  if (s.starts_with('+') && !s.starts_with("+-")) s.remove_prefix(1);
+  double v = 0;
+  auto [stop, error] = std::from_chars(s.data(), s.data() + s.size(), v);
+  if (error == std::errc::invalid_argument) return std::nullopt;
+  if (stop == s.data() + s.size()) return error == std::errc{} ? v : beyond_range(s);
+
+  // Exponents with another letter than e, or with none: spelled anew. The stack has room for any usual number.
+  constexpr std::string_view letters = "dDqQ";
+  const auto mantissa = static_cast<std::size_t>(stop - s.data());
+  const bool letter = letters.find(*stop) != std::string_view::npos;
+  if (!letter && *stop != '+' && *stop != '-') return std::nullopt;
+  const std::string_view power = s.substr(mantissa + (letter ? 1 : 0));
+  std::array<char, 128> room;
+  std::string large;
+  char* spelled = room.data();
+  if (s.size() + 1 > room.size()) {
+    large.resize(s.size() + 1);
+    spelled = large.data();
+  }
+  char* end = std::copy_n(s.data(), mantissa, spelled);
+  *end++ = 'e';
+  end = std::copy(power.begin(), power.end(), end);
+  const auto again = std::from_chars(spelled, end, v);
+  if (again.ptr != end) return std::nullopt;
+  return again.ec == std::errc{} ? v : beyond_range({spelled, end});
+}
+
+std::optional<std::int64_t> parse_integer(std::string_view s) {
+  if (s.starts_with('+') && !s.starts_with("+-")) s.remove_prefix(1);
+  std::int64_t v = 0;
+  const auto [stop, error] = std::from_chars(s.data(), s.data() + s.size(), v);
+  if (error != std::errc{} || stop != s.data() + s.size()) return std::nullopt;
+  return v;
+}
+
+std::string_view without_byte_order_mark(std::string_view text) {
+  return text.starts_with("\xEF\xBB\xBF") ? text.substr(3) : text;
+}
+
+std::string printable(std::string_view s) {
+  constexpr std::string_view digits = "0123456789abcdef";
+  std::string shown;
+  for (const char c : s) {
+    const auto code = static_cast<unsigned char>(c);
+    if (c == '\n') {
+      shown += "\\n";
+    } else if (code < 0x20 || code == 0x7f) {
+      shown.append("\\x").append(1, digits[code >> 4U]).append(1, digits[code & 0xfU]);
+    } else {
+      shown += c;
+    }
+  }
+  return shown;
+}
+
+std::optional<std::string> read_file(std::string_view name, std::size_t most) {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(std::string(trim(name)).c_str(), "rb"),
+                                                             std::fclose);
+  if (!file) return std::nullopt;
+  std::string text;
+  std::size_t used = 0;
+  do {  // grows by doubling, whatever the file claims to hold
+    text.resize(std::max<std::size_t>(text.size() * 2, 16384));
+    used += std::fread(text.data() + used, 1, text.size() - used, file.get());
+    if (used > most) refuse_content(printable(trim(name)), "more than " + std::to_string(most) + " bytes");
+  } while (used == text.size());
+  if (std::ferror(file.get()) != 0) return std::nullopt;
+  text.resize(used);
+  return text;
+}
+
+void number_scanner::skip_blanks() {
+  for (; pos_ < text_.size() && is_white_space(text_[pos_]); ++pos_)
+    if (text_[pos_] == '\n') ++line_;
+}
+
+number_scanner::result number_scanner::take_item() {
+  if (repeats_ > 0) return result::number;
+  skip_blanks();
+  if (after_item_ && pos_ < text_.size() && text_[pos_] == ',') {
+    ++pos_;
+    after_item_ = false;
+    skip_blanks();
+  }
+  item_line_ = line_;
+  item_ = {};
+  if (pos_ == text_.size() || text_[pos_] == '/') return result::end;
+
+  std::size_t end = pos_;
+  std::size_t star = std::string_view::npos;
+  for (; end < text_.size() && !separators[static_cast<unsigned char>(text_[end])]; ++end)
+    if (text_[end] == '*' && star == std::string_view::npos) star = end;
+  if (end == pos_) {
+    item_ = ",";
+    return result::bad;
+  }
+  item_ = text_.substr(pos_, end - pos_);
+  value_ = item_;
+  repeats_ = 1;
+  if (star != std::string_view::npos) {
+    const auto count = parse_integer(text_.substr(pos_, star - pos_));
+    repeats_ = count && *count > 0 ? static_cast<std::uint64_t>(*count) : 0;
+    value_ = text_.substr(star + 1, end - star - 1);
+    if (repeats_ == 0 || value_.empty()) return repeats_ = 0, result::bad;
+  }
+  pos_ = end;
+  after_item_ = true;
+  return result::number;
+}
+
+template <class T>
+number_scanner::result number_scanner::take_number(T& v, std::optional<T> (*parse)(std::string_view)) {
+  const result r = take_item();
+  if (r != result::number) return r;
+  const std::optional<T> number = parse(value_);
+  if (!number) return result::bad;
+  --repeats_;
+  v = *number;
+  return r;
+}
+
+number_scanner::result number_scanner::next(double& v) { return take_number(v, parse_real); }
+number_scanner::result number_scanner::next(std::int64_t& v) { return take_number(v, parse_integer); }
+
+std::optional<std::string_view> number_scanner::next_line() {
+  repeats_ = 0;
+  after_item_ = false;
+  item_ = {};
+  item_line_ = line_;
+  if (pos_ == text_.size()) return std::nullopt;
+  const std::size_t end = std::min(text_.find('\n', pos_), text_.size());
+  std::string_view rest = text_.substr(pos_, end - pos_);
+  pos_ = end;
+  if (pos_ < text_.size()) {
+    ++pos_;
+    ++line_;
+  }
+  if (rest.ends_with('\r')) rest.remove_suffix(1);
+  return rest;
+}
+
+std::string number_scanner::problem(std::string_view expected) const {
+  std::string s = "line " + integer_field(static_cast<std::int64_t>(item_line_)) + ": expected ";
+  s += expected;
+  s += ", found ";
+  if (item_.empty()) return s + "the end";
+  if (item_ == ",") return s + "a comma without a value before it";
+  return s + in_quotes(item_);
+}
+
+}  // namespace corvantile
