@@ -13,6 +13,7 @@ target_sources(corvantile INTERFACE
   FILES
     ${src}/corvantile.hpp
     ${src}/corvantile/job/correction.hpp
+    ${src}/corvantile/job/device_tables.hpp
     ${src}/corvantile/job/judgements.hpp
     ${src}/corvantile/job/settings.hpp
     ${src}/corvantile/job/tone_samples.hpp

@@ -18,6 +18,7 @@
 
 #include "corvantile/driver/profile.hpp"
 #include "corvantile/driver/run.hpp"
+#include "corvantile/utils/file_input.hpp"
 #include "corvantile/utils/file_output.hpp"
 #include "corvantile/utils/text.hpp"
 #include "fuzz/expect.hpp"

@@ -13,6 +13,7 @@
 #include "corvantile/driver/tables_on_disk.hpp"
 #include "corvantile/utils/failure.hpp"
 #include "corvantile/utils/lut.hpp"
+#include "corvantile/utils/number_scanner.hpp"
 #include "corvantile/utils/text.hpp"
 #include "tools/simulated_display.hpp"
 

@@ -16,6 +16,7 @@
 #include "corvantile/driver/report.hpp"
 #include "corvantile/driver/run.hpp"
 #include "corvantile/driver/tables.hpp"
+#include "corvantile/utils/file_input.hpp"
 #include "corvantile/utils/text.hpp"
 #include "tests/monitor/fitted.hpp"
 

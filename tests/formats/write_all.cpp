@@ -31,7 +31,9 @@
 #include "corvantile/formats/writers/spi.hpp"
 #include "corvantile/formats/writers/threedl.hpp"
 #include "corvantile/utils/failure.hpp"
+#include "corvantile/utils/file_input.hpp"
 #include "corvantile/utils/file_output.hpp"
+#include "corvantile/utils/number_scanner.hpp"
 #include "corvantile/utils/text.hpp"
 
 namespace corvantile {
@@ -62,8 +64,8 @@ mat3 transposed(const mat3& m) {
   return t;
 }
 
-table_set read_tables(const std::string& folder) {
-  table_set tables;
+device_tables read_tables(const std::string& folder) {
+  device_tables tables;
   tables.post = read_table(folder + "/postLUT.txt");
   tables.two_tables = std::filesystem::exists(folder + "/matrix.txt");
   if (!tables.two_tables) return tables;
@@ -76,7 +78,7 @@ table_set read_tables(const std::string& folder) {
 
 class writer {
  public:
-  writer(const table_set& tables, profiled_display measured, const std::string& out)
+  writer(const device_tables& tables, profiled_display measured, const std::string& out)
       : tables_(tables), measured_(std::move(measured)), out_(out) {
     measured_.luminance = measured_.white[1];
     // Enough for a judge that compares tags: the measured display with a tone curve as corrected.
@@ -131,13 +133,13 @@ class writer {
     }
   }
 
-  table_set tables_;
+  device_tables tables_;
   profiled_display measured_;
   profiled_display behind_;
   std::string out_;
 };
 
-void make_mistake(std::string_view mistake, table_set& tables, profiled_display& display) {
+void make_mistake(std::string_view mistake, device_tables& tables, profiled_display& display) {
   if (mistake == "swapped") {
     swap_red_and_blue(tables.post);
     if (tables.two_tables) swap_red_and_blue(tables.pre);
@@ -162,7 +164,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   try {
-    table_set tables = read_tables(words[0]);
+    device_tables tables = read_tables(words[0]);
     profiled_display display = as_measured(makemonitor(load_measurements(words[1])));
     if (words.size() == 4) make_mistake(words[3], tables, display);
     writer(tables, display, words[2]).write_everything();

@@ -29,13 +29,13 @@ matrix sampled(std::size_t n, const std::function<double(double)>& f) {
 }
 double square(double x) { return x * x; }
 
-table_set one_table(std::size_t n = 5) {
-  table_set t;
+device_tables one_table(std::size_t n = 5) {
+  device_tables t;
   t.post = sampled(n, square);
   return t;
 }
-table_set two_tables(const mat3& mix, std::size_t n = 5) {
-  table_set t = one_table(n);
+device_tables two_tables(const mat3& mix, std::size_t n = 5) {
+  device_tables t = one_table(n);
   t.pre = sampled(n, srgb_decode);
   t.two_tables = true;
   t.mix = mix;
@@ -66,8 +66,8 @@ std::string_view tag(std::string_view profile, std::string_view signature) {
 }
 
 TEST(Writers, RefuseWhatAFormatCannotHoldAndSayWhatToDo) {
-  const table_set one = one_table(), two = two_tables(identity), short_one = one_table(1);
-  table_set undefined = one;
+  const device_tables one = one_table(), two = two_tables(identity), short_one = one_table(1);
+  device_tables undefined = one;
   undefined.post(4, 1) = std::nan("");
   const auto grow = [](const vec3& v) { return 0.4 * v; };
   const struct {
@@ -139,7 +139,7 @@ TEST(Writers, LetTheRightChannelRunFastest) {
 
 TEST(Writers, PutNumbersOfKernelBlobsInTheirPlaces) {
   const mat3 m{{{{{1, -0.5, 0}}, {{-0.0, 1.25, 0}}, {{0x1p-32, 0, -2}}}}};
-  table_set t = two_tables(m, 2);
+  device_tables t = two_tables(m, 2);
   t.post(0, 0) = -0.25;
   t.post(1, 2) = 0.5;
   const auto files = kms_files(t, {}, {2, false}), wide = kms_files(t, {}, {2, true});
@@ -157,7 +157,7 @@ TEST(Writers, PutNumbersOfKernelBlobsInTheirPlaces) {
 }
 
 TEST(Writers, ArrangeWordsOfMemory) {
-  table_set t = two_tables({{{{{-0.5, 0, 0}}, {{1, 2, 0}}, {{0, 0, -2}}}}}, 2);
+  device_tables t = two_tables({{{{{-0.5, 0, 0}}, {{1, 2, 0}}, {{0, 0, -2}}}}}, 2);
   t.post(1, 0) = 1.1;
   t.post(0, 2) = 0.5;
   const auto words = [&](word_layout layout) {
@@ -187,7 +187,7 @@ TEST(Writers, MakeProfilesOfVersion24) {
   profiled_display dim = srgb_display;
   dim.colorants.col[2] = 0.9 * srgb.col[2];  // channels that do not add up to the white
   dim.curves = sampled(3, square);
-  table_set t = one_table(2);
+  device_tables t = one_table(2);
   t.post(1, 1) = 0.5;
   const std::string icc = icc_file(t, dim, about, 2);
   EXPECT_EQ(icc, icc_file(t, dim, about, 2)) << "the same bytes at any time";

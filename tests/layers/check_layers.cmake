@@ -10,7 +10,7 @@ set(layers
   "matching: colour monitor utils numerics"
   "job: matching colour monitor utils numerics"
   "readings: job colour monitor utils numerics"
-  "formats: readings matching colour monitor utils numerics"
+  "formats: readings job matching colour monitor utils numerics"
   "appraisal: readings job matching colour monitor utils numerics"
   "report: appraisal formats readings job matching colour monitor utils numerics"
   "driver: job colour monitor utils numerics"

@@ -13,7 +13,7 @@ TEST(Banding, LosesStepsAndClipsAsTheBitsSay) {
   matrix halved = power_table(256, 1);
   for (double& v : halved.data()) v /= 2;
   const auto chain = [](const matrix& post) {
-    table_set tables;
+    device_tables tables;
     tables.post = post;
     return [tables](const vec3& u) { return corrected(tables, u); };
   };

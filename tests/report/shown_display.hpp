@@ -10,7 +10,7 @@ namespace corvantile {
 
 struct shown_display {
   monitor display;
-  table_set tables;
+  device_tables tables;
 
   /// Asked for: sRGB primaries at D65, gamma 2.2.
   report_source source() const {

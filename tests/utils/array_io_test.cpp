@@ -6,6 +6,7 @@
 #include <sstream>
 #include <unistd.h>
 
+#include "corvantile/utils/file_input.hpp"
 #include "corvantile/utils/file_output.hpp"
 #include "corvantile/utils/text.hpp"
 

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "corvantile/utils/failure.hpp"
+#include "corvantile/utils/file_input.hpp"
 #include "corvantile/utils/text.hpp"
 
 namespace corvantile {

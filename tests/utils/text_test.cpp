@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "corvantile/utils/fixed_point.hpp"
+#include "corvantile/utils/number_scanner.hpp"
 
 namespace corvantile {
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "corvantile/appraisal/check.hpp"
-#include "corvantile/utils/decimal.hpp"
+#include "corvantile/utils/text.hpp"
 
 namespace corvantile {
 namespace {

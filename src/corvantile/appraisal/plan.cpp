@@ -3,7 +3,7 @@
 #include <string>
 
 #include "corvantile/appraisal/gamut.hpp"
-#include "corvantile/utils/decimal.hpp"
+#include "corvantile/utils/text.hpp"
 
 namespace corvantile {
 namespace {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "corvantile/driver/point_list.hpp"
+#include "corvantile/utils/file_input.hpp"
 #include "corvantile/utils/text.hpp"
 
 namespace corvantile {

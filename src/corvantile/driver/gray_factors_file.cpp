@@ -6,6 +6,7 @@
 
 #include "corvantile/driver/point_list.hpp"
 #include "corvantile/utils/failure.hpp"
+#include "corvantile/utils/file_input.hpp"
 #include "corvantile/utils/text.hpp"
 
 namespace corvantile {

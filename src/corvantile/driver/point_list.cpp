@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "corvantile/utils/failure.hpp"
+#include "corvantile/utils/number_scanner.hpp"
 #include "corvantile/utils/text.hpp"
 
 namespace corvantile {

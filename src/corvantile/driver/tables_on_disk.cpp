@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "corvantile/utils/failure.hpp"
+#include "corvantile/utils/file_input.hpp"
+#include "corvantile/utils/number_scanner.hpp"
 #include "corvantile/utils/text.hpp"
 
 namespace corvantile {

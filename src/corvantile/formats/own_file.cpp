@@ -13,6 +13,7 @@
 #include "corvantile/readings/provenance.hpp"
 #include "corvantile/readings/ramps.hpp"
 #include "corvantile/utils/failure.hpp"
+#include "corvantile/utils/number_scanner.hpp"
 #include "corvantile/utils/text.hpp"
 
 namespace corvantile {

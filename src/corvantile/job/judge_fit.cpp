@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "corvantile/job/judgements.hpp"
-#include "corvantile/job/wording.hpp"
+#include "corvantile/utils/text.hpp"
 
 namespace corvantile {
 namespace {
@@ -57,8 +57,8 @@ swinging_curve worst_curve(const monitor& mon) {
   for (std::size_t c = 0; c < 3; ++c) {
     const double x = swing(mon.xcurve[c], mon.nX[c], mon.rampy.col(c), mon.rampx.col(c));
     const double z = swing(mon.zcurve[c], mon.nZ[c], mon.rampy.col(c), mon.rampz.col(c));
-    if (x > worst.by) worst = {x, std::string(channel_name[c]) + "'s X"};
-    if (z > worst.by) worst = {z, std::string(channel_name[c]) + "'s Z"};
+    if (x > worst.by) worst = {x, std::string(channel_names[c]) + "'s X"};
+    if (z > worst.by) worst = {z, std::string(channel_names[c]) + "'s Z"};
   }
   return worst;
 }
@@ -84,7 +84,7 @@ std::vector<warning> judge_fit(const monitor& mon) {
   if (worst.name.empty()) return {};
   return {{caution::too_many_pieces, "numsegs = " + std::to_string(pieces) + ": between " +
                                          std::to_string(mon.nramp) + " levels the fitted curves swing freely, " +
-                                         worst.name + " by " + percent(worst.by) +
+                                         worst.name + " by " + short_percent(worst.by) +
                                          " of its full value, and the tables with them. " + advice(carried)}};
 }
 

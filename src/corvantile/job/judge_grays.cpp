@@ -8,7 +8,7 @@
 
 #include "corvantile/colour/nonpar_monitor.hpp"
 #include "corvantile/job/judgements.hpp"
-#include "corvantile/job/wording.hpp"
+#include "corvantile/utils/text.hpp"
 
 namespace corvantile {
 namespace {
@@ -109,7 +109,7 @@ class judged_search {
     if (ranges == 0) return false;
     found.push_back({caution::gray_not_found,
                      "gray table (" + what_ + "), " + rows + " of 0 to " + std::to_string(n - 1) +
-                         ": the search ended away from the gray, by up to " + percent(most) +
+                         ": the search ended away from the gray, by up to " + short_percent(most) +
                          " of its luminance (row " + std::to_string(worst) + "). " + advice_on_restart(set_)});
     return true;
   }
@@ -130,7 +130,7 @@ class judged_search {
     }
     if (row == 0) return;
     found.push_back({caution::gray_falls, "gray table (" + what_ + "), row " + std::to_string(row) + ": " +
-                                              channel_name[channel] + " falls by " + short_number(most) +
+                                              channel_names[channel] + " falls by " + short_number(most) +
                                               " although the gray gets brighter. " + advice_on_restart(set_)});
   }
 

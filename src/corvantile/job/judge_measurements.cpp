@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "corvantile/job/judgements.hpp"
-#include "corvantile/job/wording.hpp"
+#include "corvantile/utils/text.hpp"
 
 namespace corvantile {
 namespace {
@@ -133,7 +133,7 @@ void judge_darks(const measurements& samples, const monitor& mon, std::vector<wa
     to.push_back({caution::zeros_differ,
                   samples.name + ": " + place_text(samples, high) + ": at zero drive " + "XYZ"[k] + " is " +
                       short_number(samples.data(high, 3 + k)) + ", at " + sample_text(samples, low) + " " +
-                      short_number(samples.data(low, 3 + k)) + ", which is " + percent(spread) +
+                      short_number(samples.data(low, 3 + k)) + ", which is " + short_percent(spread) +
                       " of white apart. The display's black changes, or stray light did: dark grays will be off. "
                       "Measure again in the dark, with dynamic backlight off."});
     return;
@@ -147,7 +147,7 @@ void judge_sum(const measurements& samples, const monitor& mon, std::vector<warn
   to.push_back({caution::channels_do_not_add,
                 samples.name + ": " + place_text(samples, 0) + ": white's Y is " + short_number(white) +
                     " above the dark, red, green and blue together have " + short_number(sum) + ", " +
-                    percent(sum / white - 1) +
+                    short_percent(sum / white - 1) +
                     " off. The model adds the channels, so that its whites are not the display's. Switch off dynamic "
                     "backlight and picture modes that boost colours, and measure again."});
 }

@@ -1,7 +1,7 @@
 #include <string>
 
 #include "corvantile/job/judgements.hpp"
-#include "corvantile/job/wording.hpp"
+#include "corvantile/utils/text.hpp"
 
 namespace corvantile {
 namespace {
@@ -32,8 +32,8 @@ void judge_matrix(const settings& set, const mat3& m, std::vector<warning>& to) 
       if (m(i, j) > m(largest, j)) largest = i;
     }
     if (largest == j) continue;
-    to.push_back({caution::matrix_exchanged, entry(largest, j) + ": " + channel_name[j] + " goes mostly to " +
-                                                 channel_name[largest] +
+    to.push_back({caution::matrix_exchanged, entry(largest, j) + ": " + channel_names[j] + " goes mostly to " +
+                                                 channel_names[largest] +
                                                  ". Give xytable as white, red, green, blue, and the ramps as white, "
                                                  "red, green, blue."});
     break;

@@ -15,7 +15,6 @@
 #include "corvantile/kit/job_folder.hpp"
 #include "corvantile/kit/verbs.hpp"
 #include "corvantile/kit/words.hpp"
-#include "corvantile/utils/decimal.hpp"
 #include "corvantile/utils/text.hpp"
 
 namespace corvantile::kit {

@@ -31,16 +31,6 @@ namespace {
 constexpr std::size_t usual_grid = 33;
 constexpr int rows_to_bake_from = 4096;
 
-table_set tables_of(const correction& result) {
-  table_set tables;
-  tables.two_tables = result.two.has_value();
-  tables.post = result.two ? result.two->postlut : result.gray;
-  if (!result.two) return tables;
-  tables.pre = result.two->prelut;
-  tables.mix = result.two->matrix;
-  return tables;
-}
-
 // What a writer is given.
 struct subject {
   const solved_job& job;
@@ -49,17 +39,17 @@ struct subject {
   description about;
   std::optional<calibration_curves> compose;
 
-  table_set tables() const { return tables_of(job.result); }
+  device_tables tables() const { return tables_of(job.result); }
   /// For formats that replace the calibration: resampled first, composed then.
-  table_set composed(std::optional<std::size_t> entries = {}) const {
-    table_set t = tables();
+  device_tables composed(std::optional<std::size_t> entries = {}) const {
+    device_tables t = tables();
     if (t.two_tables) return t;  // refused by the writer
     if (entries) t.post = resample(t.post, *entries);
     if (compose) t.post = compose_calibration(*compose, std::move(t.post));
     return t;
   }
   /// Fine enough for a grid between whose points the dark end matters.
-  table_set to_bake() const {
+  device_tables to_bake() const {
     if (job.names.set.tlen >= rows_to_bake_from) return tables();
     settings finer = job.names.set;
     finer.tlen = rows_to_bake_from;

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "corvantile/formats/writers/memory_words.hpp"
-#include "corvantile/formats/writers/table_set.hpp"
+#include "corvantile/formats/writers/writer.hpp"
 #include "corvantile/kit/job_folder.hpp"
 #include "corvantile/readings/provenance.hpp"
 

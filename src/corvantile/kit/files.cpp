@@ -9,6 +9,7 @@
 #include <xxhash.h>
 
 #include "corvantile/utils/failure.hpp"
+#include "corvantile/utils/file_input.hpp"
 #include "corvantile/utils/text.hpp"
 
 namespace corvantile::kit {

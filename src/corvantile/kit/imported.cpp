@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "corvantile/kit/files.hpp"
-#include "corvantile/utils/decimal.hpp"
 #include "corvantile/utils/failure.hpp"
 #include "corvantile/utils/text.hpp"
 

@@ -11,6 +11,7 @@
 #include "corvantile/driver/tables.hpp"
 #include "corvantile/kit/files.hpp"
 #include "corvantile/utils/failure.hpp"
+#include "corvantile/utils/number_scanner.hpp"
 #include "corvantile/utils/text.hpp"
 #include "corvantile/utils/version.hpp"
 

@@ -22,7 +22,6 @@
 #include "corvantile/kit/targets.hpp"
 #include "corvantile/kit/verbs.hpp"
 #include "corvantile/kit/words.hpp"
-#include "corvantile/utils/decimal.hpp"
 #include "corvantile/utils/failure.hpp"
 #include "corvantile/utils/text.hpp"
 

@@ -15,6 +15,7 @@
 #include "corvantile/monitor/measurements.hpp"
 #include "corvantile/monitor/monitor.hpp"
 #include "corvantile/utils/failure.hpp"
+#include "corvantile/utils/number_scanner.hpp"
 #include "corvantile/utils/text.hpp"
 
 namespace corvantile::kit {

@@ -17,7 +17,6 @@
 #include "corvantile/kit/verbs.hpp"
 #include "corvantile/readings/patches.hpp"
 #include "corvantile/report/gather.hpp"
-#include "corvantile/utils/decimal.hpp"
 #include "corvantile/utils/failure.hpp"
 #include "corvantile/utils/text.hpp"
 

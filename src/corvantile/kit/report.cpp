@@ -10,7 +10,6 @@
 #include "corvantile/kit/report_job.hpp"
 #include "corvantile/kit/verbs.hpp"
 #include "corvantile/kit/words.hpp"
-#include "corvantile/utils/decimal.hpp"
 #include "corvantile/utils/text.hpp"
 
 namespace corvantile::kit {

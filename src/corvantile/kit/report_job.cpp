@@ -7,7 +7,7 @@
 #include "corvantile/kit/dates.hpp"
 #include "corvantile/kit/words.hpp"
 #include "corvantile/report/gather.hpp"
-#include "corvantile/utils/decimal.hpp"
+#include "corvantile/utils/number_scanner.hpp"
 #include "corvantile/utils/text.hpp"
 #include "corvantile/utils/version.hpp"
 

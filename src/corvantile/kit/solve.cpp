@@ -9,8 +9,8 @@
 #include "corvantile/kit/imported.hpp"
 #include "corvantile/kit/job_folder.hpp"
 #include "corvantile/kit/verbs.hpp"
-#include "corvantile/utils/decimal.hpp"
 #include "corvantile/utils/failure.hpp"
+#include "corvantile/utils/file_input.hpp"
 #include "corvantile/utils/text.hpp"
 
 namespace corvantile::kit {

@@ -9,7 +9,6 @@
 #include "corvantile/colour/standards.hpp"
 #include "corvantile/driver/gamma_file.hpp"
 #include "corvantile/kit/files.hpp"
-#include "corvantile/utils/decimal.hpp"
 #include "corvantile/utils/failure.hpp"
 #include "corvantile/utils/text.hpp"
 

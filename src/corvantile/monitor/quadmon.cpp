@@ -22,8 +22,6 @@
 namespace corvantile {
 namespace {
 
-constexpr std::array channel_names{"red", "green", "blue"};
-
 // The samples of one channel's ramp, zero drive first.
 struct channel_ramp {
   const measurements& from;

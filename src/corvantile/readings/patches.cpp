@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "corvantile/utils/decimal.hpp"
+#include "corvantile/utils/text.hpp"
 
 namespace corvantile {
 namespace {

@@ -6,7 +6,6 @@
 #include <span>
 #include <utility>
 
-#include "corvantile/utils/decimal.hpp"
 #include "corvantile/utils/text.hpp"
 
 namespace corvantile {

@@ -6,8 +6,8 @@
 
 #include "corvantile/numerics/linsolv.hpp"
 #include "corvantile/readings/derived_ramps.hpp"
-#include "corvantile/utils/decimal.hpp"
 #include "corvantile/utils/failure.hpp"
+#include "corvantile/utils/text.hpp"
 
 namespace corvantile {
 namespace {
@@ -18,7 +18,6 @@ constexpr std::size_t least_unseen = 10;    // patches on which two ways are com
 constexpr std::size_t least_near_gray = 5;  // of them, for a mean of their own
 constexpr double tolerated = 0.01;          // of additivity and of repeats, where there is no further evidence
 constexpr int pieces = 5;                   // of the models that predict: the default of a fit
-constexpr std::array channel_names{"red", "green", "blue"};
 
 // One drive value in all its digits but those that a conversion from percent and back has added.
 double in_percent(double drive) { return std::round(drive * 1e11) / 1e9; }

@@ -215,27 +215,6 @@ trust_record trust(const scene& sc) {
   return t;
 }
 
-// ---- Solved jobs ----
-
-// The last row of a shading that begins there is 0/0; devices never get it.
-void mend_row(matrix& table, std::size_t row) {
-  if (row > 0 && row < table.rows()) set_row3(table, row, row3(table, row - 1));
-}
-
-table_set tables_of(const correction& result) {
-  table_set t;
-  if (result.two) {
-    t.two_tables = true;
-    t.pre = result.two->prelut;
-    t.mix = result.two->matrix;
-    t.post = result.two->postlut;
-  } else {
-    t.post = result.gray;
-  }
-  if (result.undefined_row) mend_row(result.two ? t.pre : t.post, *result.undefined_row);
-  return t;
-}
-
 }  // namespace
 
 report_source source_of(const correction& result, const settings& set) {

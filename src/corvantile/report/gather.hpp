@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "corvantile/formats/writers/table_set.hpp"
+#include "corvantile/formats/writers/writer.hpp"
 #include "corvantile/job/correction.hpp"
 #include "corvantile/job/settings.hpp"
 #include "corvantile/matching/matching.hpp"
@@ -20,7 +20,7 @@ namespace corvantile {
 /// A correction as the report sees it. References are looked at during a call only.
 struct report_source {
   const monitor& display;  ///< as measured, without a front end
-  table_set tables;        ///< as the device holds them, real entries
+  device_tables tables;    ///< as the device holds them, real entries
   int bits = 0;            ///< of the written entries; 0: reals
 
   vec2 white;                          ///< chromaticity x, y asked for in the grays

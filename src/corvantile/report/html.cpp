@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "corvantile/report/svg.hpp"
-#include "corvantile/utils/decimal.hpp"
+#include "corvantile/utils/text.hpp"
 
 namespace corvantile::html {
 

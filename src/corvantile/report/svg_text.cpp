@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "corvantile/report/svg.hpp"
-#include "corvantile/utils/decimal.hpp"
+#include "corvantile/utils/text.hpp"
 
 namespace corvantile::svg {
 namespace {

@@ -5,7 +5,9 @@
 #include <cstdint>
 #include <ostream>
 
+#include "corvantile/utils/file_input.hpp"
 #include "corvantile/utils/file_output.hpp"
+#include "corvantile/utils/number_scanner.hpp"
 #include "corvantile/utils/text.hpp"
 
 namespace corvantile {

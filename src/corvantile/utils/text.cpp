@@ -4,11 +4,8 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <limits>
-#include <memory>
 
-#include "corvantile/utils/failure.hpp"
 #include "corvantile/utils/fixed_point.hpp"
 
 namespace corvantile {
@@ -31,14 +28,6 @@ void append_not_finite(std::string& out, double v, std::size_t width) {
   const std::string_view longer = std::isnan(v) ? "NaN" : negative ? "-Infinity" : "Infinity";
   append_right(out, width >= longer.size() ? longer : shorter, width);
 }
-
-// A separator ends a number; all but the comma and the slash also count as blank.
-constexpr bool is_separator(char c) { return is_white_space(c) || c == ',' || c == '/'; }
-constexpr auto separators = []() {
-  std::array<bool, 256> t{};
-  for (std::size_t c = 0; c < t.size(); ++c) t[c] = is_separator(static_cast<char>(c));
-  return t;
-}();
 
 // Infinity or zero, with its sign, for a decimal number that is too large or too small for a double: decided by the
 // decimal place of its first non-zero digit.
@@ -203,99 +192,20 @@ std::string printable(std::string_view s) {
   return shown;
 }
 
-std::optional<std::string> read_file(std::string_view name, std::size_t most) {
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(std::string(trim(name)).c_str(), "rb"),
-                                                             std::fclose);
-  if (!file) return std::nullopt;
-  std::string text;
-  std::size_t used = 0;
-  do {  // grows by doubling, whatever the file claims to hold
-    text.resize(std::max<std::size_t>(text.size() * 2, 16384));
-    used += std::fread(text.data() + used, 1, text.size() - used, file.get());
-    if (used > most) refuse_content(printable(trim(name)), "more than " + std::to_string(most) + " bytes");
-  } while (used == text.size());
-  if (std::ferror(file.get()) != 0) return std::nullopt;
-  text.resize(used);
-  return text;
+static std::string significant(double v, int digits) {
+  std::array<char, 32> buf;
+  return {buf.data(), std::to_chars(buf.data(), buf.data() + buf.size(), v, std::chars_format::general, digits).ptr};
 }
 
-void number_scanner::skip_blanks() {
-  for (; pos_ < text_.size() && is_white_space(text_[pos_]); ++pos_)
-    if (text_[pos_] == '\n') ++line_;
-}
+std::string short_number(double v) { return significant(v, 4); }
 
-number_scanner::result number_scanner::take_item() {
-  if (repeats_ > 0) return result::number;
-  skip_blanks();
-  if (after_item_ && pos_ < text_.size() && text_[pos_] == ',') {
-    ++pos_;
-    after_item_ = false;
-    skip_blanks();
-  }
-  item_line_ = line_;
-  item_ = {};
-  if (pos_ == text_.size() || text_[pos_] == '/') return result::end;
+std::string short_percent(double ratio) { return significant(100 * ratio, 3) + " %"; }
 
-  std::size_t end = pos_;
-  std::size_t star = std::string_view::npos;
-  for (; end < text_.size() && !separators[static_cast<unsigned char>(text_[end])]; ++end)
-    if (text_[end] == '*' && star == std::string_view::npos) star = end;
-  if (end == pos_) {
-    item_ = ",";
-    return result::bad;
-  }
-  item_ = text_.substr(pos_, end - pos_);
-  value_ = item_;
-  repeats_ = 1;
-  if (star != std::string_view::npos) {
-    const auto count = parse_integer(text_.substr(pos_, star - pos_));
-    repeats_ = count && *count > 0 ? static_cast<std::uint64_t>(*count) : 0;
-    value_ = text_.substr(star + 1, end - star - 1);
-    if (repeats_ == 0 || value_.empty()) return repeats_ = 0, result::bad;
-  }
-  pos_ = end;
-  after_item_ = true;
-  return result::number;
-}
+std::string short_pair(const vec2& v) { return short_number(v[0]) + ", " + short_number(v[1]); }
 
-template <class T>
-number_scanner::result number_scanner::take_number(T& v, std::optional<T> (*parse)(std::string_view)) {
-  const result r = take_item();
-  if (r != result::number) return r;
-  const std::optional<T> number = parse(value_);
-  if (!number) return result::bad;
-  --repeats_;
-  v = *number;
-  return r;
-}
-
-number_scanner::result number_scanner::next(double& v) { return take_number(v, parse_real); }
-number_scanner::result number_scanner::next(std::int64_t& v) { return take_number(v, parse_integer); }
-
-std::optional<std::string_view> number_scanner::next_line() {
-  repeats_ = 0;
-  after_item_ = false;
-  item_ = {};
-  item_line_ = line_;
-  if (pos_ == text_.size()) return std::nullopt;
-  const std::size_t end = std::min(text_.find('\n', pos_), text_.size());
-  std::string_view rest = text_.substr(pos_, end - pos_);
-  pos_ = end;
-  if (pos_ < text_.size()) {
-    ++pos_;
-    ++line_;
-  }
-  if (rest.ends_with('\r')) rest.remove_suffix(1);
-  return rest;
-}
-
-std::string number_scanner::problem(std::string_view expected) const {
-  std::string s = "line " + integer_field(static_cast<std::int64_t>(item_line_)) + ": expected ";
-  s += expected;
-  s += ", found ";
-  if (item_.empty()) return s + "the end";
-  if (item_ == ",") return s + "a comma without a value before it";
-  return s + in_quotes(item_);
+std::string row_range(std::size_t first, std::size_t last) {
+  if (first == last) return "row " + std::to_string(first);
+  return "rows " + std::to_string(first) + " to " + std::to_string(last);
 }
 
 }  // namespace corvantile

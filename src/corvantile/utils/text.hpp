@@ -1,14 +1,18 @@
 #pragma once
-// Numbers to text and back, padded text, and whole text files.
+// Numbers to text and back, and padded text.
 //
 // Number layouts are named by their Fortran-style edit descriptors: fw.d fixed point, gw.d fixed or exponent form,
 // iw integer, each right-aligned in w characters. A value that does not fit fills its field with `*`.
 
+#include <array>
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "corvantile/numerics/matrix.hpp"
 
 namespace corvantile {
 
@@ -61,52 +65,36 @@ std::string_view without_byte_order_mark(std::string_view text);
 /// `s` for a message, with control characters spelled out: a line end as `\n`, others as `\x1b`.
 std::string printable(std::string_view s);
 
-/// Everything that the file holds; nothing when it cannot be opened or read (a directory, for example).
-/// Trailing blanks of the name are ignored. Throws `fault::content` for a file (or an endless device) of more than
-/// `most` bytes.
-std::optional<std::string> read_file(std::string_view name, std::size_t most = std::size_t{1} << 30U);
+// ---- Numbers in sentences ----
 
-/// Reads numbers from text in free format: separated by blanks, tabs, line ends or one comma, with repeat counts
-/// (`3*0.5`), up to the end of the text or a slash. A value left out (two commas in a row, `3*`) is bad: whoever
-/// reads measurements needs each of them. Not-a-number and infinity are numbers here; the caller judges them. The
-/// text must outlive the scanner. Nothing is allocated.
-class number_scanner {
- public:
-  enum class result { number, end, bad };
+/// Four significant digits: "0.3127", "1500", "1.2e-05".
+std::string short_number(double v);
 
-  /// `first_line` is the number of the text's first line, for a scanner over a part of a file.
-  explicit number_scanner(std::string_view text, std::size_t first_line = 1)
-      : text_(without_byte_order_mark(text)), line_(first_line), item_line_(first_line) {}
+/// A ratio in percent with three significant digits: "12.3 %".
+std::string short_percent(double ratio);
 
-  /// The next number into `v`, which stays as it is when the result is another.
-  result next(double& v);
-  /// The next number, which must be written as an integer.
-  result next(std::int64_t& v);
+/// "0.3127, 0.329".
+std::string short_pair(const vec2& v);
 
-  /// The rest of the current line, without its end; nothing at the end of the text. Numbers start afresh after it.
-  std::optional<std::string_view> next_line();
+/// Rows `first` to `last`: "row 7" or "rows 7 to 9".
+std::string row_range(std::size_t first, std::size_t last);
 
-  /// Line of what `next` found last, or of the end of the text.
-  std::size_t line() const { return item_line_; }
+inline constexpr std::array channel_names{"red", "green", "blue"};
 
-  /// For a bad item: "line 7: expected a number, found 'abc'". At the end: "line 9: expected a number, found the
-  /// end".
-  std::string problem(std::string_view expected = "a number") const;
+/// `v` with `digits` decimals, rounded from the exact value, the zero before the point kept: 0.50, -0.02, nan, inf.
+inline std::string decimal(double v, int digits) {
+  std::array<char, 400> buf{};  // sign, 309 digits, point, decimals
+  auto* const end = std::to_chars(buf.data(), buf.data() + buf.size(), v, std::chars_format::fixed, digits).ptr;
+  return {buf.data(), end};
+}
 
- private:
-  result take_item();
-  template <class T>
-  result take_number(T& v, std::optional<T> (*parse)(std::string_view));
-  void skip_blanks();
+/// The fewest digits that read back as the same double.
+inline std::string shortest(double v) {
+  std::array<char, 32> buf{};
+  return {buf.data(), std::to_chars(buf.data(), buf.data() + buf.size(), v).ptr};
+}
 
-  std::string_view text_;
-  std::size_t pos_ = 0;
-  std::size_t line_;         // of pos_
-  bool after_item_ = false;  // one comma may still belong to the last item
-  std::string_view item_;    // as written, for messages
-  std::string_view value_;   // the item without its repeat count
-  std::size_t item_line_;
-  std::uint64_t repeats_ = 0;  // how often value_ is still to be given
-};
+/// `v`, a fraction, in percent with `digits` decimals.
+inline std::string percent(double v, int digits) { return decimal(100 * v, digits) + " %"; }
 
 }  // namespace corvantile

@@ -86,7 +86,7 @@ void append_matrix(std::string& out, const memory& m, const mat3& mix) {
 
 }  // namespace
 
-memory_files c_header_files(const table_set& tables, const description& about, const memory_options& options) {
+memory_files c_header_files(const device_tables& tables, const description& about, const memory_options& options) {
   const memory_set set = memory_words("c", tables, options);
   description safe{c_comment(about.title), about.comments};
   safe.comments.push_back(clamp_note(set));

@@ -29,7 +29,7 @@ std::string cal_text(std::span<const double> inputs, const matrix& outputs, cons
 
 }  // namespace
 
-std::string cal_file(const table_set& tables, const description& about) {
+std::string cal_file(const device_tables& tables, const description& about) {
   const matrix& table = require_one_table("cal", tables);
   return cal_text(linspace(0.0, 1.0, table.rows()), table, about);
 }

@@ -29,7 +29,7 @@ void append_matrix(std::string& out, const mat3& m) {
 
 }  // namespace
 
-std::string clf_file(const table_set& tables, const description& about) {
+std::string clf_file(const device_tables& tables, const description& about) {
   require_tables("clf", tables);
   std::string out = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<ProcessList id=\"correction\" name=\"" +
                     xml_text(about.title) + "\" compCLFversion=\"3.0\" xmlns=\"urn:AMPAS:CLF:v3.0\">\n";

@@ -3,11 +3,11 @@
 
 #include <string>
 
-#include "corvantile/formats/writers/table_set.hpp"
+#include "corvantile/formats/writers/writer.hpp"
 
 namespace corvantile {
 
 /// LUT1D, Matrix, LUT1D, or one LUT1D for a gray-axis job; 32f throughout, nine digits. Tables of 2 to 65536 rows.
-std::string clf_file(const table_set& tables, const description& about);
+std::string clf_file(const device_tables& tables, const description& about);
 
 }  // namespace corvantile

@@ -2,7 +2,7 @@
 
 namespace corvantile {
 
-memory_files coe_files(const table_set& tables, const description& about, const memory_options& options) {
+memory_files coe_files(const device_tables& tables, const description& about, const memory_options& options) {
   const memory_set set = memory_words("coe", tables, options);
   return one_file_each(set, ".coe", [&](const memory& m) {
     std::string out =

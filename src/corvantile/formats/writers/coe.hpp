@@ -6,6 +6,6 @@
 namespace corvantile {
 
 /// `pre_lut.coe`, `matrix_q2_14.coe` (or `matrix_q15_16.coe`), `post_lut.coe`; of a gray-axis job only the last.
-memory_files coe_files(const table_set& tables, const description& about, const memory_options& options = {});
+memory_files coe_files(const device_tables& tables, const description& about, const memory_options& options = {});
 
 }  // namespace corvantile

@@ -4,7 +4,7 @@
 
 namespace corvantile {
 
-std::string cube_file(const table_set& tables, const description& about) {
+std::string cube_file(const device_tables& tables, const description& about) {
   const matrix& table = require_one_table("cube", tables);
   require_count("cube", "rows", table.rows(), 2, 65536);
   std::string out = "TITLE " + plain_quoted(about.title) + "\n" + comment_lines_only(about, "#") + "LUT_1D_SIZE ";

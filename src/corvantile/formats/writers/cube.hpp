@@ -3,11 +3,11 @@
 
 #include <string>
 
-#include "corvantile/formats/writers/table_set.hpp"
+#include "corvantile/formats/writers/writer.hpp"
 
 namespace corvantile {
 
 /// One table of 2 to 65536 rows over 0..1. Refuses a two-table correction.
-std::string cube_file(const table_set& tables, const description& about);
+std::string cube_file(const device_tables& tables, const description& about);
 
 }  // namespace corvantile

@@ -26,7 +26,7 @@ std::string cube3d_file(const drive_map& corrected, std::size_t size, const desc
   return out;
 }
 
-std::string cube3d_file(const table_set& tables, std::size_t size, const description& about) {
+std::string cube3d_file(const device_tables& tables, std::size_t size, const description& about) {
   require_bakeable("cube3d", tables);
   return cube3d_file([&](const vec3& drive) { return corrected(tables, drive); }, size, about);
 }

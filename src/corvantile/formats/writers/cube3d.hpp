@@ -6,7 +6,7 @@
 #include <functional>
 #include <string>
 
-#include "corvantile/formats/writers/table_set.hpp"
+#include "corvantile/formats/writers/writer.hpp"
 
 namespace corvantile {
 
@@ -17,6 +17,6 @@ using drive_map = std::function<vec3(const vec3&)>;
 /// follow). Baked from the model's own curves, ...
 std::string cube3d_file(const drive_map& corrected, std::size_t size, const description& about);
 /// ... or from tables of at least 4096 rows.
-std::string cube3d_file(const table_set& tables, std::size_t size, const description& about);
+std::string cube3d_file(const device_tables& tables, std::size_t size, const description& about);
 
 }  // namespace corvantile

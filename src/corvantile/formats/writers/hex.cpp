@@ -2,7 +2,7 @@
 
 namespace corvantile {
 
-memory_files hex_files(const table_set& tables, const description& about, const memory_options& options) {
+memory_files hex_files(const device_tables& tables, const description& about, const memory_options& options) {
   const memory_set set = memory_words("hex", tables, options);
   return one_file_each(set, ".hex", [&](const memory& m) {
     std::string out = memory_comment(about, set, m, "//");

@@ -18,7 +18,7 @@ static raw_tag vcgt(const matrix& table) {
   return tag;
 }
 
-std::string icc_file(const table_set& tables, const profiled_display& behind, const description& about,
+std::string icc_file(const device_tables& tables, const profiled_display& behind, const description& about,
                      std::size_t entries) {
   const matrix& table = require_one_table("icc", tables);
   require_count("icc", "entries", entries, 2, most_vcgt_entries);

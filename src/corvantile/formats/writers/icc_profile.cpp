@@ -137,9 +137,9 @@ void require_display(std::string_view format, const profiled_display& display) {
 
 mat3 bradford_to_d50(const vec3& white) {
   constexpr mat3 cone{{{{{0.8951, -0.7502, 0.0389}}, {{0.2664, 1.7135, -0.0685}}, {{-0.1614, 0.0367, 1.0296}}}}};
-  constexpr vec3 d50{{0.9642, 1.0, 0.8249}};
+  constexpr vec3 pcs_white{{0.9642, 1.0, 0.8249}};
   const vec3 from = cone * (white / white[1]);
-  const vec3 to = cone * d50;
+  const vec3 to = cone * pcs_white;
   mat3 gain;
   for (std::size_t c = 0; c < 3; ++c) gain(c, c) = to[c] / from[c];
   return inv(cone) * (gain * cone);

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "corvantile/formats/writers/table_set.hpp"
+#include "corvantile/formats/writers/writer.hpp"
 #include "corvantile/numerics/matrix.hpp"
 
 namespace corvantile {

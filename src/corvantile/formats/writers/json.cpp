@@ -15,7 +15,7 @@ static json part(const matrix& table) {
           {"blue", table.col(2)}};
 }
 
-std::string json_file(const table_set& tables, const description& about) {
+std::string json_file(const device_tables& tables, const description& about) {
   require_tables("json", tables);
   json comments = json::array();
   for (const std::string& line : about.comments) comments.push_back(ascii(line));

@@ -3,13 +3,13 @@
 
 #include <string>
 
-#include "corvantile/formats/writers/table_set.hpp"
+#include "corvantile/formats/writers/writer.hpp"
 
 namespace corvantile {
 
 /// Keys: `format` ("corvantile-tables"), `version` (1), `title`, `comments`, `order` (the parts as they are applied),
 /// and each part: `pre` and `post` with `axis`, `red`, `green`, `blue` (equally long lists of numbers), `matrix` with
 /// three rows. A gray-axis job has `post` only. Every digit of a double is kept.
-std::string json_file(const table_set& tables, const description& about);
+std::string json_file(const device_tables& tables, const description& about);
 
 }  // namespace corvantile

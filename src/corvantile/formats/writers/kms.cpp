@@ -72,7 +72,7 @@ constexpr interface_words pipeline = {
     "of\n"
     "each file and sets it as the operation's DATA; what has no file is bypassed.\n"};
 
-std::string readme(const table_set& tables, const description& about, const kms_options& options,
+std::string readme(const device_tables& tables, const description& about, const kms_options& options,
                    std::size_t clamped) {
   const interface_words& words = options.wide ? pipeline : crtc;
   std::string out = comment_lines(about, "#") + "\n" + words.parts + ", in the order in which they are applied:\n\n";
@@ -94,7 +94,8 @@ std::string readme(const table_set& tables, const description& about, const kms_
 
 }  // namespace
 
-std::vector<file_content> kms_files(const table_set& tables, const description& about, const kms_options& options) {
+std::vector<file_content> kms_files(const device_tables& tables, const description& about,
+                                    const kms_options& options) {
   require_tables("kms", tables);
   require_count("kms", "entries", options.entries, 2, 65536);
   std::size_t clamped = 0;

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "corvantile/formats/writers/table_set.hpp"
+#include "corvantile/formats/writers/writer.hpp"
 
 namespace corvantile {
 
@@ -17,7 +17,7 @@ struct kms_options {
 
 /// `degamma_lut.bin`, `ctm.bin`, `gamma_lut.bin`, little-endian, and a `README.txt` of their order; of a gray-axis
 /// job only the last two. Tables are resampled, and clamped to 0..1; the README says how many entries were.
-std::vector<file_content> kms_files(const table_set& tables, const description& about,
+std::vector<file_content> kms_files(const device_tables& tables, const description& about,
                                     const kms_options& options = {});
 
 }  // namespace corvantile

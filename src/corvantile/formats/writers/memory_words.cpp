@@ -64,7 +64,7 @@ memory matrix_memory(const mat3& m, matrix_format format, std::size_t& clamped) 
 
 }  // namespace
 
-memory_set memory_words(std::string_view format, const table_set& tables, const memory_options& options) {
+memory_set memory_words(std::string_view format, const device_tables& tables, const memory_options& options) {
   require_tables(format, tables);
   require_count(format, "bits", options.bits, 2, 16);
   memory_set set;

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "corvantile/formats/writers/table_set.hpp"
+#include "corvantile/formats/writers/writer.hpp"
 
 namespace corvantile {
 
@@ -45,7 +45,7 @@ struct memory_set {
 };
 
 /// Entries are round(v (2^bits - 1)), halves away from zero. Refuses, in the name of `format`, other numbers of bits.
-memory_set memory_words(std::string_view format, const table_set& tables, const memory_options& options);
+memory_set memory_words(std::string_view format, const device_tables& tables, const memory_options& options);
 
 /// The files made of a correction, and how many entries had to be clamped; the files say so, too.
 struct memory_files {

@@ -38,13 +38,13 @@ void append_matrix(std::string& out, const mat3& m) {
   }
 }
 
-raw_tag mhc2_tag(const table_set& tables, const profiled_display& behind, std::size_t entries) {
+raw_tag mhc2_tag(const device_tables& tables, const profiled_display& behind, std::size_t entries) {
   raw_tag tag{0x4D484332, {}};
   append_header(tag.bytes, entries, behind);
   append_matrix(tag.bytes, in_xyz(tables.mix));
   matrix curve(entries, 3);
   const std::vector<double> drive = linspace(0.0, 1.0, entries);
-  table_set last;
+  device_tables last;
   last.post = tables.post;
   for (std::size_t i = 0; i < entries; ++i) {
     const double l = srgb_decode(drive[i]);
@@ -71,7 +71,7 @@ double distance_from_srgb(const matrix& pre) {
   return most * 255;
 }
 
-std::string mhc2_file(const table_set& tables, const profiled_display& behind, const description& about,
+std::string mhc2_file(const device_tables& tables, const profiled_display& behind, const description& about,
                       std::size_t entries) {
   require_tables("mhc2", tables);
   if (!tables.two_tables)

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "corvantile/formats/writers/icc_profile.hpp"
-#include "corvantile/formats/writers/table_set.hpp"
+#include "corvantile/formats/writers/writer.hpp"
 
 namespace corvantile {
 
@@ -27,7 +27,7 @@ inline constexpr double srgb_tolerance = 3;
 /// M = S K S^-1 with the matrix S of sRGB; table_c(v) = post_c(decode(v)) at `entries` points, 2 to 4096. `behind` is
 /// the display behind the correction. Where its luminance is not known the tag says 80 cd/m2, that of sRGB.
 /// Refuses one-table corrections and pre-tables farther than `srgb_tolerance` from the sRGB curve.
-std::string mhc2_file(const table_set& tables, const profiled_display& behind, const description& about,
+std::string mhc2_file(const device_tables& tables, const profiled_display& behind, const description& about,
                       std::size_t entries = 1024);
 
 }  // namespace corvantile

@@ -6,7 +6,7 @@
 
 namespace corvantile {
 
-memory_files mif_files(const table_set& tables, const description& about, const memory_options& options) {
+memory_files mif_files(const device_tables& tables, const description& about, const memory_options& options) {
   const memory_set set = memory_words("mif", tables, options);
   return one_file_each(set, ".mif", [&](const memory& m) {
     std::string out = memory_comment(about, set, m, "--") + "DEPTH = ";

@@ -6,6 +6,6 @@
 namespace corvantile {
 
 /// `pre_lut.mif`, `matrix_q2_14.mif` (or `matrix_q15_16.mif`), `post_lut.mif`; of a gray-axis job only the last.
-memory_files mif_files(const table_set& tables, const description& about, const memory_options& options = {});
+memory_files mif_files(const device_tables& tables, const description& about, const memory_options& options = {});
 
 }  // namespace corvantile

@@ -45,7 +45,7 @@ std::string config(const std::vector<file_content>& steps, const description& ab
 
 }  // namespace
 
-std::vector<file_content> spi_files(const table_set& tables, const description& about) {
+std::vector<file_content> spi_files(const device_tables& tables, const description& about) {
   require_tables("spi", tables);
   std::vector<file_content> files;
   if (tables.two_tables) {

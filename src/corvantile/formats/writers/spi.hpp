@@ -3,12 +3,12 @@
 
 #include <vector>
 
-#include "corvantile/formats/writers/table_set.hpp"
+#include "corvantile/formats/writers/writer.hpp"
 
 namespace corvantile {
 
 /// `preLUT.spi1d`, `matrix.spimtx`, `postLUT.spi1d` and `config.ocio`, whose view "corrected" applies the three;
 /// of a gray-axis job only the last two. The description goes into the configuration: the others have no comments.
-std::vector<file_content> spi_files(const table_set& tables, const description& about);
+std::vector<file_content> spi_files(const device_tables& tables, const description& about);
 
 }  // namespace corvantile

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "corvantile/formats/text_lines.hpp"  // ascii
-#include "corvantile/formats/writers/table_set.hpp"
+#include "corvantile/formats/writers/writer.hpp"
 #include "corvantile/numerics/matrix.hpp"
 
 namespace corvantile {

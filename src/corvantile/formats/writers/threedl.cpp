@@ -40,7 +40,7 @@ std::string threedl_file(const drive_map& corrected, std::size_t size, const des
   return out;
 }
 
-std::string threedl_file(const table_set& tables, std::size_t size, const description& about) {
+std::string threedl_file(const device_tables& tables, std::size_t size, const description& about) {
   require_bakeable("3dl", tables);
   return threedl_file([&](const vec3& drive) { return corrected(tables, drive); }, size, about);
 }

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "corvantile/formats/writers/cube3d.hpp"
-#include "corvantile/formats/writers/table_set.hpp"
+#include "corvantile/formats/writers/writer.hpp"
 
 namespace corvantile {
 
@@ -14,6 +14,6 @@ namespace corvantile {
 /// correction that stays below 2048 everywhere, and so would be read as one of fewer bits, is refused.
 std::string threedl_file(const drive_map& corrected, std::size_t size, const description& about);
 /// The same from tables of at least 4096 rows.
-std::string threedl_file(const table_set& tables, std::size_t size, const description& about);
+std::string threedl_file(const device_tables& tables, std::size_t size, const description& about);
 
 }  // namespace corvantile

@@ -1,4 +1,4 @@
-#include "corvantile/formats/writers/table_set.hpp"
+#include "corvantile/formats/writers/writer.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -11,20 +11,6 @@ namespace corvantile {
 namespace {
 
 std::string count_text(std::size_t n) { return integer_field(static_cast<std::int64_t>(n)); }
-
-// The value at `x` of a table on 0..1, its ends held beyond.
-double held_at_ends(std::span<const double> table, double x) {
-  const auto last = static_cast<double>(table.size() - 1);
-  const double at = std::clamp(x, 0.0, 1.0) * last;
-  const auto i = static_cast<std::size_t>(std::min(std::floor(at), last - 1));
-  return std::lerp(table[i], table[i + 1], at - static_cast<double>(i));
-}
-
-vec3 through(const matrix& table, const vec3& x) {
-  vec3 y;
-  for (std::size_t c = 0; c < 3; ++c) y[c] = held_at_ends(table.col(c), x[c]);
-  return y;
-}
 
 void require_table(std::string_view format, std::string_view name, const matrix& table) {
   if (table.rows() < 2 || table.cols() != 3)
@@ -39,27 +25,6 @@ void require_finite(std::string_view format, std::string_view name, std::span<co
 }
 
 }  // namespace
-
-vec3 corrected(const table_set& tables, const vec3& drive) {
-  return through(tables.post, tables.two_tables ? tables.mix * through(tables.pre, drive) : drive);
-}
-
-matrix resample(const matrix& table, std::size_t entries) {
-  const std::size_t old_steps = table.rows() - 1;
-  const std::size_t steps = entries - 1;
-  matrix out(entries, table.cols());
-  for (std::size_t c = 0; c < table.cols(); ++c) {
-    const std::span<const double> from = table.col(c);
-    for (std::size_t i = 0; i < entries; ++i) {
-      const std::size_t at = i * old_steps / steps;
-      const std::size_t rest = i * old_steps % steps;  // in whole numbers, so that old rows are met exactly
-      out(i, c) = rest == 0
-                      ? from[at]
-                      : std::lerp(from[at], from[at + 1], static_cast<double>(rest) / static_cast<double>(steps));
-    }
-  }
-  return out;
-}
 
 matrix compose_calibration(const std::array<lut, 3>& cal, matrix table) {
   for (std::size_t c = 0; c < 3; ++c)
@@ -85,7 +50,7 @@ void refuse_format(std::string_view format, std::string_view why) {
   throw failure(fault::inexpressible, message);
 }
 
-void require_tables(std::string_view format, const table_set& tables) {
+void require_tables(std::string_view format, const device_tables& tables) {
   require_table(format, "post-table", tables.post);
   require_finite(format, "post-table", tables.post.data());
   if (!tables.two_tables) return;
@@ -94,7 +59,7 @@ void require_tables(std::string_view format, const table_set& tables) {
   for (const vec3& column : tables.mix.col) require_finite(format, "matrix", column.v);
 }
 
-const matrix& require_one_table(std::string_view format, const table_set& tables) {
+const matrix& require_one_table(std::string_view format, const device_tables& tables) {
   require_tables(format, tables);
   if (tables.two_tables)
     refuse_format(format,
@@ -110,7 +75,7 @@ void require_count(std::string_view format, std::string_view what, std::size_t c
                             " to " + count_text(most));
 }
 
-void require_bakeable(std::string_view format, const table_set& tables) {
+void require_bakeable(std::string_view format, const device_tables& tables) {
   require_tables(format, tables);
   constexpr std::size_t enough = 4096;
   const std::size_t rows = tables.two_tables ? std::min(tables.pre.rows(), tables.post.rows()) : tables.post.rows();
