@@ -32,7 +32,7 @@ bool in_reach(const monitor& mon, const gray_level& level) {
 }
 
 std::string white_text(const settings& set) {
-  if (set.white) return "white = " + short_pair(*set.white);
+  if (set.white) return "white = " + short_pair((*set.white)[0], (*set.white)[1]);
   return "the display's own white";
 }
 

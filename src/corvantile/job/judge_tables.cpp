@@ -55,7 +55,8 @@ std::vector<warning> judge_two_tables(const settings& set, const two_table_solut
   std::vector<warning> found;
   if (!two.top.reached) {
     found.push_back({caution::white_out_of_reach,
-                     "xytable: the display cannot show the target's white " + short_pair(set.xytable.white) +
+                     "xytable: the display cannot show the target's white " +
+                         short_pair(set.xytable.white[0], set.xytable.white[1]) +
                          " at any level that was tried, so that matrix and tables belong to no white. Choose a white "
                          "inside the display's gamut."});
   }

@@ -201,7 +201,7 @@ std::string short_number(double v) { return significant(v, 4); }
 
 std::string short_percent(double ratio) { return significant(100 * ratio, 3) + " %"; }
 
-std::string short_pair(const vec2& v) { return short_number(v[0]) + ", " + short_number(v[1]); }
+std::string short_pair(double a, double b) { return short_number(a) + ", " + short_number(b); }
 
 std::string row_range(std::size_t first, std::size_t last) {
   if (first == last) return "row " + std::to_string(first);

@@ -12,8 +12,6 @@
 #include <string>
 #include <string_view>
 
-#include "corvantile/numerics/matrix.hpp"
-
 namespace corvantile {
 
 /// fw.d: `v` with `digits` decimals, rounded from the exact value, right-aligned in `width` (0: the fewest
@@ -74,7 +72,7 @@ std::string short_number(double v);
 std::string short_percent(double ratio);
 
 /// "0.3127, 0.329".
-std::string short_pair(const vec2& v);
+std::string short_pair(double a, double b);
 
 /// Rows `first` to `last`: "row 7" or "rows 7 to 9".
 std::string row_range(std::size_t first, std::size_t last);
