@@ -53,7 +53,7 @@ inline const scratch_folder& scratch() {
 /// The measurement file of `subject(levels)`, in the scratch folder.
 inline std::string measurement_path(int levels) {
   const std::string path = scratch().path() + std::to_string(levels) + "_levels.txt";
-  if (!std::filesystem::exists(path)) std::ofstream(path) << measurement_file(subject(levels));
+  if (!std::filesystem::exists(path)) std::ofstream(path) << measurement_text(subject(levels));
   return path;
 }
 

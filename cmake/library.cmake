@@ -1,6 +1,6 @@
 # The core as one library for other programs: everything from numerics to job, and the headers that users need.
 # Warnings and what else the project builds with stay here; a user inherits C++20 and the headers' folder.
-set(parts numerics utils monitor colorimetry colour matching job)
+set(parts numerics utils monitor colorimetry colour matching job documents)
 list(TRANSFORM parts REPLACE "(.+)" "$<TARGET_OBJECTS:corvantile_\\1>" OUTPUT_VARIABLE objects)
 add_library(corvantile STATIC ${objects})
 add_library(Corvantile::corvantile ALIAS corvantile)
@@ -12,12 +12,13 @@ target_sources(corvantile INTERFACE
   FILE_SET HEADERS BASE_DIRS ${src} ${PROJECT_BINARY_DIR}/generated
   FILES
     ${src}/corvantile.hpp
+    ${src}/corvantile/documents/measurement_file.hpp
     ${src}/corvantile/job/correction.hpp
     ${src}/corvantile/job/device_tables.hpp
     ${src}/corvantile/job/judgements.hpp
     ${src}/corvantile/job/settings.hpp
     ${src}/corvantile/job/tone_samples.hpp
-    ${src}/corvantile/job/warning.hpp
+    ${src}/corvantile/job/finding.hpp
     ${src}/corvantile/matching/matching.hpp
     ${src}/corvantile/colour/chromaticity.hpp
     ${src}/corvantile/colour/color_metrics.hpp

@@ -16,7 +16,7 @@
 #include <stdexcept>
 #include <unistd.h>
 
-#include "corvantile/driver/profile.hpp"
+#include "corvantile/documents/settings_text.hpp"
 #include "corvantile/driver/run.hpp"
 #include "corvantile/utils/file_input.hpp"
 #include "corvantile/utils/file_output.hpp"
@@ -102,8 +102,8 @@ void run_job(std::string_view input) {
   const std::string_view display = next_part(input);
   const std::string_view gamma = next_part(input);
 
-  profile p;
-  if (const auto stop = stop_of([&] { p = read_profile(settings_text); })) {
+  opts p;
+  if (const auto stop = stop_of([&] { p = read_opts(settings_text); })) {
     expect(stop->kind == fault::setting, "unreadable settings are refused as such");
     return;
   }
@@ -120,7 +120,7 @@ void run_job(std::string_view input) {
   std::ostringstream out;
   std::ostringstream err;
   try {
-    const auto stop = stop_of([&] { run_program(std::array{argument}, profile_text(p), out, err); });
+    const auto stop = stop_of([&] { run_program(std::array{argument}, opts_text(p), out, err); });
     look_at_tables(p.outdir, set, !stop);
     if (!stop) {
       name_mode(p);

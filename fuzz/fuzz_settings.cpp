@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <sstream>
 
-#include "corvantile/driver/profile.hpp"
-#include "corvantile/driver/tables.hpp"
+#include "corvantile/documents/settings_text.hpp"
+#include "corvantile/documents/table_files.hpp"
 #include "corvantile/utils/text.hpp"
 #include "fuzz/expect.hpp"
 
@@ -13,15 +13,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   using namespace corvantile;
   using namespace corvantile::fuzz;
 
-  profile p;
+  opts p;
   const auto refused_as_setting = [](const auto& f) {
     const auto stop = stop_of(f);
     if (stop) expect(stop->kind == fault::setting, "settings without a result are refused as such");
     return stop.has_value();
   };
-  if (refused_as_setting([&] { p = read_profile(as_text(data, size)); })) return 0;
-  const std::string text = profile_text(p);
-  expect(profile_text(read_profile(text)) == text, "settings written out are read as the same");
+  if (refused_as_setting([&] { p = read_opts(as_text(data, size)); })) return 0;
+  const std::string text = opts_text(p);
+  expect(opts_text(read_opts(text)) == text, "settings written out are read as the same");
 
   if (const auto stop = stop_of([&] { name_mode(p); }))
     expect(stop->kind == fault::no_mode || stop->kind == fault::unknown_mode, "a mode is missing or unknown");

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "corvantile/kit/files.hpp"
-#include "corvantile/kit/targets.hpp"
+#include "corvantile/kit/request.hpp"
 #include "corvantile/utils/failure.hpp"
 
 namespace {

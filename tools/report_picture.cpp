@@ -9,8 +9,9 @@
 #include <string>
 #include <string_view>
 
+#include "corvantile/appraisal/check.hpp"
 #include "corvantile/kit/job_folder.hpp"
-#include "corvantile/report/gather.hpp"
+#include "corvantile/kit/report_job.hpp"
 #include "corvantile/report/html.hpp"
 #include "corvantile/report/page.hpp"
 
@@ -62,8 +63,9 @@ std::string on_ground(std::string_view picture, size inner) {
 }
 
 int run(const std::string& folder, const std::string& id) {
-  const kit::solved_job job = kit::open_job(folder).job;
-  const std::string picture = report_picture(gather_report(source_of(job.result, job.names.set)), id);
+  const auto [job, record] = kit::open_job(folder);
+  const quality checked = check_measurements(job.file.samples, job.file.known);
+  const std::string picture = report_picture(kit::report_of(job, checked, record, {}), id);
   const auto inner = size_of(picture);
   if (!inner) return std::fprintf(stderr, "The report has no picture %s\n", id.c_str()), 2;
   const std::string file = on_ground(picture, *inner);

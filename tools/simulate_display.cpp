@@ -2,17 +2,14 @@
 // measurement file of its ramps or readings of any drives, also behind tables.
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <iostream>
 #include <iterator>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "corvantile/driver/tables_on_disk.hpp"
+#include "corvantile/documents/table_files.hpp"
 #include "corvantile/utils/failure.hpp"
-#include "corvantile/utils/lut.hpp"
 #include "corvantile/utils/number_scanner.hpp"
 #include "corvantile/utils/text.hpp"
 #include "tools/simulated_display.hpp"
@@ -44,32 +41,14 @@ std::vector<vec3> asked_for() {
   }
 }
 
-// The tables in a folder as a device applies them: what a table or the matrix gives beyond 0 to 1 is cut off.
-class device {
- public:
-  explicit device(const std::string& folder) {
-    const tables_on_disk tables = read_tables(folder);
-    if (tables.pre) pre_ = columns_of(*tables.pre);
-    mix_ = tables.mix;
-    post_ = columns_of(tables.post);
-  }
-  vec3 operator()(const vec3& drive) const { return look_up(post_, mix_ * (pre_ ? look_up(*pre_, drive) : drive)); }
-
- private:
-  using channels = std::array<lut, 3>;
-  static channels columns_of(const matrix& table) {
-    const std::vector<double> x = linspace(0.0, 1.0, table.rows());
-    return {makelut_nostat(x, table.col(0)), makelut_nostat(x, table.col(1)), makelut_nostat(x, table.col(2))};
-  }
-  static vec3 look_up(const channels& tables, const vec3& u) {
-    vec3 out;
-    for (std::size_t c = 0; c < 3; ++c) out[c] = std::clamp(interp(tables[c], std::clamp(u[c], 0.0, 1.0)), 0.0, 1.0);
+// The tables in a folder, applied as a device does: results are clipped to 0 to 1.
+struct tables_of_folder {
+  device_tables tables;
+  vec3 operator()(const vec3& drive) const {
+    vec3 out = corrected(tables, drive);
+    for (double& v : out.v) v = std::clamp(v, 0.0, 1.0);
     return out;
   }
-
-  std::optional<channels> pre_;
-  mat3 mix_;
-  channels post_;
 };
 
 struct task {
@@ -96,9 +75,9 @@ task task_of(const std::vector<std::string>& words) {
 }
 
 std::string text_of(const task& t) {
-  if (!t.show) return measurement_file(t.display);
+  if (!t.show) return measurement_text(t.display);
   if (t.tables.empty()) return readings_table(t.display, asked_for(), [](const vec3& u) { return u; });
-  return readings_table(t.display, asked_for(), device(t.tables));
+  return readings_table(t.display, asked_for(), tables_of_folder{read_tables(t.tables)});
 }
 
 int run(const std::vector<std::string>& words) {

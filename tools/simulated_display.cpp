@@ -336,7 +336,7 @@ matrix sample_rows(const simulated_display& d) {
   return out;
 }
 
-std::string measurement_file(const simulated_display& d) {
+std::string measurement_text(const simulated_display& d) {
   std::string out = "; A SIMULATED display: these readings were computed, no real display was measured.\n";
   out += "; Made by: simulate_display";
   if (const std::string words = arguments(d); !words.empty()) out.append(" ").append(words);

@@ -71,7 +71,7 @@ vec3 shown(const simulated_display& d, const vec3& drive);
 matrix sample_rows(const simulated_display& d);
 
 /// The text of a measurement file: comment lines that name it as simulated, with every parameter, then the readings.
-std::string measurement_file(const simulated_display& d);
+std::string measurement_text(const simulated_display& d);
 
 /// What an instrument reads for drives asked for, 0 to 1, that reach the display through `loaded`: lines R G B X Y Z
 /// under a heading, with the drives as asked for, and noise and digits as in `measurement_file`.

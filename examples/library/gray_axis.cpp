@@ -7,7 +7,7 @@ int main(int argc, char** argv) try {
   if (argc != 2) return std::fputs("Usage: gray_axis MEASUREMENTS\n", stderr), 2;
   const cv::measurements display = cv::load_measurements(argv[1]);
   const cv::correction result = cv::solve({.mode = cv::match_mode::cv1, .temp = 6500}, display);
-  for (const cv::warning& w : result.warnings) std::fprintf(stderr, "Warning: %s\n", w.message.c_str());
+  for (const cv::finding& f : result.warnings) std::fprintf(stderr, "Warning: %s\n", text_of(f).c_str());
 
   const cv::vec3 drive = cv::row3(result.gray, result.gray.rows() - 1);
   const cv::vec3 white = cv::inp2out_vec(result.display, drive);

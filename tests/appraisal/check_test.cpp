@@ -4,7 +4,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 
-#include "corvantile/appraisal/plan.hpp"
+#include "corvantile/appraisal/job_findings.hpp"
 #include "tests/readings/charts.hpp"
 
 namespace corvantile {
@@ -127,17 +127,17 @@ TEST(Check, SeesThroughDerivedRamps) {
   EXPECT_EQ(q.accuracy.unseen.n, 20 + 3 * 16u) << "the measured channels were not seen either";
 }
 
-TEST(CheckPlan, NamesWhatIsLostAndMissed) {
+TEST(JobFindings, NameWhatIsLostAndMissed) {
   settings set;
   set.mode = match_mode::cv2_1;
-  outcome o;
-  o.white_before = xy2xyz({{0.34, 0.34}}, 300);
-  o.white_after = xy2xyz({{0.34, 0.34}}, 120);
-  o.white_wanted = {{0.34, 0.34}};
-  o.gamut = {.asked = srgb, .reachable = srgb, .shown = srgb, .moved = {}};
-  o.gamut->shown.green = {{0.32, 0.53}};
-  o.gray_mean = 0.4;
-  const auto findings = check_plan(set, o);
+  job_figures f;
+  f.white_asked = {{0.34, 0.34}};
+  f.white_before = white_figures_of(xy2xyz(f.white_asked, 300), {}, f.white_asked);
+  f.white_after = white_figures_of(xy2xyz(f.white_asked, 120), {}, f.white_asked);
+  f.gamut.asked = f.gamut.after = srgb;
+  f.gamut.after.green = {{0.32, 0.53}};
+  f.gray.difference_after = {.mean = 0.4, .max = 1, .where = {}};
+  const auto findings = job_findings({}, set, f);
   for (const char* id : {"luminance-loss", "primary-out-of-reach", "own-white"}) {
     EXPECT_EQ(level_of(findings, id), severity::warning) << id;
   }

@@ -11,11 +11,12 @@
 #include <unistd.h>
 
 #include "corvantile/colour/color_metrics.hpp"
+#include "corvantile/documents/gamma_file.hpp"
+#include "corvantile/documents/measurement_file.hpp"
+#include "corvantile/documents/table_files.hpp"
 #include "corvantile/driver/exit_status.hpp"
-#include "corvantile/driver/gamma_file.hpp"
 #include "corvantile/driver/report.hpp"
 #include "corvantile/driver/run.hpp"
-#include "corvantile/driver/tables.hpp"
 #include "corvantile/utils/file_input.hpp"
 #include "corvantile/utils/text.hpp"
 #include "tests/monitor/fitted.hpp"
@@ -75,7 +76,7 @@ struct Job : testing::Test {
   Job() {
     fs::create_directories(folder / "out");
     fs::current_path(folder);
-    std::ofstream("m.txt") << measurement_file({.white_luminance = 100, .gamma = {{2.1, 2.2, 2.3}}});
+    std::ofstream("m.txt") << measurement_text({.white_luminance = 100, .gamma = {{2.1, 2.2, 2.3}}});
   }
   void TearDown() override {
     fs::current_path("/");
@@ -98,7 +99,7 @@ TEST_F(Job, EachModeWritesItsFilesInOrder) {
   const std::pair<std::string, std::vector<std::string>> cases[] = {
       {"CV1", {post}}, {"cv2", {pre, post, m}}, {"CV2_1", {post, m, pre}}};
   for (const auto& [mode, order] : cases) {
-    const profile p = read_profile("&opts tlen=2 outdir='out/' /");
+    const opts p = read_opts("&opts tlen=2 outdir='out/' /");
     settings set{.mode = *mode_named(mode), .tlen = 2};
     std::vector<std::string> paths;
     for (const text_file& f : table_files(solve(set, load_measurements("m.txt")), p)) paths.push_back(f.path);

@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "corvantile/documents/measurement_file.hpp"
 #include "corvantile/formats/writers/c_header.hpp"
 #include "corvantile/formats/writers/cal.hpp"
 #include "corvantile/formats/writers/clf.hpp"

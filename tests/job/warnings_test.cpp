@@ -19,9 +19,10 @@ names names_after(
   set.tlen = 33;
   change(samples);
   names found;
-  for (const warning& w : solve(set, samples).warnings) {
-    EXPECT_GT(w.message.size(), 60) << "key or sample, value, meaning, and what to do: " << w.message;
-    found.emplace_back(name_of(w.kind));
+  for (const finding& w : solve(set, samples).warnings) {
+    EXPECT_GT(text_of(w).size(), 60) << "key or sample, value, meaning, and what to do: " << text_of(w);
+    EXPECT_NE(w.action, "");
+    found.push_back(w.id);
   }
   return found;
 }
@@ -52,13 +53,12 @@ TEST(Warnings, EachIsProvokedByReadingsAndHasANeighbourThatIsSilent) {
   } cases[] = {
       {"ramp-not-to-zero", 5, [](auto& m) { m.data(last, 1) = 4; }, 5, [](auto& m) { m.data(last, 1) = 0; }},
       {"ramp-below-full", 5, [](auto& m) { m.data(red, 0) = 250; }, 5, [](auto& m) { m.data(red, 0) = 254.99; }},
-      {"zeros-differ", 5, [](auto& m) { m.data(last, 4) += 0.15; }, 5, [](auto& m) { m.data(last, 4) += 0.05; }},
+      {"dark-spread", 5, [](auto& m) { m.data(last, 4) += 0.15; }, 5, [](auto& m) { m.data(last, 4) += 0.05; }},
       {"luminance-rises", 5, [](auto& m) { scale(m, red + 5, 2); }, 5, [](auto& m) { scale(m, red + 5, 1.02); }},
       {"luminance-level", 5, [](auto& m) { level(m, red, red + 3); }, 5, [](auto& m) { level(m, red, red + 1); }},
-      {"channels-do-not-add", 5, [](auto& m) { scale(m, 0, 1.06); }, 5, [](auto& m) { scale(m, 0, 1.04); }},
-      {"too-many-pieces", 5, [](auto& m) { noisy_levels(m, 7, 1e-3); }, 5,
-       [](auto& m) { noisy_levels(m, 10, 1e-3); }},
-      {"too-many-pieces", 12, [](auto& m) { noisy_levels(m, 21, 4e-3, 5); }, 9,
+      {"additivity", 5, [](auto& m) { scale(m, 0, 1.06); }, 5, [](auto& m) { scale(m, 0, 1.04); }},
+      {"numsegs", 5, [](auto& m) { noisy_levels(m, 7, 1e-3); }, 5, [](auto& m) { noisy_levels(m, 10, 1e-3); }},
+      {"numsegs", 12, [](auto& m) { noisy_levels(m, 21, 4e-3, 5); }, 9,
        [](auto& m) { noisy_levels(m, 21, 4e-3, 5); }}};
   for (const auto& c : cases) {
     EXPECT_EQ(names_after({.numsegs = c.numsegs}, c.provoke), names{c.name});
@@ -121,9 +121,7 @@ TEST(Warnings, GraysThatWereNotFoundAreNamed) {
     gray_search search = found;
     change(search);
     std::string text;
-    for (const warning& w : judge_grays(set, plain, {.ramp = search})) {
-      text += std::string(name_of(w.kind)) + ": " + w.message;
-    }
+    for (const finding& f : judge_grays(set, plain, {.ramp = search})) text += f.id + ": " + f.message;
     return text;
   };
   EXPECT_EQ(told([](gray_search&) {}), "");
@@ -147,7 +145,7 @@ TEST(Warnings, ASwathThatCostsLightIsTold) {
     search.levels.assign(2, {search.top.xyz, search.top.inp, 0});
     const auto found = judge_grays(set, mon, {.ramp = search});
     ASSERT_EQ(found.size(), share < 1 ? 1 : 0);
-    for (const warning& w : found) EXPECT_EQ(w.kind, caution::dark_swath);
+    for (const finding& f : found) EXPECT_EQ(f.id, "dark-swath");
   }
 }
 

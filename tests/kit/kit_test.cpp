@@ -4,9 +4,8 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
-#include "corvantile/kit/dates.hpp"
-#include "corvantile/kit/targets.hpp"
-#include "corvantile/kit/words.hpp"
+#include "corvantile/kit/request.hpp"
+#include "corvantile/kit/terminal.hpp"
 #include "corvantile/utils/failure.hpp"
 #include "tools/simulated_display.hpp"
 
@@ -50,10 +49,10 @@ TEST(GammaFile, HoldsThePublishedCurves) {
 const simulated_display shown{.white = {{0.30, 0.32}}};
 const measurements samples{"simulated", sample_rows(shown), shown.levels, shown.version};
 
-TEST(PlanFor, ChoosesModeAndWhite) {
+TEST(Request, ChoosesModeAndWhite) {
   const vec2 d65{{0.3127, 0.329}}, d50{{0.3457, 0.3585}};
   const struct {
-    wishes w;
+    request w;
     match_mode mode;
     std::optional<vec2> grays;
     vec2 white;
@@ -63,10 +62,10 @@ TEST(PlanFor, ChoosesModeAndWhite) {
               {{.white = "d50"}, match_mode::cv2_1, d50, d50},
               {{.white = "0.31,0.33"}, match_mode::cv2_1, vec2{{0.31, 0.33}}, vec2{{0.31, 0.33}}},
               {{.white = "native"}, match_mode::cv2_1, shown.white, shown.white},
-              {{.device = "windows"}, match_mode::cv2, {}, d65}};
+              {{.for_device = device::windows}, match_mode::cv2, {}, d65}};
   for (const auto& r : rows) {
-    SCOPED_TRACE(r.w.target + ' ' + r.w.white + ' ' + r.w.device);
-    const plan p = plan_for(r.w, samples);
+    SCOPED_TRACE(r.w.target + ' ' + r.w.white + ' ' + facts_of(r.w.for_device).name);
+    const job_inputs p = inputs_for(r.w, samples);
     EXPECT_EQ(p.names.set.mode, r.mode);
     ASSERT_EQ(p.names.set.white.has_value(), r.grays.has_value());
     for (std::size_t i = 0; i < 2; ++i) {
@@ -78,22 +77,22 @@ TEST(PlanFor, ChoosesModeAndWhite) {
   }
 }
 
-TEST(PlanFor, TakesTheCurveThatWasAskedFor) {
-  EXPECT_EQ(plan_for({.gamma = "1.8"}, samples).names.set.gamma, 1.8);
-  EXPECT_FALSE(plan_for({.gamma = "2.2"}, samples).gamma);
-  const auto windows = plan_for({.device = "windows"}, samples).gamma;
+TEST(Request, TakesTheCurveThatWasAskedFor) {
+  EXPECT_EQ(inputs_for({.gamma = "1.8"}, samples).names.set.gamma, 1.8);
+  EXPECT_FALSE(inputs_for({.gamma = "2.2"}, samples).gamma);
+  const auto windows = inputs_for({.for_device = device::windows}, samples).gamma;
   ASSERT_TRUE(windows);
   EXPECT_EQ(*windows, gamma_file_of("srgb", 1, 0)) << "the only curve that Windows has";
-  const auto bt1886 = plan_for({.gamma = "bt1886"}, samples).gamma;
+  const auto bt1886 = inputs_for({.gamma = "bt1886"}, samples).gamma;
   ASSERT_TRUE(bt1886);
   EXPECT_NEAR(light_at(*bt1886, 0), shown.black_luminance, 1e-6) << "the measured black";
   EXPECT_NEAR(light_at(*bt1886, 256), shown.white_luminance, 1e-3);
 }
 
-TEST(PlanFor, RefusesWhatItCannotRead) {
-  const wishes rows[] = {{.target = "rec601"}, {.gamma = "0"},       {.gamma = "no-such-file"}, {.white = "d66"},
-                         {.white = "1000"},    {.white = "0.3,0.8"}, {.white = "0.3,"}};
-  for (const wishes& w : rows) EXPECT_THROW(plan_for(w, samples), failure) << w.target << w.gamma << w.white;
+TEST(Request, RefusesWhatItCannotRead) {
+  const request rows[] = {{.target = "rec601"}, {.gamma = "0"},       {.gamma = "no-such-file"}, {.white = "d66"},
+                          {.white = "1000"},    {.white = "0.3,0.8"}, {.white = "0.3,"}};
+  for (const request& w : rows) EXPECT_THROW(inputs_for(w, samples), failure) << w.target << w.gamma << w.white;
 }
 
 TEST(Wrapped, BreaksBetweenWordsOnly) {

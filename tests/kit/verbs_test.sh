@@ -52,7 +52,7 @@ done
 for verb in "import display.ti3" "import display.ti3 --calibration taken" "check m.txt" "chart" "predict m.txt"; do
   how=-o
   [[ $verb == *calibration* ]] && how=-q
-  refuses 6 "taken is there already; --force replaces it" $verb $how taken
+  refuses 6 "taken exists already; --force replaces it" $verb $how taken
 done
 for verb in "import" "check" "predict" "solve" "export --format clf" "make"; do
   refuses 5 "*nowhere*" $verb nowhere
@@ -165,8 +165,8 @@ tables() { (cd "$1" && cksum preLUT.txt matrix.txt postLUT.txt); }
 is "tables" "$(tables job)" "$(tables plain)"
 is "and from the folder's settings" "$(cp -r job again && cd again && rm -- *LUT.txt matrix.txt && "$program" <settings.txt \
   2>&1; tables .)" "*"$'\n'"$(tables plain)"
-refuses 6 "job/job.json is there already*" solve settings.txt -o job
-refuses 6 "./settings.txt is there already*" solve settings.txt -o .
+refuses 6 "job/job.json exists already*" solve settings.txt -o job
+refuses 6 "./settings.txt exists already*" solve settings.txt -o .
 mkdir with-measurements && cp measurements.txt with-measurements
 ends 0 "*" solve settings.txt -o with-measurements
 object "solve" "$("$kit" solve settings.txt -o job --force --json -q)"
@@ -185,7 +185,7 @@ ends 2 "--size: *" export job --format clf --size 17
 is "made of a stream" "$(ls display-corrected/exports; rm -r display-corrected)" "*correction-3d.cube*"
 refuses 5 "display.csv: line 1: *" make display.ti3 --gamma display.csv -o curved
 ends 0 "job/*.clf" export job --format clf
-refuses 6 "job/*.clf is there already*" export job --format clf
+refuses 6 "job/*.clf exists already*" export job --format clf
 object "export" "$("$kit" export job --format json -o job.tables.json --json -q)"
 is "to standard output" "$("$kit" export job --format clf -o - -q)" "<[?]xml*"
 
@@ -221,12 +221,12 @@ object "refine" "$("$kit" refine dim again.txt --json -q)"
 is "third round" "$(ls dim | tr '\n' ' ')" "gray_factors.txt*round-1 round-2 settings.txt "
 ends 0 "*" refine first behind.txt -o elsewhere
 is "elsewhere" "$(cksum <elsewhere/preLUT.txt) $(ls first)" "$(cksum <dim/round-2/preLUT.txt) exports*"
-refuses 6 "elsewhere is there already*" refine first behind.txt -o elsewhere
+refuses 6 "elsewhere exists already*" refine first behind.txt -o elsewhere
 sed 's/X(cd.m2)/X/; s/Y(.*) Z.*/Y Z/' behind.txt >relative.txt
 ends 0 "*" refine first relative.txt -o relative
 near "a measurement in no unit" 0.5 relative/preLUT.txt dim/round-2/preLUT.txt
 "$simulate" $limited --show <grays >bare.txt
-refuses 5 "bare.txt: The readings look as if the tables had not been loaded*--anyway*" refine first bare.txt
+refuses 5 "bare.txt: The tables seem not to have been loaded*--anyway*" refine first bare.txt
 ends 0 "*" refine first bare.txt --anyway -o anyway
 awk 'NR < 4' behind.txt >short.txt
 refuses 5 "short.txt: holds no gray ramp*corvantile-kit chart*" refine first short.txt

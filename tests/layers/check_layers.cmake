@@ -9,12 +9,13 @@ set(layers
   "colour: monitor utils numerics"
   "matching: colour monitor utils numerics"
   "job: matching colour monitor utils numerics"
-  "readings: job colour monitor utils numerics"
-  "formats: readings job matching colour monitor utils numerics"
-  "appraisal: readings job matching colour monitor utils numerics"
+  "documents: job colour monitor utils numerics"
+  "readings: documents colour monitor utils numerics"
+  "formats: readings documents job matching colour monitor utils numerics"
+  "appraisal: readings documents job matching colour monitor utils numerics"
   "report: appraisal formats readings job matching colour monitor utils numerics"
-  "driver: job colour monitor utils numerics"
-  "kit: driver report appraisal formats readings job matching colour monitor utils numerics")
+  "driver: documents job colour monitor utils numerics"
+  "kit: report appraisal formats readings documents job matching colour monitor utils numerics")
 set(faults "")
 set(names "")
 foreach(layer ${layers})

@@ -18,7 +18,7 @@ options_in() {
 }
 items_in() { sed -n "s/^\.It $2 \([a-z0-9_-]*\)$/\1/p" "$1" | sort; }
 
-keys=$(sed -n '/^constexpr key keys/,/^};/s/^ *{"\([a-z_]*\)".*/\1/p' ../src/corvantile/driver/profile.cpp | sort)
+keys=$(sed -n '/^constexpr key keys/,/^};/s/^ *{"\([a-z_]*\)".*/\1/p' ../src/corvantile/documents/settings_text.cpp | sort)
 same Corvantile.1 "$keys" "$(sed '/^\.Sh FILES/,$d' Corvantile.1 | items_in /dev/stdin Cm)"
 same Corvantile.1 "$("$bin/Corvantile" --help | sed 's/^  -v, /  -v,/' | options_of)" "$(options_in Corvantile.1)"
 

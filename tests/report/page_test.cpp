@@ -3,8 +3,9 @@
 #include <gtest/gtest.h>
 #include <regex>
 
+#include "corvantile/report/wording.hpp"
 #include "markup.hpp"
-#include "shown_display.hpp"
+#include "tests/appraisal/shown_display.hpp"
 
 namespace corvantile {
 namespace {
@@ -26,28 +27,27 @@ void expect_page(const std::string& page) {
 TEST(ReportPage, OfNothingAtAllIsStillAPage) {
   report_data data;
   expect_page(report_page(data));
-  data.gray.measured.emplace();
-  data.gamut.measured.emplace();
   data.measured.emplace();
-  data.tables.curves = {{"empty", "", "", matrix(0, 3)}, {"short", "", "", matrix(1, 3)}};
-  data.differences.ramps.resize(2);
-  data.differences.ramps[0].name = "gray";
-  data.differences.patches.resize(1);
-  data.trust.unseen = {{{}, unknown}, {{}, 1e9}};
+  data.tables = {.two_tables = true, .pre = matrix(0, 3), .post = matrix(1, 3)};
+  data.figures.patches.resize(1);
+  data.measurements.accuracy.patches = {{{}, {}, {}, unknown}, {{}, {}, {}, 1e9}};
   expect_page(report_page(data));
 }
 
 TEST(ReportPage, HoldsEverythingWithinItsSize) {
   const shown_display s = shown_example();
-  report_data data = gather_report(s.source());
-  std::vector<reading> readings;
+  report_data data;
+  data.figures = figures_of(s.as_subject());
+  data.tables = s.tables;
+  data.measurements.accuracy.patches = {{{{0.5, 0.25, 1}}, {}, {}, 1.5}};
+  readings after;
   for (int i = 0; i < 4000; ++i) {
     const vec3 u{{i % 16 / 15.0, i / 16 % 16 / 15.0, i / 256 / 15.0}};
-    readings.push_back({u, inp2out_vec(s.display, corrected(s.tables, u))});
+    after.rows.push_back({u, inp2out_vec(s.display, corrected(s.tables, u))});
   }
-  gather_measured(data, s.source(), readings);
+  data.measured = verify(s.as_subject(), after);
   data.display = "A \"<b>display</b>\" & more \xff";
-  data.trust.findings = {{"id", "warning", "2 < 3", "do this & that"}};
+  data.findings = {{"id", severity::warning, "2 < 3", "do this & that"}};
   data.remake.settings = {{"wgfile", "'<a>'"}};
   const std::string page = report_page(data);
   expect_page(page);
@@ -60,6 +60,22 @@ TEST(ReportPage, HoldsEverythingWithinItsSize) {
     expect_sound(std::regex_replace(picture, std::regex("<style>[^<]*</style>"), ""));
   }
   EXPECT_EQ(report_picture(data, "no-such"), "");
+}
+
+TEST(Wording, SaysHowTheTablesWereLoadedAndNamesPatches) {
+  const std::pair<load_state, const char*> rows[] = {{load_state::once, "loaded, once"},
+                                                     {load_state::none, "not to have been loaded"},
+                                                     {load_state::twice, "applied twice"},
+                                                     {load_state::another_white, "white is not"},
+                                                     {load_state::unclear, "does not do"}};
+  for (const auto& [state, words] : rows) {
+    verification v;
+    v.loaded = state;
+    EXPECT_NE(diagnosis_of(v)[0].find(words), std::string::npos) << diagnosis_of(v)[0];
+  }
+  EXPECT_EQ(patch_name({{0.125, 0.125, 0.125}}), "drive 12.5\u00a0%");
+  EXPECT_EQ(patch_name({{0, 1, 1}}), "cyan");
+  EXPECT_EQ(patch_name({{0, 1, 0.5}}), "0, 100, 50\u00a0%");
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ TEST(SimulatedDisplay, WhiteIsTheSumOfThePrimariesAndWordsSayItAll) {
     simulated_display d = random_display(seed), again;
     std::istringstream words(arguments(d));
     for (std::string w; words >> w;) ASSERT_EQ(set_parameter(again, w), "");
-    EXPECT_EQ(measurement_file(again), measurement_file(d));
+    EXPECT_EQ(measurement_text(again), measurement_text(d));
     d.noise = 0;
     d.digits = 15;
     const matrix m = sample_rows(d);

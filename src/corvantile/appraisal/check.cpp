@@ -2,10 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 #include <limits>
-#include <string_view>
-#include <utility>
 
 #include "corvantile/colour/chromaticity.hpp"
 #include "corvantile/job/judgements.hpp"
@@ -57,33 +54,6 @@ std::optional<double> repeat_spread_of(const monitor& mon, const provenance& kno
 }
 
 }  // namespace
-
-void sort_findings(std::vector<finding>& findings) {
-  std::ranges::stable_sort(findings, std::ranges::greater{}, &finding::level);
-}
-
-void merge_findings(std::vector<finding>& findings, std::vector<finding> more) {
-  std::erase_if(more, [&](const finding& m) {
-    return std::ranges::any_of(findings, [&](const finding& f) { return f.id == m.id && f.level >= m.level; });
-  });
-  std::erase_if(findings,
-                [&](const finding& f) { return std::ranges::find(more, f.id, &finding::id) != more.end(); });
-  std::ranges::move(more, std::back_inserter(findings));
-  sort_findings(findings);
-}
-
-finding finding_of(const warning& w) {
-  const auto id = [](caution kind) -> std::string_view {
-    if (kind == caution::zeros_differ) return "dark-spread";
-    if (kind == caution::channels_do_not_add) return "additivity";
-    if (kind == caution::too_many_pieces) return "numsegs";
-    return name_of(kind);
-  };
-  // The last sentence says what to do.
-  const std::size_t stop = w.message.rfind(". ");
-  if (stop == std::string::npos) return {std::string(id(w.kind)), severity::warning, w.message, ""};
-  return {std::string(id(w.kind)), severity::warning, w.message.substr(0, stop), w.message.substr(stop + 2)};
-}
 
 quality check_measurements(const measurements& samples, const provenance& known) {
   const monitor mon = makemonitor(samples, 5);

@@ -9,34 +9,11 @@
 #include "corvantile/appraisal/accuracy.hpp"
 #include "corvantile/appraisal/gamut.hpp"
 #include "corvantile/appraisal/ramp_figures.hpp"
-#include "corvantile/job/warning.hpp"
+#include "corvantile/job/finding.hpp"
 #include "corvantile/monitor/measurements.hpp"
 #include "corvantile/readings/provenance.hpp"
 
 namespace corvantile {
-
-enum class severity {
-  note,     ///< worth knowing
-  warning,  ///< the result will be worse than it could be
-  error     ///< the result would not be worth having
-};
-
-/// One thing to say about measurements.
-struct finding {
-  std::string id;  ///< lower-case words and hyphens, by which programs know it
-  severity level = severity::note;
-  std::string message;  ///< what was found, with figures, and what it means for the result
-  std::string action;   ///< what to do; empty where there is nothing to do
-};
-
-/// Puts the worst first; of one severity in the order in which they were found.
-void sort_findings(std::vector<finding>& findings);
-
-/// Joins both, worst first. Of an identifier that both have, what is said more severely stays, or came first.
-void merge_findings(std::vector<finding>& findings, std::vector<finding> more);
-
-/// A job's warning as a finding, with the identifier that a check of the measurements has for the same thing.
-finding finding_of(const warning& w);
 
 /// What `check_measurements` finds out. Spreads are fractions, 0.01 being 1 %.
 struct quality {
@@ -55,7 +32,7 @@ struct quality {
   double white_from_d65 = 0;  ///< distance in CIE 1976 u'v'
   std::array<gamut_comparison, 4> gamut;
   int numsegs = 0;                ///< see `largest_numsegs`
-  std::vector<warning> warnings;  ///< what a job with these measurements would warn of before it solves
+  std::vector<finding> warnings;  ///< what a job with these measurements would warn of before it solves
   provenance known;               ///< as given
   std::vector<finding> findings;  ///< worst first
 };

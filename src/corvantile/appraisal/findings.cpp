@@ -219,9 +219,7 @@ std::vector<finding> findings_of(const quality& q) {
                            judge_source, describe_display}) {
     judge(q, out);
   }
-  std::vector<finding> warned;
-  for (const warning& w : q.warnings) warned.push_back(finding_of(w));
-  merge_findings(out, std::move(warned));
+  merge_findings(out, q.warnings);
   return out;
 }
 

@@ -1,7 +1,6 @@
 #include "corvantile/driver/report.hpp"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <ostream>
 #include <span>
@@ -11,6 +10,7 @@
 
 #include "corvantile/colour/chromaticity.hpp"
 #include "corvantile/colour/color_metrics.hpp"
+#include "corvantile/job/test_ramps.hpp"
 #include "corvantile/utils/array_helpers.hpp"
 #include "corvantile/utils/text.hpp"
 
@@ -28,18 +28,6 @@ void print_column(std::ostream& out, const char* title, std::span<const double> 
 }
 
 constexpr std::size_t ramp_samples = 200;
-
-struct test_ramp {
-  const char* title;
-  std::array<double, 3> on;  // which channels follow the ramp
-};
-constexpr std::array<test_ramp, 7> test_ramps{{{"gray", {1, 1, 1}},
-                                               {"red", {1, 0, 0}},
-                                               {"green", {0, 1, 0}},
-                                               {"blue", {0, 0, 1}},
-                                               {"yellow", {1, 1, 0}},
-                                               {"magenta", {1, 0, 1}},
-                                               {"cyan", {0, 1, 1}}}};
 
 matrix samples_of(const test_ramp& ramp) {
   matrix inputs(ramp_samples, 3);
@@ -88,7 +76,7 @@ void report_ramps(std::ostream& out, const monitor& mon, const synthetic_monitor
     const matrix shown = xyz2lab_mat(inp2out_mat(mon, inputs), white);
     const matrix wanted = xyz2lab_mat(syn_inp2out_mat(syn, inputs), white);
     const std::vector<double> differences = deltae2000_mat(wanted, shown);
-    std::string text = std::string(" ") + ramp.title + " ramp errmax = " + free_format(largest(differences)) + '\n';
+    std::string text = std::string(" ") + ramp.name + " ramp errmax = " + free_format(largest(differences)) + '\n';
     for (const double d : differences) text += free_format(d) + '\n';
     out << text;
   }

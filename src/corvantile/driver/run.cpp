@@ -7,11 +7,12 @@
 #include <ostream>
 #include <string>
 
-#include "corvantile/driver/gamma_file.hpp"
-#include "corvantile/driver/gray_factors_file.hpp"
-#include "corvantile/driver/profile.hpp"
+#include "corvantile/documents/gamma_file.hpp"
+#include "corvantile/documents/gray_factors_file.hpp"
+#include "corvantile/documents/measurement_file.hpp"
+#include "corvantile/documents/settings_text.hpp"
+#include "corvantile/documents/table_files.hpp"
 #include "corvantile/driver/report.hpp"
-#include "corvantile/driver/tables.hpp"
 #include "corvantile/job/correction.hpp"
 #include "corvantile/utils/failure.hpp"
 #include "corvantile/utils/file_output.hpp"
@@ -21,28 +22,28 @@ namespace corvantile {
 namespace {
 
 // Everything that can be told from the settings alone, before any file is read.
-profile complete(profile p, std::ostream& out) {
-  if (p.wgfile.empty()) throw failure(fault::no_measurement_file, "profile file not specified");
-  fill_xytable(p.set, out);
-  end_outdir_with_slash(p);
-  return p;
+opts complete(opts o, std::ostream& out) {
+  if (o.wgfile.empty()) throw failure(fault::no_measurement_file, "profile file not specified");
+  fill_xytable(o.set, out);
+  end_outdir_with_slash(o);
+  return o;
 }
 
 // The samples of the gamma file, if there are any. Without the file the two-table solution goes by the power law. The
 // gray match cannot, and stops, although the report has just promised a power law: its lines are the same in every
 // mode.
-std::optional<tone_samples> load_tone(const profile& p, std::ostream& report) {
-  if (p.gamfile.empty()) return std::nullopt;
-  std::optional<tone_samples> tone = load_tone_samples(p.gamfile);
+std::optional<tone_samples> load_tone(const opts& o, std::ostream& report) {
+  if (o.gamfile.empty()) return std::nullopt;
+  std::optional<tone_samples> tone = load_tone_samples(o.gamfile);
   if (tone) {
     if (tone->drive.front() != 0) report << " Setting gamma curve start pixel to 0\n";
     return tone;
   }
-  report << " Cannot open gamma file: " << p.gamfile << '\n'
-         << " Using power-law curve with gamma =" << free_format(p.set.gamma) << '\n';
-  if (!matches_gray(p.set.mode)) return std::nullopt;
+  report << " Cannot open gamma file: " << o.gamfile << '\n'
+         << " Using power-law curve with gamma =" << free_format(o.set.gamma) << '\n';
+  if (!matches_gray(o.set.mode)) return std::nullopt;
   throw failure(fault::no_gamma,
-                "Cannot open gamma file " + printable(p.gamfile) + ", which mode " + p.cvmode + " cannot do without");
+                "Cannot open gamma file " + printable(o.gamfile) + ", which mode " + o.cvmode + " cannot do without");
 }
 
 // Reports that could not be printed are told of last, once the tables are safe.
@@ -69,21 +70,21 @@ void run_program(std::span<const std::string_view> arguments, std::string_view t
   std::ostream nowhere(nullptr);
   std::ostream& report = verbose ? out : nowhere;
 
-  profile p = read_profile(text);
-  name_mode(p);
+  opts o = read_opts(text);
+  name_mode(o);
   report << banner << '\n';
-  p = complete(p, out);
-  report << echo(p);
-  check_outdir(p);
+  o = complete(o, out);
+  report << echo(o);
+  check_outdir(o);
 
-  const measurements samples = load_measurements(p.wgfile);
-  const std::optional<tone_samples> tone = load_tone(p, report);
-  const bool refined = matches_gray(p.set.mode) && !p.grayfile.empty();
-  const correction result = solve(p.set, samples, tone, refined ? load_gray_factors(p.grayfile) : gray_factors());
-  for (const warning& w : result.warnings) err << "Warning: " << w.message << '\n';
+  const measurements samples = load_measurements(o.wgfile);
+  const std::optional<tone_samples> tone = load_tone(o, report);
+  const bool refined = matches_gray(o.set.mode) && !o.grayfile.empty();
+  const correction result = solve(o.set, samples, tone, refined ? load_gray_factors(o.grayfile) : gray_factors());
+  for (const finding& f : result.warnings) err << "Warning: " << text_of(f) << '\n';
   if (verbose) report_solution(out, result);
-  write_files(table_files(result, p));
-  if (verbose) report_gray_ramp(out, result.display, result.gray, p.set.white);
+  write_files(table_files(result, o));
+  if (verbose) report_gray_ramp(out, result.display, result.gray, o.set.white);
   require_printed(out);
   err << " normal exit\n";
 }

@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "corvantile/documents/measurement_file.hpp"
 #include "corvantile/formats/cgats.hpp"
 #include "corvantile/formats/delimited.hpp"
 #include "corvantile/formats/hcfr.hpp"
@@ -47,7 +48,7 @@ source_kind kind_of(std::string_view text) {
   if (content.starts_with("CTI3")) return source_kind::ti3;
   if (content.starts_with("CGATS") || content.find("BEGIN_DATA") != std::string_view::npos) return source_kind::cgats;
   if (hcfr_sheet_of(content)) return source_kind::hcfr;
-  return is_own_file(content) ? source_kind::corvantile : source_kind::csv;
+  return is_measurement_file(content) ? source_kind::corvantile : source_kind::csv;
 }
 
 readings read_readings(const source& first, const std::optional<source>& second, const reading_options& options) {

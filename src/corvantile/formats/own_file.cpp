@@ -2,31 +2,18 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "corvantile/documents/measurement_file.hpp"
 #include "corvantile/formats/raw_readings.hpp"
 #include "corvantile/formats/text_lines.hpp"
-#include "corvantile/monitor/measurements.hpp"
-#include "corvantile/readings/provenance.hpp"
 #include "corvantile/readings/ramps.hpp"
 #include "corvantile/utils/failure.hpp"
-#include "corvantile/utils/number_scanner.hpp"
-#include "corvantile/utils/text.hpp"
 
 namespace corvantile {
 namespace {
-
-// The scanner stands before the header.
-number_scanner behind_comments(std::string_view text) {
-  number_scanner numbers(text);
-  for (number_scanner ahead = numbers;; numbers = ahead) {
-    const auto line = ahead.next_line();
-    if (!line || !line->starts_with(';')) return numbers;
-  }
-}
 
 bool is_full(const vec3& drive, std::size_t channel) {
   vec3 full;
@@ -50,23 +37,8 @@ void keep_readings(std::vector<reading>& rows, std::size_t levels) {
 
 }  // namespace
 
-bool is_own_file(std::string_view text) {
-  number_scanner numbers = behind_comments(text);
-  const auto header = numbers.next_line();
-  if (!header) return false;
-  number_scanner counts(*header);
-  std::int64_t levels = 0;
-  std::int64_t extra = 0;
-  std::int64_t version = 0;
-  for (std::int64_t* count : {&levels, &extra, &version})
-    if (counts.next(*count) != number_scanner::result::number) return false;
-  double more = 0;
-  return (version == 1 || version == 2) && counts.next(more) == number_scanner::result::end;
-}
-
 readings read_own_file(std::string_view name, std::string_view text) {
-  const measurements samples = parse_measurements(std::string(name), text);
-  const provenance known = parse_provenance(text);
+  const auto [samples, known] = parse_measurement_file(std::string(name), text);
   readings found;
   found.source = name;
   found.kind = "Corvantile measurements";
@@ -77,18 +49,14 @@ readings read_own_file(std::string_view name, std::string_view text) {
   found.absolute = known.absolute.value_or(false);
   found.calibration = known.calibration;
   found.notes = known.notes;
-  number_scanner numbers = behind_comments(text);
-  numbers.next_line();  // the header
-
   std::vector<raw_reading> rows(samples.data.rows());
   double full_drive = 0;
-  for (raw_reading& row : rows) {
-    for (std::size_t c = 0; c < 6; ++c) {
-      double v = 0;
-      numbers.next(v);
-      if (c == 0) row.line = numbers.line();
-      (c < 3 ? row.drive[c] : row.xyz[c - 3]) = v;
-      if (c < 3) full_drive = std::max(full_drive, v);
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    rows[i].line = samples.lines[i];
+    for (std::size_t c = 0; c < 3; ++c) {
+      rows[i].drive[c] = samples.data(i, c);
+      rows[i].xyz[c] = samples.data(i, 3 + c);
+      full_drive = std::max(full_drive, samples.data(i, c));
     }
   }
   if (!(full_drive > 0)) refuse_content(name, "no drive value is above 0, so that full drive is unknown");

@@ -61,7 +61,7 @@ matrix fold(const matrix& outer, const matrix& inner) {
   return folded;
 }
 
-void add_warnings(correction& result, std::vector<warning> found) {
+void add_warnings(correction& result, std::vector<finding> found) {
   std::ranges::move(found, std::back_inserter(result.warnings));
 }
 

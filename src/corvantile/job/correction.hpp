@@ -4,9 +4,9 @@
 #include <optional>
 
 #include "corvantile/colour/gray_factors.hpp"
+#include "corvantile/job/finding.hpp"
 #include "corvantile/job/settings.hpp"
 #include "corvantile/job/tone_samples.hpp"
-#include "corvantile/job/warning.hpp"
 #include "corvantile/matching/matching.hpp"
 #include "corvantile/monitor/measurements.hpp"
 #include "corvantile/monitor/monitor.hpp"
@@ -36,7 +36,7 @@ struct correction {
   /// The row of `gray` (and of CV2_1's `prelut`) that is not a number, if there is one: see `gray_match`.
   std::optional<std::size_t> undefined_row;
 
-  std::vector<warning> warnings;  ///< what is not to be trusted, in the order in which it was found
+  std::vector<finding> warnings;  ///< what is not to be trusted, in the order in which it was found
   double two_seconds = 0;         ///< CPU time of this process during the two-table solution
   double gray_seconds = 0;        ///< and during the gray match
 };

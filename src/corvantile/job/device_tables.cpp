@@ -1,6 +1,7 @@
 #include "corvantile/job/device_tables.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <span>
 
@@ -39,6 +40,14 @@ device_tables tables_of(const correction& result) {
 
 vec3 corrected(const device_tables& tables, const vec3& drive) {
   return through(tables.post, tables.two_tables ? tables.mix * through(tables.pre, drive) : drive);
+}
+
+front_end front_end_of(const device_tables& tables) {
+  constexpr std::array<double, 2> ends{0.0, 1.0};
+  const matrix identity = in_all_channels(ends);
+  front_end fe;
+  set3chluts(fe, tables.two_tables ? &tables.pre : &identity, &tables.post, &tables.mix);
+  return fe;
 }
 
 matrix resample(const matrix& table, std::size_t entries) {

@@ -23,6 +23,10 @@ device_tables tables_of(const correction& result);
 /// The drive values that a device sends to the display for `drive`.
 vec3 corrected(const device_tables& tables, const vec3& drive);
 
+/// The same tables as the model takes them: a chain in front of the display. Unlike a device it continues beyond the
+/// ends of its tables.
+front_end front_end_of(const device_tables& tables);
+
 /// The n x 3 table with another number of rows (at least 2, as in `table`), by linear interpolation. A new row that
 /// falls on an old one has the same bits.
 matrix resample(const matrix& table, std::size_t entries);

@@ -64,8 +64,8 @@ swinging_curve worst_curve(const monitor& mon) {
 }
 
 std::string advice(int carried) {
-  if (carried < fewest_pieces) return "The levels carry no fit: measure more of them.";
-  return "The levels carry numsegs = " + std::to_string(carried) + ": use that, or measure more levels.";
+  if (carried < fewest_pieces) return "measure more levels: these carry no fit";
+  return "use numsegs = " + std::to_string(carried) + ", which the levels carry, or measure more levels";
 }
 
 }  // namespace
@@ -76,20 +76,21 @@ int largest_numsegs(const monitor& mon) {
   return std::max(static_cast<int>(held / gap), fewest_pieces - 1);
 }
 
-std::vector<warning> judge_fit(const monitor& mon) {
+std::vector<finding> judge_fit(const monitor& mon) {
   const int pieces = mon.numsegs < 0 ? default_pieces : mon.numsegs;
   const int carried = largest_numsegs(mon);
   if (pieces <= carried) return {};
   const swinging_curve worst = worst_curve(mon);
   if (worst.name.empty()) return {};
-  return {{caution::too_many_pieces, "numsegs = " + std::to_string(pieces) + ": between " +
-                                         std::to_string(mon.nramp) + " levels the fitted curves swing freely, " +
-                                         worst.name + " by " + short_percent(worst.by) +
-                                         " of its full value, and the tables with them. " + advice(carried)}};
+  return {{"numsegs", severity::warning,
+           "numsegs = " + std::to_string(pieces) + ": between " + std::to_string(mon.nramp) +
+               " levels the fitted curves swing freely, " + worst.name + " by " + short_percent(worst.by) +
+               " of its full value, and the tables with them",
+           advice(carried)}};
 }
 
-std::vector<warning> judge(const measurements& samples, const monitor& mon) {
-  std::vector<warning> found = judge_measurements(samples, mon);
+std::vector<finding> judge(const measurements& samples, const monitor& mon) {
+  std::vector<finding> found = judge_measurements(samples, mon);
   std::ranges::move(judge_fit(mon), std::back_inserter(found));
   return found;
 }

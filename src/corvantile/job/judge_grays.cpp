@@ -37,9 +37,8 @@ std::string white_text(const settings& set) {
 }
 
 std::string advice_on_restart(const settings& set) {
-  return set.restart ? "Fewer pieces than numsegs = " + std::to_string(set.numsegs) + ", or more levels, may help."
-                     : "Set restart = 1, use fewer pieces than numsegs = " + std::to_string(set.numsegs) +
-                           ", or measure more levels.";
+  const std::string pieces = "use fewer pieces than numsegs = " + std::to_string(set.numsegs);
+  return (set.restart ? "" : "set restart = 1, ") + pieces + ", or measure more levels";
 }
 
 // One search: of the whole ramp, or of the ramp that its top shades to. `what` names its white.
@@ -48,8 +47,8 @@ class judged_search {
   judged_search(const settings& set, const monitor& display, const gray_search& search, std::string what)
       : set_(set), display_(display), search_(search), what_(std::move(what)) {}
 
-  std::vector<warning> warnings(std::optional<double> temperature) const {
-    std::vector<warning> found;
+  std::vector<finding> warnings(std::optional<double> temperature) const {
+    std::vector<finding> found;
     const bool swath = temperature && set_.hwid > 0;
     const std::optional<ramp_top> plain = swath ? std::optional(ramptop_temp(display_, *temperature)) : std::nullopt;
     if (!search_.top.reached) {
@@ -64,23 +63,22 @@ class judged_search {
   }
 
  private:
-  warning out_of_reach(bool without_swath) const {
-    std::string text = what_ +
-                       ": the display cannot show this white at any level that was tried, so that the table "
-                       "belongs to no white. ";
-    if (without_swath) {
-      text += "Without hwid (" + short_number(set_.hwid) + ") it can: make hwid smaller, or 0.";
-    } else {
-      text += "Choose one nearer the display's own.";
-    }
-    return {caution::white_out_of_reach, text};
+  finding out_of_reach(bool without_swath) const {
+    return {"white-out-of-reach", severity::warning,
+            what_ +
+                ": the display cannot show this white at any level that was tried, so that the table belongs to "
+                "no white",
+            without_swath
+                ? "make hwid smaller, or 0: without hwid (" + short_number(set_.hwid) + ") the display can show it"
+                : "choose a white nearer the display's own"};
   }
 
-  warning dark_swath(const ramp_top& plain) const {
-    return {caution::dark_swath,
+  finding dark_swath(const ramp_top& plain) const {
+    return {"dark-swath", severity::warning,
             "hwid = " + short_number(set_.hwid) + " (" + what_ + "): the brightest gray has Y " +
                 short_number(search_.top.xyz[1]) + ", without hwid " + short_number(plain.xyz[1]) +
-                ". The search across the locus ended on a darker white. Make hwid smaller, or 0."};
+                "; the search across the locus ended on a darker white",
+            "make hwid smaller, or 0"};
   }
 
   bool is_missed(std::size_t i) const {
@@ -88,7 +86,7 @@ class judged_search {
     return level.left > reachable && miss(level) > missed && in_reach(display_, level);
   }
 
-  bool not_found(std::vector<warning>& found) const {
+  bool not_found(std::vector<finding>& found) const {
     const std::size_t n = search_.levels.size();
     std::string rows;
     std::size_t worst = 0, ranges = 0;
@@ -107,14 +105,15 @@ class judged_search {
       if (ranges > most_ranges && !rows.ends_with("...")) rows += ", ...";
     }
     if (ranges == 0) return false;
-    found.push_back({caution::gray_not_found,
+    found.push_back({"gray-not-found", severity::warning,
                      "gray table (" + what_ + "), " + rows + " of 0 to " + std::to_string(n - 1) +
                          ": the search ended away from the gray, by up to " + short_percent(most) +
-                         " of its luminance (row " + std::to_string(worst) + "). " + advice_on_restart(set_)});
+                         " of its luminance (row " + std::to_string(worst) + ")",
+                     advice_on_restart(set_)});
     return true;
   }
 
-  void falls(std::vector<warning>& found) const {
+  void falls(std::vector<finding>& found) const {
     const std::size_t n = search_.levels.size();
     double most = fall;
     std::size_t row = 0, channel = 0;
@@ -129,9 +128,10 @@ class judged_search {
       }
     }
     if (row == 0) return;
-    found.push_back({caution::gray_falls, "gray table (" + what_ + "), row " + std::to_string(row) + ": " +
-                                              channel_names[channel] + " falls by " + short_number(most) +
-                                              " although the gray gets brighter. " + advice_on_restart(set_)});
+    found.push_back({"gray-falls", severity::warning,
+                     "gray table (" + what_ + "), row " + std::to_string(row) + ": " + channel_names[channel] +
+                         " falls by " + short_number(most) + " although the gray gets brighter",
+                     advice_on_restart(set_)});
   }
 
   const settings& set_;
@@ -140,20 +140,20 @@ class judged_search {
   std::string what_;
 };
 
-void append(std::vector<warning>& to, std::vector<warning> more) { std::ranges::move(more, std::back_inserter(to)); }
+void append(std::vector<finding>& to, std::vector<finding> more) { std::ranges::move(more, std::back_inserter(to)); }
 
-warning not_filled(const settings& set, int status) {
+finding not_filled(const settings& set, int status) {
   const std::string where =
       status == 1 ? "alpha = " + short_number(set.alpha) + " is not below beta = " : "beta is above 1: ";
-  return {caution::table_not_filled, where + short_number(set.beta) +
-                                         ", so that with temp the gray table is filled with zeros. Set alpha below "
-                                         "beta, and beta to at most 1."};
+  return {"table-not-filled", severity::warning,
+          where + short_number(set.beta) + ", so that with temp the gray table is filled with zeros",
+          "set alpha below beta, and beta to at most 1"};
 }
 
 }  // namespace
 
-std::vector<warning> judge_grays(const settings& set, const monitor& display, const gray_match& match) {
-  std::vector<warning> found;
+std::vector<finding> judge_grays(const settings& set, const monitor& display, const gray_match& match) {
+  std::vector<finding> found;
   if (match.status != 0) found.push_back(not_filled(set, match.status));
   const gray_temperatures at = temperatures_of(gray_ramp_of(set), display);
   const auto judge_one = [&](const gray_search& search, const std::string& what, std::optional<double> temperature) {
@@ -162,11 +162,11 @@ std::vector<warning> judge_grays(const settings& set, const monitor& display, co
   if (match.ramp) judge_one(*match.ramp, at.ramp ? "temp = " + short_number(set.temp) : white_text(set), at.ramp);
   if (match.top) judge_one(*match.top, "wptemp = " + short_number(set.wptemp), at.top);
   if (match.undefined_row) {
-    found.push_back({caution::undefined_row, "beta = " + short_number(set.beta) +
-                                                 ": the shading towards wptemp begins "
-                                                 "in the last row, row " +
-                                                 std::to_string(*match.undefined_row) +
-                                                 ", which is not a number. Lower beta, or leave wptemp out."});
+    found.push_back({"undefined-row", severity::warning,
+                     "beta = " + short_number(set.beta) +
+                         ": the shading towards wptemp begins in the last row, row " +
+                         std::to_string(*match.undefined_row) + ", which is not a number",
+                     "lower beta, or leave wptemp out"});
   }
   return found;
 }

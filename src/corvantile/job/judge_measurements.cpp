@@ -52,11 +52,12 @@ struct offenders {
       value = text;
     }
   }
-  void tell(std::vector<warning>& to, caution kind, const measurements& samples, std::string_view meaning) const {
+  void tell(std::vector<finding>& to, const char* id, const measurements& samples, const char* meaning,
+            const char* action) const {
     if (!row) return;
     std::string text = samples.name + ": " + place_text(samples, *row) + ": " + value;
     if (more > 0) text += " (and " + std::to_string(more) + " more like it)";
-    to.push_back({kind, text.append(meaning)});
+    to.push_back({id, severity::warning, text.append(meaning), action});
   }
 };
 
@@ -120,7 +121,7 @@ void judge_levels(const ramp_view& ramp, offenders& level) {
   }
 }
 
-void judge_darks(const measurements& samples, const monitor& mon, std::vector<warning>& to) {
+void judge_darks(const measurements& samples, const monitor& mon, std::vector<finding>& to) {
   const auto n = static_cast<std::size_t>(samples.nramp);
   for (std::size_t k = 0; k < 3; ++k) {
     std::size_t low = n - 1, high = n - 1;
@@ -130,31 +131,31 @@ void judge_darks(const measurements& samples, const monitor& mon, std::vector<wa
     }
     const double spread = (samples.data(high, 3 + k) - samples.data(low, 3 + k)) / mon.whitepoint[k];
     if (!(spread > dark_spread)) continue;
-    to.push_back({caution::zeros_differ,
+    to.push_back({"dark-spread", severity::warning,
                   samples.name + ": " + place_text(samples, high) + ": at zero drive " + "XYZ"[k] + " is " +
                       short_number(samples.data(high, 3 + k)) + ", at " + sample_text(samples, low) + " " +
                       short_number(samples.data(low, 3 + k)) + ", which is " + short_percent(spread) +
-                      " of white apart. The display's black changes, or stray light did: dark grays will be off. "
-                      "Measure again in the dark, with dynamic backlight off."});
+                      " of white apart. The display's black changes, or stray light did: dark grays will be off",
+                  "measure again in the dark, with dynamic backlight off"});
     return;
   }
 }
 
-void judge_sum(const measurements& samples, const monitor& mon, std::vector<warning>& to) {
+void judge_sum(const measurements& samples, const monitor& mon, std::vector<finding>& to) {
   const double white = mon.whitepoint[1] - mon.darklight[1];
   const double sum = mon.Ymax[0] + mon.Ymax[1] + mon.Ymax[2];
   if (!(std::abs(sum / white - 1) > additivity)) return;
-  to.push_back({caution::channels_do_not_add,
+  to.push_back({"additivity", severity::warning,
                 samples.name + ": " + place_text(samples, 0) + ": white's Y is " + short_number(white) +
                     " above the dark, red, green and blue together have " + short_number(sum) + ", " +
                     short_percent(sum / white - 1) +
-                    " off. The model adds the channels, so that its whites are not the display's. Switch off dynamic "
-                    "backlight and picture modes that boost colours, and measure again."});
+                    " off. The model adds the channels, so that its whites are not the display's",
+                "switch off dynamic backlight and picture modes that boost colours, and measure again"});
 }
 
 }  // namespace
 
-std::vector<warning> judge_measurements(const measurements& samples, const monitor& mon) {
+std::vector<finding> judge_measurements(const measurements& samples, const monitor& mon) {
   offenders bottoms, tops, rises, levels;
   const auto n = static_cast<std::size_t>(samples.nramp);
   const double full_drive = full_drive_of(samples);
@@ -165,19 +166,17 @@ std::vector<warning> judge_measurements(const measurements& samples, const monit
     judge_rises(ramp, rises);
     judge_levels(ramp, levels);
   }
-  std::vector<warning> found;
-  bottoms.tell(found, caution::ramp_not_to_zero, samples,
-               ". Its light is taken for the dark, so that dark grays will be wrong. Measure down to drive 0.");
-  tops.tell(found, caution::ramp_below_full, samples,
-            ". What lies above is guessed, and its light counts as that of full drive. Measure the ramps from full "
-            "drive, or leave out samples at higher drives.");
+  std::vector<finding> found;
+  bottoms.tell(found, "ramp-not-to-zero", samples,
+               ". Its light is taken for the dark, so that dark grays will be wrong", "measure down to drive 0");
+  tops.tell(found, "ramp-below-full", samples,
+            ". What lies above is guessed, and its light counts as that of full drive",
+            "measure the ramps from full drive, or leave out samples at higher drives");
   judge_darks(samples, mon, found);
-  rises.tell(found, caution::luminance_rises, samples,
-             ". The fitted curve cannot fall, so that it follows neither. Look for exchanged samples or a display "
-             "that was not warm or adapts itself, and measure again.");
-  levels.tell(found, caution::luminance_level, samples,
-              ". Drive values there cannot be told apart: the display clips. Lower its contrast (or raise its "
-              "brightness, if it happens in the dark) and measure again.");
+  rises.tell(found, "luminance-rises", samples, ". The fitted curve cannot fall, so that it follows neither",
+             "look for exchanged samples or a display that was not warm or adapts itself, and measure again");
+  levels.tell(found, "luminance-level", samples, ". Drive values there cannot be told apart: the display clips",
+              "lower its contrast (or raise its brightness, if it happens in the dark) and measure again");
   judge_sum(samples, mon, found);
   return found;
 }

@@ -11,18 +11,19 @@ constexpr double rounding = 1e-6;
 // With 12 bits the first step above black of a pre-table in linear light is that of drive 6 of 255 at gamma 2.2.
 constexpr int fine_bits = 12;
 
-void judge_matrix(const settings& set, const mat3& m, std::vector<warning>& to) {
+void judge_matrix(const settings& set, const mat3& m, std::vector<finding>& to) {
   const auto entry = [](std::size_t i, std::size_t j) {  // counted from 1, as readers of matrices do
     return "matrix, row " + std::to_string(i + 1) + ", column " + std::to_string(j + 1);
   };
   for (std::size_t i = 0; i < 3; ++i) {
     for (std::size_t j = 0; j < 3; ++j) {
       if (!(m(i, j) < -rounding)) continue;
-      to.push_back({caution::matrix_negative,
-                    entry(i, j) + " is " + short_number(m(i, j)) +
-                        ": the target asks for colours that the display cannot show, and integer tables cannot hold "
-                        "it. Raise boundary_tol (" +
-                        short_number(set.boundary_tol) + ") or choose a white nearer the display's."});
+      to.push_back(
+          {"matrix-negative", severity::warning,
+           entry(i, j) + " is " + short_number(m(i, j)) +
+               ": the target asks for colours that the display cannot show, and integer tables cannot hold "
+               "it",
+           "raise boundary_tol (" + short_number(set.boundary_tol) + ") or choose a white nearer the display's"});
       i = j = 3;  // one is enough
     }
   }
@@ -32,40 +33,40 @@ void judge_matrix(const settings& set, const mat3& m, std::vector<warning>& to) 
       if (m(i, j) > m(largest, j)) largest = i;
     }
     if (largest == j) continue;
-    to.push_back({caution::matrix_exchanged, entry(largest, j) + ": " + channel_names[j] + " goes mostly to " +
-                                                 channel_names[largest] +
-                                                 ". Give xytable as white, red, green, blue, and the ramps as white, "
-                                                 "red, green, blue."});
+    to.push_back({"matrix-exchanged", severity::warning,
+                  entry(largest, j) + ": " + channel_names[j] + " goes mostly to " + channel_names[largest],
+                  "give xytable as white, red, green, blue, and the ramps as white, red, green, blue"});
     break;
   }
   for (std::size_t i = 0; i < 3; ++i) {
     const double sum = m(i, 0) + m(i, 1) + m(i, 2);
     if (!(sum > 1 + rounding)) continue;
-    to.push_back({caution::matrix_above_one,
+    to.push_back({"matrix-above-one", severity::warning,
                   "rowsum_margin = " + short_number(set.rowsum_margin) + ": row " + std::to_string(i + 1) +
                       " of the matrix adds up to " + short_number(sum) +
-                      ", so that bright colours ask for more than full drive and are clipped. Use 0 or more."});
+                      ", so that bright colours ask for more than full drive and are clipped",
+                  "use 0 or more"});
     break;
   }
 }
 
 }  // namespace
 
-std::vector<warning> judge_two_tables(const settings& set, const two_table_solution& two) {
-  std::vector<warning> found;
+std::vector<finding> judge_two_tables(const settings& set, const two_table_solution& two) {
+  std::vector<finding> found;
   if (!two.top.reached) {
-    found.push_back({caution::white_out_of_reach,
+    found.push_back({"white-out-of-reach", severity::warning,
                      "xytable: the display cannot show the target's white " +
                          short_pair(set.xytable.white[0], set.xytable.white[1]) +
-                         " at any level that was tried, so that matrix and tables belong to no white. Choose a white "
-                         "inside the display's gamut."});
+                         " at any level that was tried, so that matrix and tables belong to no white",
+                     "choose a white inside the display's gamut"});
   }
   judge_matrix(set, two.matrix, found);
   if (set.nbits > 0 && set.nbits < fine_bits) {
-    found.push_back({caution::coarse_codes,
+    found.push_back({"coarse-codes", severity::warning,
                      "nbits = " + std::to_string(set.nbits) +
-                         ": preLUT is linear in light, where so few codes turn the lowest drive values black. Use 12 "
-                         "or more, or 0 for real numbers."});
+                         ": preLUT is linear in light, where so few codes turn the lowest drive values black",
+                     "use 12 or more, or 0 for real numbers"});
   }
   return found;
 }

@@ -4,32 +4,28 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "corvantile/kit/checked.hpp"
 #include "corvantile/kit/files.hpp"
-#include "corvantile/kit/imported.hpp"
-#include "corvantile/kit/job_folder.hpp"
+#include "corvantile/kit/job.hpp"
 #include "corvantile/kit/verbs.hpp"
-#include "corvantile/kit/words.hpp"
-#include "corvantile/utils/text.hpp"
 
 namespace corvantile::kit {
 namespace {
 
 using json = nlohmann::ordered_json;
 
-json figures(const difference_figures& f) { return {{"n", f.n}, {"mean", f.mean}, {"p95", f.p95}, {"max", f.max}}; }
+json record_of(const difference_figures& f) { return {{"n", f.n}, {"mean", f.mean}, {"p95", f.p95}, {"max", f.max}}; }
 
 json record_of(const quality& q, const std::vector<finding>& findings) {
   json record = {{"additivity", q.additivity}, {"dark_spread", q.dark_spread}};
   record["repeat_spread"] = q.repeat_spread ? json(*q.repeat_spread) : json(nullptr);
-  record["accuracy"] = {{"unseen", figures(q.accuracy.unseen)},
-                        {"near_gray", figures(q.accuracy.near_gray)},
-                        {"white_ramp", figures(q.accuracy.white_ramp)}};
+  record["accuracy"] = {{"unseen", record_of(q.accuracy.unseen)},
+                        {"near_gray", record_of(q.accuracy.near_gray)},
+                        {"white_ramp", record_of(q.accuracy.white_ramp)}};
   record["white"] = {
       {"x", q.white_xy[0]}, {"y", q.white_xy[1]}, {"cct", q.white_cct}, {"from_d65", q.white_from_d65}};
   record["contrast"] = std::isfinite(q.contrast) ? json(q.contrast) : json(nullptr);
@@ -46,44 +42,45 @@ json record_of(const quality& q, const std::vector<finding>& findings) {
 }
 
 std::string accuracy_line(const char* what, const difference_figures& f) {
-  if (f.n == 0) return std::string(what) + "none";
-  return std::string(what) + "mean " + decimal(f.mean, 2) + ", 95 % within " + decimal(f.p95, 2) + ", largest " +
-         decimal(f.max, 2) + " (" + std::to_string(f.n) + " patches)";
+  if (f.n == 0) return fmt::format("  {:<12}none\n", what);
+  return fmt::format("  {:<12}mean {:.2f}, 95 % within {:.2f}, largest {:.2f} ({} patches)\n", what, f.mean, f.p95,
+                     f.max, f.n);
 }
 
 std::string text_of(const quality& q, const std::vector<finding>& findings) {
   std::string text;
   for (const finding& f : findings) {
-    text += std::string(name_of(f.level)) + ": " + f.id + '\n' + wrapped(f.message, 4);
+    text += fmt::format("{}: {}\n", name_of(f.level), f.id) + wrapped(f.message, 4);
     if (!f.action.empty()) text += wrapped("-> " + f.action, 4);
   }
-  text += "\nwhite         x " + decimal(q.white_xy[0], 4) + ", y " + decimal(q.white_xy[1], 4) + ", " +
-          decimal(q.white_cct, 0) + " K, " + decimal(q.white_from_d65, 4) + " u'v' from D65\n";
-  text += "luminance     " + decimal(q.white[1], 1) + ", contrast " +
-          (std::isfinite(q.contrast) ? decimal(q.contrast, 0) + " : 1" : std::string("unknown (dark of 0)")) + '\n';
+  text += fmt::format("\nwhite         x {:.4f}, y {:.4f}, {:.0f} K, {:.4f} u'v' from D65\n", q.white_xy[0],
+                      q.white_xy[1], q.white_cct, q.white_from_d65);
+  text += fmt::format("luminance     {:.1f}, contrast ", q.white[1]) +
+          (std::isfinite(q.contrast) ? fmt::format("{:.0f} : 1\n", q.contrast) : "unknown (dark of 0)\n");
   text += "model against samples, CIEDE2000\n";
-  text += accuracy_line("  unseen      ", q.accuracy.unseen) + '\n';
-  text += accuracy_line("  near gray   ", q.accuracy.near_gray) + '\n';
-  text += accuracy_line("  white ramp  ", q.accuracy.white_ramp) + '\n';
-  text += "channels' sum " + decimal(100 * q.additivity, 2) + " % off the white; dark readings " +
-          decimal(100 * q.dark_spread, 3) + " % of white apart" +
-          (q.repeat_spread ? "; repeats " + decimal(100 * *q.repeat_spread, 2) + " % apart" : "") + '\n';
-  text += "gamut         ";
+  text += accuracy_line("unseen", q.accuracy.unseen);
+  text += accuracy_line("near gray", q.accuracy.near_gray);
+  text += accuracy_line("white ramp", q.accuracy.white_ramp);
+  text += fmt::format("channels' sum {:.2f} % off the white; dark readings {:.3f} % of white apart",
+                      100 * q.additivity, 100 * q.dark_spread);
+  if (q.repeat_spread) text += fmt::format("; repeats {:.2f} % apart", 100 * *q.repeat_spread);
+  text += "\ngamut         ";
   for (const gamut_comparison& g : q.gamut)
-    text += std::string(g.name) + " " + decimal(100 * g.coverage, 0) + " %" + (&g == &q.gamut.back() ? "" : ", ");
-  return text + " covered\n";
+    text += fmt::format("{} {:.0f} %{}", g.name, 100 * g.coverage, &g == &q.gamut.back() ? " covered\n" : ", ");
+  return text;
 }
 
 }  // namespace
 
 int run_check(const check_options& o) {
   refuse_to_replace(o.output, o.force);
-  const checked c = check_source(o.source);
-  std::vector<finding> findings = c.figures.findings;
-  if (!o.settings.empty()) merge_findings(findings, plan_findings(read_settings_file(o.settings), c.samples));
-  if (o.json) print_record(record_of(c.figures, findings));
+  const measurement_file file = measurements_of(o.source);
+  const quality q = check_measurements(file.samples, file.known);
+  std::vector<finding> findings = q.findings;
+  if (!o.settings.empty()) merge_findings(findings, findings_with(read_settings_file(o.settings), file.samples));
+  if (o.json) print_record(record_of(q, findings));
   const bool named = !o.output.empty() && o.output != "-";
-  if (named || !o.json) write_output(o.output, text_of(c.figures, findings), o.force);
+  if (named || !o.json) write_output(o.output, text_of(q, findings), o.force);
   const bool serious = std::ranges::any_of(findings, [](const finding& f) { return f.level > severity::note; });
   return o.strict && serious ? status::findings : status::done;
 }

@@ -1,5 +1,6 @@
 // corvantile-kit export: from a job's folder to what a device loads.
 
+#include <fmt/format.h>
 #include <string>
 #include <utility>
 #include <vector>
@@ -34,12 +35,11 @@ std::vector<std::string> put(const exported& made, const export_format& format, 
 
 int run_export(const export_verb_options& o) {
   const export_format& format = format_named(o.how.format);
-  const solved_job job = open_job(o.folder).job;
-  const exported made = export_job(job, parse_provenance(read_input(o.folder + "/measurements.txt")), o.how);
+  const exported made = export_job(open_job(o.folder).solved, o.how);
   const std::vector<std::string> names = put(made, format, o);
   for (const std::string& name : names) say(o, name);
   if (made.calibration != calibration_use::none) say(o, "note: " + made.calibration_words);
-  if (made.clamped > 0) say(o, "note: " + std::to_string(made.clamped) + " entries were clamped to their range");
+  if (made.clamped > 0) say(o, fmt::format("note: {} entries were clamped to their range", made.clamped));
   if (o.json) {
     const nlohmann::ordered_json record = {{"format", format.name},
                                            {"files", names},

@@ -1,7 +1,6 @@
 #include "corvantile/kit/exports.hpp"
 
 #include <algorithm>
-#include <map>
 
 #include "corvantile/formats/calibration.hpp"
 #include "corvantile/formats/writers/c_header.hpp"
@@ -19,8 +18,8 @@
 #include "corvantile/formats/writers/monitor_icc.hpp"
 #include "corvantile/formats/writers/spi.hpp"
 #include "corvantile/formats/writers/threedl.hpp"
-#include "corvantile/kit/dates.hpp"
 #include "corvantile/kit/files.hpp"
+#include "corvantile/kit/terminal.hpp"
 #include "corvantile/utils/failure.hpp"
 #include "corvantile/utils/lut.hpp"
 #include "corvantile/utils/version.hpp"
@@ -31,16 +30,15 @@ namespace {
 constexpr std::size_t usual_grid = 33;
 constexpr int rows_to_bake_from = 4096;
 
-// What a writer is given.
-struct subject {
-  const solved_job& job;
-  const provenance& known;
+// What a writer gets.
+struct export_subject {
+  const job& of;
   const export_options& o;
   description about;
   std::optional<calibration_curves> compose;
 
-  device_tables tables() const { return tables_of(job.result); }
-  /// For formats that replace the calibration: resampled first, composed then.
+  device_tables tables() const { return tables_of(of.result); }
+  /// For formats that replace the calibration: resampled, then composed with it.
   device_tables composed(std::optional<std::size_t> entries = {}) const {
     device_tables t = tables();
     if (t.two_tables) return t;  // refused by the writer
@@ -48,27 +46,20 @@ struct subject {
     if (compose) t.post = compose_calibration(*compose, std::move(t.post));
     return t;
   }
-  /// Fine enough for a grid between whose points the dark end matters.
+  /// Fine enough for a grid, which has few points at the dark end.
   device_tables to_bake() const {
-    if (job.names.set.tlen >= rows_to_bake_from) return tables();
-    settings finer = job.names.set;
+    if (of.set().tlen >= rows_to_bake_from) return tables();
+    settings finer = of.set();
     finer.tlen = rows_to_bake_from;
-    return tables_of(solve(finer, job.samples, job.tone, job.result.factors));
+    return tables_of(solve(finer, of.file.samples, of.tone, of.result.factors));
   }
-  memory_options memories() const {
-    static const std::map<std::string, word_layout> layouts{
-        {"packed", word_layout::packed}, {"planar", word_layout::planar}, {"interleaved", word_layout::interleaved}};
-    return {.bits = o.bits,
-            .layout = layouts.at(o.layout),
-            .matrix = o.matrix == "q15.16" ? matrix_format::q15_16 : matrix_format::q2_14};
-  }
-  double cd_m2(double Y) const { return known.absolute.value_or(false) ? Y : 0; }
+  double cd_m2(double Y) const { return of.file.known.absolute.value_or(false) ? Y : 0; }
 };
 
-// The corrected display, channel by channel, as a profile tells of it.
-profiled_display behind_tables(const subject& s) {
+// The corrected display, channel by channel, for a profile.
+profiled_display behind_tables(const export_subject& s) {
   constexpr std::size_t points = 1024;
-  const correction& result = s.job.result;
+  const correction& result = s.of.result;
   const std::size_t last = result.gray.rows() - 1;
   const vec3 top = result.two ? vec3{{1, 1, 1}} : row3(result.gray, last);
   const vec3 dark = inp2out_vec(result.display, {});
@@ -93,7 +84,7 @@ profiled_display behind_tables(const subject& s) {
 exported one(const export_format& f, std::string bytes) { return {.files = {{f.usual_name, std::move(bytes)}}}; }
 exported memories(memory_files made) { return {.files = std::move(made.files), .clamped = made.clamped}; }
 
-using writer = exported (*)(const export_format&, const subject&);
+using writer = exported (*)(const export_format&, const export_subject&);
 
 struct entry {
   export_format format;
@@ -103,54 +94,56 @@ struct entry {
 const std::vector<entry>& entries() {
   static const std::vector<entry> all{
       {{"clf", "Common LUT Format 3: colour pipelines, exact", true, "correction.clf", false},
-       [](const auto& f, const subject& s) { return one(f, clf_file(s.tables(), s.about)); }},
+       [](const auto& f, const export_subject& s) { return one(f, clf_file(s.tables(), s.about)); }},
       {{"spi", ".spi1d, .spimtx and an OpenColorIO configuration, exact", false, "spi", false},
-       [](const auto&, const subject& s) { return exported{.files = spi_files(s.tables(), s.about)}; }},
+       [](const auto&, const export_subject& s) { return exported{.files = spi_files(s.tables(), s.about)}; }},
       {{"cube", "one-dimensional .cube, exact for CV1", true, "correction-1d.cube", true},
-       [](const auto& f, const subject& s) { return one(f, cube_file(s.composed(), s.about)); }},
+       [](const auto& f, const export_subject& s) { return one(f, cube_file(s.composed(), s.about)); }},
       {{"cube3d", "three-dimensional .cube, baked: players, televisions, compositors", true, "correction-3d.cube",
         false},
-       [](const auto& f, const subject& s) {
+       [](const auto& f, const export_subject& s) {
          return one(f, cube3d_file(s.to_bake(), s.o.size.value_or(usual_grid), s.about));
        }},
       {{"3dl", ".3dl of 12 bits, baked", true, "correction.3dl", false},
-       [](const auto& f, const subject& s) {
+       [](const auto& f, const export_subject& s) {
          return one(f, threedl_file(s.to_bake(), s.o.size.value_or(usual_grid), s.about));
        }},
       {{"cal", "ArgyllCMS calibration, exact for CV1", true, "correction.cal", true},
-       [](const auto& f, const subject& s) { return one(f, cal_file(s.composed(), s.about)); }},
+       [](const auto& f, const export_subject& s) { return one(f, cal_file(s.composed(), s.about)); }},
       {{"icc", "display profile with vcgt, for CV1", true, "correction.icc", true},
-       [](const auto& f, const subject& s) {
+       [](const auto& f, const export_subject& s) {
          const std::size_t n = s.o.entries.value_or(usual_vcgt_entries);
          const bool sensible = n >= 2 && n <= most_vcgt_entries;  // others are refused by the writer
          return one(f, icc_file(sensible ? s.composed(n) : s.tables(), behind_tables(s), s.about, n));
        }},
       {{"monitor-icc", "profile of the display as measured, for colour-managed desktops", true, "display.icc", false},
-       [](const auto& f, const subject& s) {
-         profiled_display display = as_measured(s.job.result.measured);
-         display.luminance = s.cd_m2(s.job.result.measured.whitepoint[1]);
-         display.black_luminance = s.cd_m2(s.job.result.measured.darklight[1]);
+       [](const auto& f, const export_subject& s) {
+         profiled_display display = as_measured(s.of.result.measured);
+         display.luminance = s.cd_m2(s.of.result.measured.whitepoint[1]);
+         display.black_luminance = s.cd_m2(s.of.result.measured.darklight[1]);
          return one(f, monitor_icc_file(display, s.about));
        }},
       {{"mhc2", "profile with the Windows MHC2 tag: two tables, the sRGB curve", true, "correction-mhc2.icc", false},
-       [](const auto& f, const subject& s) {
+       [](const auto& f, const export_subject& s) {
          return one(f, mhc2_file(s.tables(), behind_tables(s), s.about, s.o.entries.value_or(1024)));
        }},
       {{"kms", "Linux DEGAMMA_LUT, CTM and GAMMA_LUT blobs", false, "kms", false},
-       [](const auto&, const subject& s) {
+       [](const auto&, const export_subject& s) {
          return exported{
              .files = kms_files(s.tables(), s.about, {.entries = s.o.entries.value_or(1024), .wide = s.o.wide})};
        }},
       {{"hex", "memory files for Verilog's $readmemh", false, "hex", false},
-       [](const auto&, const subject& s) { return memories(hex_files(s.tables(), s.about, s.memories())); }},
+       [](const auto&, const export_subject& s) { return memories(hex_files(s.tables(), s.about, s.o.memory)); }},
       {{"mif", "memory initialisation files (.mif)", false, "mif", false},
-       [](const auto&, const subject& s) { return memories(mif_files(s.tables(), s.about, s.memories())); }},
+       [](const auto&, const export_subject& s) { return memories(mif_files(s.tables(), s.about, s.o.memory)); }},
       {{"coe", "coefficient files (.coe)", false, "coe", false},
-       [](const auto&, const subject& s) { return memories(coe_files(s.tables(), s.about, s.memories())); }},
+       [](const auto&, const export_subject& s) { return memories(coe_files(s.tables(), s.about, s.o.memory)); }},
       {{"c", "a C header", false, "c", false},
-       [](const auto&, const subject& s) { return memories(c_header_files(s.tables(), s.about, s.memories())); }},
+       [](const auto&, const export_subject& s) {
+         return memories(c_header_files(s.tables(), s.about, s.o.memory));
+       }},
       {{"json", "all tables with their axes, exact", true, "correction.json", false},
-       [](const auto& f, const subject& s) { return one(f, json_file(s.tables(), s.about)); }},
+       [](const auto& f, const export_subject& s) { return one(f, json_file(s.tables(), s.about)); }},
   };
   return all;
 }
@@ -167,12 +160,12 @@ std::pair<std::optional<calibration_curves>, calibration_use> calibration_of(con
   return {std::nullopt, calibration_use::in_force};
 }
 
-// A profile of the display as measured has no entries to speak of.
+// The profile of the display as measured has no table to compose.
 std::string words_about(calibration_use use, const export_format& format) {
   if (std::string_view(format.name) != "monitor-icc") return calibration_note(use);
   return use == calibration_use::none
-             ? "The display as measured: no calibration was in effect, or none is to be looked at."
-             : "The display as measured: the calibration that was in effect has to stay loaded.";
+             ? "The display as measured: no calibration was in effect, or it is to be ignored."
+             : "The display as measured: keep the calibration loaded that was in effect.";
 }
 
 std::string title_of(const provenance& known, const export_options& o) {
@@ -198,16 +191,17 @@ const export_format& format_named(const std::string& name) {
   throw failure(fault::setting, "no such format: " + name);
 }
 
-exported export_job(const solved_job& job, const provenance& known, const export_options& o) {
+exported export_job(const job& j, const export_options& o) {
+  const provenance& known = j.file.known;
   const auto found = std::ranges::find_if(entries(), [&](const entry& e) { return o.format == e.format.name; });
   if (found == entries().end()) throw failure(fault::setting, "no such format: " + o.format);
   const auto [compose, use] = calibration_of(found->format, known, o.calibration);
   const description about{
       .title = title_of(known, o),
-      .comments = {"Made by corvantile-kit " CORVANTILE_VERSION ", mode " + std::string(name_of(job.names.set.mode)),
+      .comments = {"Made by corvantile-kit " CORVANTILE_VERSION ", mode " + std::string(name_of(j.set().mode)),
                    words_about(use, found->format)},
       .created = now()};
-  exported made = found->write(found->format, {job, known, o, about, compose});
+  exported made = found->write(found->format, {j, o, about, compose});
   made.calibration = use;
   made.calibration_words = words_about(use, found->format);
   return made;

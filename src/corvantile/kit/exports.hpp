@@ -8,21 +8,18 @@
 
 #include "corvantile/formats/writers/memory_words.hpp"
 #include "corvantile/formats/writers/writer.hpp"
-#include "corvantile/kit/job_folder.hpp"
-#include "corvantile/readings/provenance.hpp"
+#include "corvantile/kit/job.hpp"
 
 namespace corvantile::kit {
 
 struct export_options {
   std::string format;
   std::string title;                   ///< empty: the display's name as far as it is known
-  std::optional<std::size_t> size;     ///< of a 3D table's side: 33 where absent
+  std::optional<std::size_t> size;     ///< of a 3D table's side; absent: 33
   std::optional<std::size_t> entries;  ///< of a resampled table; absent: the format's usual length
-  unsigned bits = 10;                  ///< of a memory word
-  std::string layout = "planar";       ///< packed, planar or interleaved
-  std::string matrix = "q2.14";        ///< or q15.16
+  memory_options memory;               ///< words of hex, mif, coe and c
   bool wide = false;                   ///< kms: the 32-bit form
-  /// The calibration to compose with, where the format replaces one: empty for that which was in effect while
+  /// The calibration to compose with, if the format replaces one: empty for the one that was in effect while
   /// measuring, "none", or the name of a .cal file.
   std::string calibration;
 };
@@ -47,11 +44,10 @@ struct export_format {
 /// Every format, in the order in which help lists them.
 const std::vector<export_format>& export_formats();
 
-/// Throws `fault::setting` for a name that is no format's.
+/// Throws `fault::setting` for any other name.
 const export_format& format_named(const std::string& name);
 
-/// Writes the job in a format. Throws `fault::inexpressible`, with what to do instead, for what the format cannot
-/// hold.
-exported export_job(const solved_job& job, const provenance& known, const export_options& o);
+/// The job in a format. Throws `fault::inexpressible`, with what to do instead, if the format cannot hold it.
+exported export_job(const job& j, const export_options& o);
 
 }  // namespace corvantile::kit

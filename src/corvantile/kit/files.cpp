@@ -17,7 +17,7 @@ namespace corvantile::kit {
 namespace fs = std::filesystem;
 namespace {
 
-// Folders that go again unless they are to be kept.
+// Removes the folders it created unless keep() is called.
 class new_folders {
  public:
   new_folders() = default;
@@ -43,7 +43,7 @@ class new_folders {
   std::vector<fs::path> names_;
 };
 
-// Standard input, which several may ask for and which can be read once.
+// Standard input can be read once; several may ask for it.
 const std::string& standard_input() {
   static const std::string text = [] {
     constexpr std::size_t most = std::size_t{1} << 30U;
@@ -61,7 +61,7 @@ const std::string& standard_input() {
   return text;
 }
 
-// What a program may write to at any time: nothing of it is lost.
+// Writing to these loses nothing.
 bool is_stream(const std::string& name) {
   std::error_code none;
   const fs::file_status at = fs::status(name, none);
@@ -80,7 +80,7 @@ std::string read_input(const std::string& name) {
 void refuse_to_replace(const std::string& name, bool force) {
   std::error_code none;
   if (force || name.empty() || name == "-" || !fs::exists(fs::symlink_status(name, none)) || is_stream(name)) return;
-  throw failure(fault::unwritable, printable(name) + " is there already; --force replaces it");
+  throw failure(fault::unwritable, printable(name) + " exists already; --force replaces it");
 }
 
 void write_output(const std::string& name, std::string_view text, bool force) {

@@ -8,9 +8,8 @@
 #include <vector>
 
 #include "corvantile/formats/writers/cal.hpp"
-#include "corvantile/kit/dates.hpp"
 #include "corvantile/kit/files.hpp"
-#include "corvantile/kit/imported.hpp"
+#include "corvantile/kit/source.hpp"
 #include "corvantile/kit/verbs.hpp"
 #include "corvantile/utils/failure.hpp"
 #include "corvantile/utils/text.hpp"
@@ -18,28 +17,29 @@
 namespace corvantile::kit {
 namespace {
 
-nlohmann::ordered_json record_of(const imported& in) {
+nlohmann::ordered_json record_of(const import_result& in) {
   const auto figures = [](const std::optional<prediction_figures>& f) -> nlohmann::ordered_json {
     if (!f) return nullptr;
     return {{"near_gray", {{"n", f->near_gray.n}, {"mean", f->near_gray.mean}}},
             {"all", {{"n", f->all.n}, {"mean", f->all.mean}}}};
   };
   const ramp_choice& c = in.choice;
-  nlohmann::ordered_json record = {{"source", in.known.source},
-                                   {"kind", in.known.kind},
-                                   {"instrument", in.known.instrument},
-                                   {"date", in.known.date},
-                                   {"readings", in.known.readings},
-                                   {"absolute", in.known.absolute.value_or(false)},
-                                   {"calibration_in_effect", in.known.calibration.has_value()},
-                                   {"levels", c.data.nramp},
-                                   {"extra", c.data.data.rows() - 4 * static_cast<std::size_t>(c.data.nramp)},
+  const measurements& m = in.file.samples;
+  nlohmann::ordered_json record = {{"source", in.file.known.source},
+                                   {"kind", in.file.known.kind},
+                                   {"instrument", in.file.known.instrument},
+                                   {"date", in.file.known.date},
+                                   {"readings", in.file.known.readings},
+                                   {"absolute", in.file.known.absolute.value_or(false)},
+                                   {"calibration_in_effect", in.file.known.calibration.has_value()},
+                                   {"levels", m.nramp},
+                                   {"extra", m.data.rows() - 4 * static_cast<std::size_t>(m.nramp)},
                                    {"ramps", c.taken == ramp_source::derived ? "derived" : "measured"},
                                    {"why", c.why},
                                    {"additivity", c.additivity}};
   record["measured_predicts"] = figures(c.measured_predicts);
   record["derived_predicts"] = figures(c.derived_predicts);
-  record["notes"] = in.known.notes;
+  record["notes"] = in.file.known.notes;
   return record;
 }
 
@@ -48,14 +48,15 @@ nlohmann::ordered_json record_of(const imported& in) {
 int run_import(const import_options& o) {
   refuse_to_replace(o.output, o.force);
   refuse_to_replace(o.calibration, o.force);
-  const imported in = import_measurements(o.source);
-  if (!o.calibration.empty() && !in.known.calibration)
-    refuse_content(in.known.source, "no calibration was in effect while measuring, so that there is none to write");
+  const import_result in = import_source(o.source);
+  if (!o.calibration.empty() && !in.file.known.calibration)
+    refuse_content(in.file.known.source,
+                   "no calibration was in effect while measuring: there is nothing for --calibration to write");
   write_output(o.output, in.text, o.force);
   if (!o.calibration.empty()) {
     const description about{
-        .title = "In effect while " + in.known.source + " was measured", .comments = {}, .created = now()};
-    write_output(o.calibration, calibration_file(*in.known.calibration, about), o.force);
+        .title = "In effect while " + in.file.known.source + " was measured", .comments = {}, .created = now()};
+    write_output(o.calibration, calibration_file(*in.file.known.calibration, about), o.force);
   }
   for (const std::string& line : summary_of(in)) say(o, line);
   if (o.json) print_record(record_of(in));

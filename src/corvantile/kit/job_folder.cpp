@@ -1,14 +1,14 @@
 #include "corvantile/kit/job_folder.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
-#include <iostream>
-#include <string_view>
+#include <filesystem>
+#include <fmt/format.h>
+#include <system_error>
 #include <utility>
 
-#include "corvantile/driver/gamma_file.hpp"
-#include "corvantile/driver/gray_factors_file.hpp"
-#include "corvantile/driver/tables.hpp"
+#include "corvantile/documents/table_files.hpp"
 #include "corvantile/kit/files.hpp"
 #include "corvantile/utils/failure.hpp"
 #include "corvantile/utils/number_scanner.hpp"
@@ -20,84 +20,56 @@ namespace {
 
 using json = nlohmann::ordered_json;
 
-constexpr const char* settings_name = "settings.txt";
-constexpr const char* record_name = "job.json";
-constexpr const char* measurements_name = "measurements.txt";
-constexpr const char* gamma_name = "gamma.txt";
+// ---- The record ----
 
-// What is no number, such as an infinity, is written as null.
+// What is not a number, such as an infinity, is written as null.
 json pair(const vec2& v) { return {v[0], v[1]}; }
 json triple(const vec3& v) { return {v[0], v[1], v[2]}; }
 
-json colour(const vec3& xyz) {
-  const vec2 xy = chromaticity(xyz);
-  return {{"XYZ", triple(xyz)}, {"xy", pair(xy)}, {"CCT", xyz2cct(xy)}};
-}
-
-json chromaticities_of(const chromaticity_table& t) {
+json chromaticities(const chromaticity_table& t) {
   return {{"white", pair(t.white)}, {"red", pair(t.red)}, {"green", pair(t.green)}, {"blue", pair(t.blue)}};
 }
 
-json settings_record(const profile& p) {
-  const settings& s = p.set;
-  json record = {{"tlen", s.tlen},
-                 {"nbits", s.nbits},
-                 {"numsegs", s.numsegs},
-                 {"minslope", s.minslope},
-                 {"gamma", s.gamma},
-                 {"gamfile", p.gamfile},
-                 {"xytable", chromaticities_of(s.xytable)},
-                 {"boundary_tol", s.boundary_tol},
-                 {"lumfrac", s.lumfrac},
-                 {"rowsum_margin", s.rowsum_margin},
-                 {"temp", s.temp},
-                 {"wptemp", s.wptemp},
-                 {"alpha", s.alpha},
-                 {"beta", s.beta},
-                 {"hwid", s.hwid},
-                 {"restart", s.restart},
-                 {"grayfile", p.grayfile}};
-  record["white"] = s.white ? pair(*s.white) : json(nullptr);
+json value_record(const opts_value& value) {
+  struct {
+    json operator()(const chromaticity_table& t) const { return chromaticities(t); }
+    json operator()(const std::optional<vec2>& xy) const { return xy ? pair(*xy) : json(nullptr); }
+    json operator()(const std::string& text) const { return text; }
+    json operator()(int i) const { return i; }
+    json operator()(bool on) const { return on; }
+    json operator()(double v) const { return v; }
+  } of;
+  return std::visit(of, value);
+}
+
+json settings_record(const opts& o) {
+  json record;
+  for (const opts_entry& e : entries_of(o)) record[std::string(e.key)] = value_record(e.value);
+  for (const char* told_elsewhere : {"cvmode", "outdir", "wgfile"}) record.erase(told_elsewhere);
   return record;
 }
 
-json figures_record(const outcome& figures) {
-  json record = {{"white",
-                  {{"measured", colour(figures.white_before)},
-                   {"corrected", colour(figures.white_after)},
-                   {"wanted_xy", pair(figures.white_wanted)}}},
-                 {"luminance", {{"before", figures.white_before[1]}, {"after", figures.white_after[1]}}},
-                 {"black", {{"before", figures.black_before[1]}, {"after", figures.black_after[1]}}},
-                 {"gray_ciede2000", {{"mean", figures.gray_mean}, {"max", figures.gray_largest}}}};
-  if (figures.gamut) {
-    record["primaries"] = {{"asked", chromaticities_of(figures.gamut->asked)},
-                           {"reachable", chromaticities_of(figures.gamut->reachable)},
-                           {"reached", chromaticities_of(figures.gamut->shown)},
-                           {"moved_uv1960", triple(figures.gamut->moved)}};
-  }
+json colour(const white_figures& w) { return {{"XYZ", triple(w.xyz)}, {"xy", pair(w.xy)}, {"CCT", w.cct}}; }
+
+json figures_record(const job_figures& f) {
+  const white_figures &before = f.white_before, &after = f.white_after;
+  json record = {
+      {"white", {{"measured", colour(before)}, {"corrected", colour(after)}, {"wanted_xy", pair(f.white_asked)}}},
+      {"luminance", {{"before", before.xyz[1]}, {"after", after.xyz[1]}}},
+      {"black", {{"before", before.black[1]}, {"after", after.black[1]}}},
+      {"gray_ciede2000", {{"mean", f.gray.difference_after.mean}, {"max", f.gray.difference_after.max}}}};
+  if (!f.gamut.asked) return record;
+  record["primaries"] = {{"asked", chromaticities(*f.gamut.asked)},
+                         {"reachable", chromaticities(f.gamut.reachable.value_or(*f.gamut.asked))},
+                         {"reached", chromaticities(f.gamut.after)},
+                         {"moved_uv1960", triple(f.gamut.moved)}};
   return record;
 }
 
 json warnings_record(const correction& result) {
   json list = json::array();
-  for (const warning& w : result.warnings) list.push_back({{"name", name_of(w.kind)}, {"message", w.message}});
+  for (const finding& f : result.warnings) list.push_back({{"name", f.id}, {"message", text_of(f)}});
   return list;
-}
-
-// The files that a folder holds besides its record, in an order that does not matter.
-std::vector<text_file> input_files(const job_inputs& inputs) {
-  std::vector<text_file> files{{settings_name, profile_text(inputs.names, inputs.why)},
-                               {measurements_name, inputs.measurements}};
-  if (inputs.gamma) files.push_back({gamma_name, *inputs.gamma});
-  if (inputs.factors) files.push_back({gray_factors_name, *inputs.factors});
-  return files;
-}
-
-// Table files by their plain names.
-std::vector<text_file> tables_of(const solved_job& job) {
-  std::vector<text_file> files = table_files(job.result, job.names);
-  for (text_file& f : files) f.path.erase(0, job.names.outdir.size());
-  return files;
 }
 
 json checksums(const std::vector<text_file>& files) {
@@ -106,84 +78,119 @@ json checksums(const std::vector<text_file>& files) {
   return sums;
 }
 
-std::string input_of(const std::string& folder, const char* name) { return read_input(folder + '/' + name); }
-
-// The comments of a settings file as `profile_text` lays it out, by key.
-std::map<std::string, std::string, std::less<>> comments_in(const std::string& settings) {
-  std::map<std::string, std::string, std::less<>> why;
-  number_scanner lines(settings);
-  while (const auto line = lines.next_line()) {
-    const std::size_t equals = line->find(" = ");
-    std::size_t comment = line->find("  ! ");
-    while (comment < line->size() && std::ranges::count(line->substr(0, comment), '\'') % 2 != 0)  // within a text
-      comment = line->find("  ! ", comment + 1);
-    if (equals == std::string_view::npos || comment == std::string_view::npos) continue;
-    why.emplace(trim(line->substr(2, equals - 2)), line->substr(comment + 4));
-  }
-  return why;
+std::vector<text_file> input_files(const job_inputs& in) {
+  std::vector<text_file> files{{folder::settings, opts_text(in.names, in.why)},
+                               {folder::measurements, in.measurements}};
+  if (in.gamma) files.push_back({folder::gamma, *in.gamma});
+  if (in.factors) files.push_back({folder::gray_factors, *in.factors});
+  return files;
 }
 
+// The tables by their plain names.
+std::vector<text_file> plain_table_files(const job& j) {
+  std::vector<text_file> files = table_files(j.result, j.inputs.names);
+  for (text_file& f : files) f.path.erase(0, j.inputs.names.outdir.size());
+  return files;
+}
+
+// ---- Opening ----
+
+std::string path_in(const std::string& folder, const std::string& name) { return folder + '/' + name; }
+
 json read_record(const std::string& folder) {
-  const std::string name = folder + '/' + record_name;
+  const std::string name = path_in(folder, folder::record);
   json record = json::parse(read_input(name), nullptr, false);
-  if (record.is_object() && record.contains("inputs") && record.contains("tables") && record["inputs"].is_object() &&
-      record["tables"].is_object())
-    return record;
+  const auto lists = [&](const char* part) { return record.contains(part) && record[part].is_object(); };
+  if (record.is_object() && lists("inputs") && lists("tables")) return record;
   refuse_content(printable(name), "not the record of a job; 'corvantile-kit solve' makes such a folder");
 }
 
-void require_listed_files(const std::string& folder, const json& record) {
-  for (const char* part : {"inputs", "tables"}) {
-    for (const auto& [name, sum] : record[part].items()) {
-      const bool plain = name.find('/') == std::string::npos;
-      if (plain && sum == checksum(input_of(folder, name.c_str()))) continue;
-      refuse_content(printable(std::string(folder).append(1, '/').append(name)),
-                     "not the file that job.json lists: another job has written here, or somebody has edited it; "
-                     "solve again");
-    }
+// The listed files of one part of the record.
+std::vector<text_file> read_listed(const std::string& folder, const json& part) {
+  std::vector<text_file> files;
+  for (const auto& [name, sum] : part.items()) {
+    const bool plain = name.find('/') == std::string::npos;
+    if (plain) files.push_back({name, read_input(path_in(folder, name))});
+    if (plain && sum == checksum(files.back().text)) continue;
+    refuse_content(printable(path_in(folder, name)),
+                   "not the file that job.json lists: another job has written here, or somebody has edited it; solve "
+                   "again");
   }
+  return files;
+}
+
+std::optional<std::string> text_in(const std::vector<text_file>& files, const char* name) {
+  const auto found = std::ranges::find(files, name, &text_file::path);
+  return found == files.end() ? std::nullopt : std::optional(found->text);
+}
+
+std::string required(const std::vector<text_file>& files, const std::string& folder, const char* name) {
+  if (auto text = text_in(files, name)) return std::move(*text);
+  refuse_content(printable(path_in(folder, folder::record)), std::string("does not list ") + name);
+}
+
+// Another machine's sine differs in its last digits, and the searches end a little elsewhere.
+bool agree(const std::string& a, const std::string& b, double within) {
+  number_scanner first(a), second(b);
+  while (true) {
+    double x = 0, y = 0;
+    const auto found = first.next(x);
+    if (found != second.next(y)) return false;
+    if (found != number_scanner::result::number) return found == number_scanner::result::end;
+    const bool same = x == y || (std::isnan(x) && std::isnan(y));
+    if (!same && !(std::abs(x - y) <= within)) return false;
+  }
+}
+
+bool agree(const std::vector<text_file>& solved, const std::vector<text_file>& listed, const settings& set) {
+  constexpr double rounding = 1e-12;  // of the files' decimals
+  const double within = set.nbits > 0 ? 1 : 1e-9 + rounding;
+  return solved.size() == listed.size() && std::ranges::all_of(solved, [&](const text_file& table) {
+           const auto text = text_in(listed, table.path.c_str());
+           return text && (*text == table.text || agree(table.text, *text, within));
+         });
+}
+
+job_inputs inputs_in(const std::string& folder, const std::vector<text_file>& files, const json& record) {
+  job_inputs in{.names = read_opts(required(files, folder, folder::settings)),
+                .why = {},
+                .measurements = required(files, folder, folder::measurements)};
+  name_mode(in.names);
+  if (!in.names.gamfile.empty()) in.gamma = required(files, folder, folder::gamma);
+  if (!in.names.grayfile.empty()) in.factors = required(files, folder, folder::gray_factors);
+  if (record.contains("reasons") && record["reasons"].is_object()) {
+    for (const auto& [key, why] : record["reasons"].items())
+      if (why.is_string()) in.why.emplace(key, why.get<std::string>());
+  }
+  if (record.contains("refined")) in.refined = record["refined"];
+  return in;
 }
 
 }  // namespace
 
-profile read_settings_file(const std::string& name) {
-  profile p = read_profile(read_input(name));
-  name_mode(p);
-  fill_xytable(p.set, std::cerr);
-  return p;
-}
+std::string folder::round(int n) { return fmt::format("round-{}", n); }
 
-solved_job solve_job(const job_inputs& inputs) {
-  solved_job job{.names = inputs.names,
-                 .samples = parse_measurements(inputs.names.wgfile, inputs.measurements),
-                 .tone = {},
-                 .result = {},
-                 .figures = {}};
-  if (inputs.gamma) job.tone = parse_tone_samples(inputs.names.gamfile, *inputs.gamma);
-  gray_factors factors;
-  if (inputs.factors) factors = parse_gray_factors(inputs.names.grayfile, *inputs.factors);
-  job.result = solve(job.names.set, job.samples, job.tone, factors);
-  job.figures = outcome_of(job.result, job.names.set);
-  return job;
-}
-
-nlohmann::ordered_json record_of(const job_inputs& inputs, const solved_job& job) {
+job_files files_of(const job& j) {
+  const std::vector<text_file> inputs = input_files(j.inputs), tables = plain_table_files(j);
   json record = {{"program", "corvantile-kit " CORVANTILE_VERSION},
-                 {"mode", name_of(job.names.set.mode)},
-                 {"settings", settings_record(job.names)},
-                 {"inputs", checksums(input_files(inputs))},
-                 {"tables", checksums(tables_of(job))},
-                 {"warnings", warnings_record(job.result)},
-                 {"figures", figures_record(job.figures)}};
-  if (!inputs.refined.is_null()) record["refined"] = inputs.refined;
-  return record;
+                 {"mode", name_of(j.set().mode)},
+                 {"settings", settings_record(j.inputs.names)},
+                 {"reasons", j.inputs.why},
+                 {"inputs", checksums(inputs)},
+                 {"tables", checksums(tables)},
+                 {"warnings", warnings_record(j.result)},
+                 {"figures", figures_record(j.figures)}};
+  if (!j.inputs.refined.is_null()) record["refined"] = j.inputs.refined;
+
+  job_files made{inputs, std::move(record)};
+  made.files.insert(made.files.end(), tables.begin(), tables.end());
+  made.files.push_back({folder::record, made.record.dump(2) + '\n'});
+  return made;
 }
 
-std::vector<text_file> files_of(const job_inputs& inputs, const solved_job& job) {
-  std::vector<text_file> files = input_files(inputs);
-  for (text_file& table : tables_of(job)) files.push_back(std::move(table));
-  files.push_back({record_name, record_of(inputs, job).dump(2) + '\n'});
-  return files;
+bool is_job_folder(const std::string& folder) {
+  std::error_code none;
+  return std::filesystem::exists(path_in(folder, folder::record), none);
 }
 
 int round_of(const json& record) {
@@ -194,40 +201,32 @@ int round_of(const json& record) {
     const auto round = refined["round"].get<std::int64_t>();
     if (round >= 2 && round <= most) return static_cast<int>(round);
   }
-  refuse_content(record_name, "'refined' does not tell the round, 2 to " + std::to_string(most));
+  refuse_content(folder::record, fmt::format("'refined' does not tell the round, 2 to {}", most));
 }
 
 std::vector<std::string> listed_files(const json& record) {
   std::vector<std::string> names;
   for (const char* part : {"inputs", "tables"})
     for (const auto& file : record[part].items()) names.push_back(file.key());
-  names.emplace_back(record_name);
+  names.emplace_back(folder::record);
   return names;
 }
 
 opened_job open_job(const std::string& folder) {
   json record = read_record(folder);
-  require_listed_files(folder, record);
-  const std::string settings_text = input_of(folder, settings_name);
-  job_inputs inputs{.names = read_profile(settings_text),
-                    .measurements = input_of(folder, measurements_name),
-                    .gamma = {},
-                    .why = comments_in(settings_text)};
-  name_mode(inputs.names);
-  if (!inputs.names.gamfile.empty()) inputs.gamma = input_of(folder, gamma_name);
-  if (!inputs.names.grayfile.empty()) inputs.factors = input_of(folder, gray_factors_name);
-  solved_job job = solve_job(inputs);
-  // The same program gives the same bytes; another version, or another machine's sine, may not.
-  if (checksums(tables_of(job)) != record["tables"]) {
+  const std::vector<text_file> inputs = read_listed(folder, record["inputs"]);
+  const std::vector<text_file> tables = read_listed(folder, record["tables"]);
+  job solved = solve_job(inputs_in(folder, inputs, record));
+  if (!agree(plain_table_files(solved), tables, solved.set())) {
     refuse_content(printable(folder),
-                   "its job gives other tables with this program than job.json lists; solve again");
+                   "this program solves its job to other tables than job.json lists; solve it again");
   }
-  return {std::move(inputs), std::move(job), std::move(record)};
+  return {std::move(solved), std::move(record)};
 }
 
 std::vector<std::string> warning_lines(const correction& result) {
   std::vector<std::string> lines;
-  for (const warning& w : result.warnings) lines.push_back("Warning: " + w.message);
+  for (const finding& f : result.warnings) lines.push_back("Warning: " + text_of(f));
   return lines;
 }
 

@@ -1,9 +1,9 @@
-// corvantile-kit make: the one command, from what an instrument wrote to what a device loads.
+// corvantile-kit make: the one command, from an instrument's file to what a device loads.
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <filesystem>
+#include <fmt/format.h>
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -12,23 +12,19 @@
 #include <utility>
 #include <vector>
 
-#include "corvantile/kit/checked.hpp"
+#include "corvantile/appraisal/check.hpp"
 #include "corvantile/kit/exports.hpp"
 #include "corvantile/kit/files.hpp"
-#include "corvantile/kit/imported.hpp"
 #include "corvantile/kit/job_folder.hpp"
-#include "corvantile/kit/loading.hpp"
 #include "corvantile/kit/report_job.hpp"
-#include "corvantile/kit/targets.hpp"
 #include "corvantile/kit/verbs.hpp"
-#include "corvantile/kit/words.hpp"
 #include "corvantile/utils/failure.hpp"
 #include "corvantile/utils/text.hpp"
 
 namespace corvantile::kit {
 namespace {
 
-// A line for each step with its time, where people look on.
+// A line for each step with its time, if a person looks on.
 class progress {
  public:
   explicit progress(bool quiet) : shown_(!quiet && ::isatty(STDERR_FILENO) != 0) {}
@@ -44,7 +40,7 @@ class progress {
     } end{shown_};
     auto result = step();
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
-    if (shown_) std::cerr << ' ' << decimal(took.count(), 2) << " s";
+    if (shown_) std::cerr << fmt::format(" {:.2f} s", took.count());
     return result;
   }
 
@@ -52,12 +48,10 @@ class progress {
   bool shown_;
 };
 
-// Formats that could not be written, and why: several have one reason.
+// Formats that could not be written, and why. Several may have one reason.
 class omissions {
  public:
-  void add(const std::string& format, std::string why) {
-    const std::string prefix = "Format " + format + ": ";
-    if (why.starts_with(prefix)) why.erase(0, prefix.size());
+  void add(const std::string& format, const std::string& why) {
     const auto same = std::ranges::find(list_, why, &std::pair<std::string, std::string>::second);
     if (same == list_.end()) {
       list_.emplace_back(format, why);
@@ -67,7 +61,7 @@ class omissions {
   }
   std::vector<std::string> lines() const {
     std::vector<std::string> lines;
-    for (const auto& [formats, why] : list_) lines.push_back(std::string(formats).append(": ").append(why));
+    for (const auto& [formats, why] : list_) lines.push_back(formats + ": " + why);
     return lines;
   }
 
@@ -75,91 +69,90 @@ class omissions {
   std::vector<std::pair<std::string, std::string>> list_;
 };
 
-// The exports of a job, as files of its folder. A format of "all" that cannot hold the job is left out; of a device
-// that was asked for by name none may be missing.
-std::vector<text_file> exports_of(const make_options& o, const solved_job& job, const provenance& known,
-                                  omissions& left_out) {
+// The exports of a job, as files of its folder. "all" leaves out formats that cannot hold the job; a device that was
+// named gets all of its own or none.
+std::vector<text_file> exports_of(const make_options& o, const job& j, omissions& left_out) {
   std::vector<text_file> files;
-  for (const std::string& wanted : formats_for(o.wanted.device, job.names.set.mode)) {
+  for (const std::string& wanted : formats_for(o.wanted.for_device, j.set().mode)) {
     const export_format& format = format_named(wanted);
     export_options how;
     how.format = format.name;
     how.title = o.display;
     try {
-      const exported made = export_job(job, known, how);
-      for (const file_content& f : made.files) {
-        std::string path = "exports/";
-        if (!format.one_file) path.append(format.usual_name).append("/");
-        files.push_back({path.append(f.name), f.bytes});
-      }
-    } catch (const failure& f) {
-      if (f.kind != fault::inexpressible || o.wanted.device != "all") throw;
-      left_out.add(format.name, f.message);
+      const exported made = export_job(j, how);
+      const std::string place =
+          fmt::format("{}/{}", folder::exports, format.one_file ? "" : fmt::format("{}/", format.usual_name));
+      for (const file_content& f : made.files) files.push_back({place + f.name, f.bytes});
+    } catch (const format_refusal& refused) {
+      if (o.wanted.for_device != device::all) throw;
+      left_out.add(format.name, refused.why);
     }
   }
   return files;
 }
 
 // Exports of the job that was there before would pass for those of this one.
-void remove_other_exports(const std::string& folder, const std::vector<text_file>& written) {
+void remove_other_exports(const std::string& target, const std::vector<text_file>& written) {
   std::error_code ignored;
   for (const export_format& format : export_formats()) {
-    const std::string name = std::string("exports/") + format.usual_name;
+    const std::string name = std::string(folder::exports) + '/' + format.usual_name;
     const auto belongs = [&](const text_file& f) { return f.path == name || f.path.starts_with(name + '/'); };
     if (std::ranges::none_of(written, belongs))
-      std::filesystem::remove_all(std::filesystem::path(folder) / name, ignored);
+      std::filesystem::remove_all(std::filesystem::path(target) / name, ignored);
   }
 }
 
-// Why grays may end off their target.
-std::string likely_reason(const solved_job& job) {
-  if (!job.result.warnings.empty()) return "the warnings above tell why";
-  if (!matches_gray(job.names.set.mode))
+const char* likely_reason(const job& j) {
+  if (!j.result.warnings.empty()) return "the warnings above tell why";
+  if (!matches_gray(j.set().mode))
     return "the channels change their colour along their ramps, which one matrix cannot follow; tables with a gray "
-           "match can, which Windows has no room for";
+           "match can, but Windows has no room for them";
   return "the display does not reach this target's white, or holds too few levels; the report shows where";
 }
 
-std::string verdict_of(const solved_job& job) {
+std::string verdict_line(const job& j) {
   constexpr double visible = 1;  // CIEDE2000
-  const outcome& f = job.figures;
-  const double kept = f.white_before[1] > 0 ? 100 * f.white_after[1] / f.white_before[1] : 0;
-  std::string line = "By the model, grays come to CIEDE2000 " + decimal(f.gray_mean, 2) +
-                     " of their target on average (" + decimal(f.gray_largest, 2) + " at most)" +
-                     (f.gray_mean > visible ? ", which is visible: " + likely_reason(job) : "") +
-                     "; the white keeps " + decimal(kept, 0) + " % of its luminance";
-  if (f.gamut) {
-    const double most = std::ranges::max(f.gamut->moved.v);
-    line += most > 0 ? "; primaries out of reach were moved by up to " + decimal(most, 3) + " uv"
+  const job_figures& f = j.figures;
+  const difference_summary& grays = f.gray.difference_after;
+  std::string line = fmt::format(
+      "By the model, grays come to CIEDE2000 {:.2f} of their target on average ({:.2f} at "
+      "most)",
+      grays.mean, grays.max);
+  if (grays.mean > visible) line += fmt::format(", which is visible: {}", likely_reason(j));
+  line +=
+      fmt::format("; the white keeps {:.0f} % of its luminance", 100 * f.white_after.xyz[1] / f.white_before.xyz[1]);
+  if (f.gamut.asked) {
+    const double most = std::ranges::max(f.gamut.moved.v);
+    line += most > 0 ? fmt::format("; primaries out of reach were moved by up to {:.3f} uv", most)
                      : "; all primaries are reached";
   }
   return line + '.';
 }
 
-// Stops where the measurements are not worth solving.
-void heed(const make_options& o, const checked& c) {
-  for (const finding& f : c.figures.findings) {
+// Stops if the measurements are not worth solving.
+void heed(const make_options& o, const std::string& source, const std::vector<finding>& findings) {
+  for (const finding& f : findings) {
     if (f.level == severity::note) continue;
-    say(o, std::string(name_of(f.level)) + ": " + f.message + (f.action.empty() ? "" : "; " + f.action));
+    say(o, fmt::format("{}: {}{}{}", name_of(f.level), f.message, f.action.empty() ? "" : "; ", f.action));
   }
-  if (o.anyway || c.figures.findings.empty() || c.figures.findings.front().level != severity::error) return;
-  const finding& worst = c.figures.findings.front();
-  refuse_content(c.known.source,
-                 worst.id + ": " + worst.message + "; " + worst.action + " (--anyway solves all the same)");
+  if (o.anyway || findings.empty() || findings.front().level != severity::error) return;
+  const finding& worst = findings.front();
+  refuse_content(source,
+                 fmt::format("{}: {}; {} (--anyway solves all the same)", worst.id, worst.message, worst.action));
 }
 
 // What was left out, and the three lines that it ends with.
-void tell(const make_options& o, const solved_job& job, const omissions& left_out) {
-  for (const std::string& line : warning_lines(job.result)) say(o, line);
+void tell(const make_options& o, const job& j, const omissions& left_out) {
+  for (const std::string& line : warning_lines(j.result)) say(o, line);
   for (const std::string& line : left_out.lines()) say(o, "Left out: " + line);
-  say(o, verdict_of(job));
-  say(o, loading_advice(o.output, o.wanted.device, job.names.set.mode));
-  say(o, "The report is " + o.output + "/report.html.");
+  say(o, verdict_line(j));
+  say(o, loading_advice(o.output, o.wanted.for_device, j.set().mode));
+  say(o, fmt::format("The report is {}/{}.", o.output, folder::report));
 }
 
-nlohmann::ordered_json with_files(nlohmann::ordered_json record, const std::string& folder,
+nlohmann::ordered_json with_files(nlohmann::ordered_json record, const std::string& target,
                                   const std::vector<text_file>& files, const omissions& left_out) {
-  record["folder"] = folder;
+  record["folder"] = target;
   record["files"] = nlohmann::ordered_json::array();
   for (const text_file& f : files) record["files"].push_back(f.path);
   record["left_out"] = left_out.lines();
@@ -178,26 +171,24 @@ int run_make(make_options o) {
   refuse_to_replace(o.output, o.force);
   progress step(o.quiet);
 
-  const imported in = step("import", [&] { return import_measurements(o.source); });
-  const checked c = step("check", [&] {
-    return checked{in.choice.data, in.known, check_measurements(in.choice.data, in.known)};
-  });
-  heed(o, c);
-  const plan p = plan_for(o.wanted, in.choice.data);
-  const job_inputs inputs{.names = p.names, .measurements = in.text, .gamma = p.gamma, .why = p.why};
-  const solved_job job = step("solve", [&] { return solve_job(inputs); });
+  const import_result in = step("import", [&] { return import_source(o.source); });
+  const quality checked = step("check", [&] { return check_measurements(in.file.samples, in.file.known); });
+  heed(o, in.file.known.source, checked.findings);
+  job_inputs inputs = inputs_for(o.wanted, in.file.samples);
+  inputs.measurements = in.text;
+  const job solved = step("solve", [&] { return solve_job(std::move(inputs)); });
+  job_files made = files_of(solved);
+  std::vector<text_file>& files = made.files;
   omissions left_out;
-  std::vector<text_file> files = files_of(inputs, job);
-  for (text_file& f : step("export", [&] { return exports_of(o, job, in.known, left_out); }))
-    files.push_back(std::move(f));
-  const report_data page = step(
-      "report", [&] { return report_of(job, c, record_of(inputs, job), {.title = o.display, .folder = o.output}); });
-  files.push_back({"report.html", report_page(page)});
+  for (text_file& f : step("export", [&] { return exports_of(o, solved, left_out); })) files.push_back(std::move(f));
+  files.push_back({folder::report, step("report", [&] {
+                     return report_page(report_of(solved, checked, made.record, {o.display, o.output}));
+                   })});
   write_folder(o.output, files);
   remove_other_exports(o.output, files);
 
-  tell(o, job, left_out);
-  if (o.json) print_record(with_files(record_of(inputs, job), o.output, files, left_out));
+  tell(o, solved, left_out);
+  if (o.json) print_record(with_files(std::move(made.record), o.output, files, left_out));
   return status::done;
 }
 

@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "corvantile/colour/nonpar_monitor.hpp"
-#include "corvantile/driver/profile.hpp"
+#include "corvantile/documents/table_files.hpp"
 #include "corvantile/kit/files.hpp"
-#include "corvantile/kit/front_end_on_disk.hpp"
-#include "corvantile/kit/imported.hpp"
+#include "corvantile/kit/job_folder.hpp"
+#include "corvantile/kit/source.hpp"
 #include "corvantile/kit/verbs.hpp"
 #include "corvantile/monitor/measurements.hpp"
 #include "corvantile/monitor/monitor.hpp"
@@ -23,13 +23,19 @@ namespace {
 
 monitor fitted(const predict_options& o) {
   settings set;
-  if (!o.settings.empty()) set = read_profile(read_input(o.settings)).set;
+  if (!o.settings.empty()) set = read_opts(read_input(o.settings)).set;
   if (o.numsegs) set.numsegs = *o.numsegs;
-  settings judged;  // of the settings, only these two matter to the fit
+  settings judged;  // only these two of the settings matter to the fit
   judged.numsegs = set.numsegs;
   judged.minslope = set.minslope;
   check_settings(judged, true);
-  return makemonitor(measurements_in(o.measurements, read_input(o.measurements)), set.numsegs, set.minslope);
+  return makemonitor(parse_measurements_or_advise(o.measurements, read_input(o.measurements)).samples, set.numsegs,
+                     set.minslope);
+}
+
+// What lies in the folder; of a job, the tables as they were solved, whatever their bits.
+device_tables tables_in(const std::string& folder) {
+  return is_job_folder(folder) ? tables_of(open_job(folder).solved.result) : read_tables(folder);
 }
 
 // The three numbers of a line.
@@ -68,7 +74,7 @@ std::string line_of(const std::vector<double>& numbers) {
 int run_predict(const predict_options& o) {
   refuse_to_replace(o.output, o.force);
   monitor display = fitted(o);
-  if (!o.tables.empty()) display = monwfe(display, front_end_on_disk(o.tables));
+  if (!o.tables.empty()) display = monwfe(display, front_end_of(tables_in(o.tables)));
 
   const bool at_once = !o.json && (o.output.empty() || o.output == "-");  // for programs that ask line by line
   std::vector<std::vector<double>> answers;

@@ -1,49 +1,36 @@
 #pragma once
-// The verbs: what each is told, and what it ends with. `command_line.cpp` fills these records from arguments.
+// The verbs: the options of each, and the status it ends with. `command_line.cpp` fills these records from arguments.
 
 #include <cstddef>
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 
+#include "corvantile/formats/chart.hpp"
 #include "corvantile/kit/exports.hpp"
-#include "corvantile/kit/imported.hpp"
-#include "corvantile/kit/targets.hpp"
+#include "corvantile/kit/request.hpp"
+#include "corvantile/kit/source.hpp"
+#include "corvantile/kit/terminal.hpp"
 
 namespace corvantile::kit {
 
-/// What the process ends with; below 3 as any well-behaved command, from 4 on as `Corvantile`.
+/// What the process ends with: below 3 as any well-behaved command, from 4 on as `Corvantile`.
 namespace status {
 inline constexpr int done = 0;
 inline constexpr int findings = 1;  ///< under --strict
 inline constexpr int usage = 2;
 inline constexpr int bad_settings = 4;
-inline constexpr int bad_input = 5;  ///< or one that is not there
+inline constexpr int bad_input = 5;  ///< or a missing one
 inline constexpr int cannot_write = 6;
 inline constexpr int no_memory = 7;
 inline constexpr int not_finite = 8;
-inline constexpr int cannot_express = 9;  ///< not in that format
+inline constexpr int cannot_express = 9;  ///< the format cannot hold it
 }  // namespace status
-
-/// The options of every verb. `json` promises one JSON object on standard output and nothing else there.
-struct common_options {
-  std::string output;
-  bool quiet = false;
-  bool json = false;
-  bool force = false;
-};
-
-/// A line for people, on standard error; nothing where they asked for quiet.
-void say(const common_options& o, const std::string& line);
-
-/// The object that `--json` promises, on standard output. Bytes of names that are no UTF-8 become U+FFFD.
-void print_record(const nlohmann::ordered_json& record);
 
 struct make_options : common_options {
   source_options source;
-  wishes wanted;
+  request wanted;
   std::string display;  ///< for titles
-  bool anyway = false;  ///< solve although the measurements are not worth it
+  bool anyway = false;  ///< solve even if the check finds errors
 };
 
 struct import_options : common_options {
@@ -53,15 +40,17 @@ struct import_options : common_options {
 
 struct check_options : common_options {
   source_options source;
-  std::string settings;  ///< of a job to judge, too; empty: none
+  std::string settings;  ///< of a job to judge as well; empty: none
   bool strict = false;
 };
+
+enum class chart_format { ti1, csv, hcfr };
 
 struct chart_options : common_options {
   std::size_t levels = 17;
   std::size_t verify = 0;
-  std::string ramps = "measured";
-  std::string format = "ti1";
+  chart_ramps ramps = chart_ramps::measured;
+  chart_format format = chart_format::ti1;
 };
 
 struct solve_options : common_options {
@@ -82,7 +71,7 @@ struct predict_options : common_options {
 struct report_options : common_options {
   std::string folder;
   std::string display;   ///< for the title
-  source_options after;  ///< a measurement behind the loaded tables; no source: none
+  source_options after;  ///< a measurement behind the loaded tables; empty: none
 };
 
 struct verify_options : common_options {
@@ -95,10 +84,10 @@ struct verify_options : common_options {
 struct refine_options : common_options {
   std::string folder;
   source_options after;
-  bool anyway = false;  ///< also where the readings were not taken behind the tables
+  bool anyway = false;  ///< even if the readings were not taken behind the tables
 };
 
-/// Each does its work and gives the status; what keeps it from being done is thrown as `failure`.
+/// Each does its work and returns the status, or throws `failure`.
 int run_make(make_options o);
 int run_import(const import_options& o);
 int run_check(const check_options& o);

@@ -1,9 +1,8 @@
 #pragma once
-// What was measured: the ramps of one display, in memory and as a file.
+// What was measured: the ramps of one display. documents/measurement_file.hpp reads and writes them.
 
 #include <cstddef>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "corvantile/numerics/matrix.hpp"
@@ -38,12 +37,5 @@ double ramp_drive(const measurements& samples, std::size_t row);
 /// Throws `fault::content`, naming line and sample, for a ramp whose first sample is not its highest drive or whose
 /// last is not its lowest. Equal drives are not higher.
 void require_falling_ramps(const measurements& samples);
-
-/// Reads a measurement file. Throws `fault::no_measurements` where it cannot be opened, `fault::version` for a
-/// version that is neither 1 nor 2, else `fault::content` where the content cannot give a result.
-measurements load_measurements(const std::string& filename);
-
-/// The same for the text of such a file; `filename` names it in messages.
-measurements parse_measurements(const std::string& filename, std::string_view text);
 
 }  // namespace corvantile

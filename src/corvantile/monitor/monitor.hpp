@@ -71,9 +71,6 @@ struct monitor {
 /// not finite, gets the identity as its curve and 0 as its quadratic coefficient.
 monitor makemonitor(const measurements& samples, std::optional<int> numsegs = {}, double minslope = 0.0);
 
-/// Both steps. 8 pieces when `numsegs` is absent: not the default of `makemonitor`, and meant so.
-monitor loadmonitor(const std::string& filename, std::optional<int> numsegs = {}, double minslope = 0.0);
-
 // ---- Asking one (transforms.cpp) ----
 
 vec3 inp2mon_vec(const monitor& mon, const vec3& inp);

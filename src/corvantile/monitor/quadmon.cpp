@@ -170,10 +170,6 @@ monitor makemonitor(const measurements& samples, std::optional<int> numsegs, dou
   return mon;
 }
 
-monitor loadmonitor(const std::string& filename, std::optional<int> numsegs, double minslope) {
-  return makemonitor(load_measurements(filename), numsegs.value_or(8), minslope);
-}
-
 void dumpmon(std::ostream& out, const monitor& mon) {
   std::string text = std::string(trim(mon.name)) + '\n';
   if (mon.composite) text += "Composite\n" + prtmat_real(mon.fe.matrix, "with matrix: ");

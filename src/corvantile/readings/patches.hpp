@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "corvantile/documents/measurement_file.hpp"
 #include "corvantile/readings/readings.hpp"
 
 namespace corvantile {
@@ -39,30 +40,7 @@ sorted_readings sort_readings(const readings& all);
 /// Whether a patch shows full drive: the last of a ramp must, or the ramp has no top.
 bool is_full(const patch& p);
 
-/// How far repeated readings of one patch lie apart.
-struct repeat_spread {
-  std::size_t n = 0;  ///< readings; fewer than two tell nothing
-  double spread = 0;  ///< largest less smallest Y, as a fraction of their mean (for the dark: of the white)
-  friend bool operator==(const repeat_spread&, const repeat_spread&) = default;
-};
-
-/// How the white moved while the chart was measured.
-struct white_drift {
-  double change = 0;                ///< of Y from the first white to the last, along the line of least squares
-  std::size_t first = 0, last = 0;  ///< positions of these whites among the readings, counted from 1
-  std::size_t of = 0;               ///< readings in all
-  friend bool operator==(const white_drift&, const white_drift&) = default;
-};
-
-/// What the repeats of a run tell; absent where a patch was read only once.
-struct repeatability {
-  std::optional<repeat_spread> white;
-  std::optional<repeat_spread> dark;
-  std::optional<repeat_spread> ramps;  ///< the worst patch of the four ramps with 1 % of the white's light or more
-  std::optional<white_drift> drift;
-  friend bool operator==(const repeatability&, const repeatability&) = default;
-};
-
+/// What repeated readings tell about the run.
 repeatability repeats(const readings& all, const sorted_readings& sorted);
 
 }  // namespace corvantile

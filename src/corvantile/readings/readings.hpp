@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "corvantile/documents/measurement_file.hpp"
 #include "corvantile/numerics/matrix.hpp"
-#include "corvantile/utils/lut.hpp"
 
 namespace corvantile {
 
@@ -18,9 +18,6 @@ struct reading {
   vec3 xyz;              ///< CIE 1931 X, Y, Z
   std::size_t line = 0;  ///< where it stands in the source, counted from 1
 };
-
-/// Video-LUT curves, one per channel: drive 0..1 -> drive 0..1, with rising abscissae.
-using calibration_curves = std::array<lut, 3>;
 
 /// The content of one source. Every drive lies in [0, 1] and every X, Y, Z is a finite number; what is empty or
 /// absent was not told by the file.

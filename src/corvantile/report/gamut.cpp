@@ -1,5 +1,7 @@
 // Section 4: which colours the display has, and which it was asked for.
 
+#include "corvantile/appraisal/gamut.hpp"
+
 #include <array>
 #include <cmath>
 
@@ -7,18 +9,13 @@
 #include "corvantile/report/html.hpp"
 #include "corvantile/report/sections.hpp"
 #include "corvantile/report/series.hpp"
+#include "corvantile/utils/text.hpp"
 
 namespace corvantile {
 namespace {
 
-constexpr std::array<const char*, 3> channel_names{"red", "green", "blue"};
 constexpr std::array<const char*, 3> channel_letters{"R", "G", "B"};
 constexpr double shown_distance = 0.001;  // u'v'; a primary that moved less gets no arrow
-
-double distance(const vec2& a, const vec2& b) { return std::hypot(a[0] - b[0], a[1] - b[1]); }
-
-// CIE 1976 u'v' of a tristimulus value.
-vec2 uv_of(const vec3& xyz) { return xy2uv1976(chromaticity(xyz)); }
 
 // Beyond 700 nm the table's four decimals no longer tell a chromaticity, nor below 400 nm.
 constexpr int first_nm = 400;
@@ -50,22 +47,23 @@ void add_locus(svg::plot& p) {
   }
 }
 
-svg::polyline triangle_of(const gamut_corners& c, const char* style, const std::string& label) {
+svg::polyline triangle_of(const chromaticity_table& c, const char* style, const std::string& label) {
   svg::polyline t{style, {}, {}, label, {}, true};
-  for (const vec2& uv : c.primaries_uv) {
+  for (const vec2& uv : primaries_in_uv1976(c)) {
     t.x.push_back(uv[0]);
     t.y.push_back(uv[1]);
   }
   return t;
 }
 
-svg::points white_of(const gamut_corners& c, const char* style, svg::marker shape) {
-  return {style, shape, {c.white_uv[0]}, {c.white_uv[1]}, {}};
+svg::points white_mark(const chromaticity_table& c, const char* style, svg::marker shape) {
+  const vec2 uv = xy2uv1976(c.white);
+  return {style, shape, {uv[0]}, {uv[1]}, {}};
 }
 
 // An arrow from where a primary was asked for to where it is, with its length.
 void add_move(svg::plot& p, const vec2& from, const vec2& to, std::size_t channel) {
-  const double moved = distance(from, to);
+  const double moved = length(from - to);
   if (!(moved >= shown_distance)) return;
   p.marks.emplace_back(svg::arrow{"move", from[0], from[1], to[0], to[1]});
   struct place {
@@ -78,7 +76,8 @@ void add_move(svg::plot& p, const vec2& from, const vec2& to, std::size_t channe
   p.marks.emplace_back(svg::note{svg::number(moved, 4), from[0], from[1], at.dx, at.dy, at.anchor});
 }
 
-svg::plot diagram(const gamut_record& g) {
+svg::plot diagram(const report_data& data) {
+  const gamut_figures& g = data.figures.gamut;
   svg::plot p{
       "gamut-uv",
       "Gamut in the CIE 1976 u'v' diagram",
@@ -91,23 +90,27 @@ svg::plot diagram(const gamut_record& g) {
   add_locus(p);
   p.marks.emplace_back(triangle_of(g.before, "before", before_name));
   p.marks.emplace_back(triangle_of(g.after, "after filled", after_name));
-  p.marks.emplace_back(white_of(g.before, "before", svg::marker::square));
-  p.marks.emplace_back(white_of(g.after, "after", svg::marker::circle));
+  p.marks.emplace_back(white_mark(g.before, "before", svg::marker::square));
+  p.marks.emplace_back(white_mark(g.after, "after", svg::marker::circle));
   if (g.asked) {
     p.marks.emplace_back(triangle_of(*g.asked, "asked", asked_name));
-    p.marks.emplace_back(white_of(*g.asked, "asked", svg::marker::cross));
-    for (std::size_t c = 0; c < 3; ++c) add_move(p, g.asked->primaries_uv[c], g.after.primaries_uv[c], c);
+    p.marks.emplace_back(white_mark(*g.asked, "asked", svg::marker::cross));
+    const auto asked = primaries_in_uv1976(*g.asked), shown = primaries_in_uv1976(g.after);
+    for (std::size_t c = 0; c < 3; ++c) add_move(p, asked[c], shown[c], c);
   }
-  if (g.measured) {
+  if (data.measured) {
+    const chromaticity_table& corners = data.measured->corners;
     svg::points m{"measured", svg::marker::diamond, {}, {}, measured_name};
-    for (const vec2& uv : g.measured->primaries_uv) m.x.push_back(uv[0]), m.y.push_back(uv[1]);
-    m.x.push_back(g.measured->white_uv[0]);
-    m.y.push_back(g.measured->white_uv[1]);
+    for (const vec2& xy : {corners.red, corners.green, corners.blue, corners.white}) {
+      m.x.push_back(xy2uv1976(xy)[0]);
+      m.y.push_back(xy2uv1976(xy)[1]);
+    }
     p.marks.emplace_back(std::move(m));
   }
+  const auto own = primaries_in_uv1976(g.before);
   for (std::size_t c = 0; c < 3; ++c) {
     constexpr std::array<std::array<double, 2>, 3> off{{{{9, 4}}, {{-12, -6}}, {{-14, 8}}}};
-    const vec2& uv = g.before.primaries_uv[c];
+    const vec2& uv = own[c];
     p.marks.emplace_back(
         svg::note{channel_letters[c], uv[0], uv[1], off[c][0], off[c][1], svg::anchor::start, "note strong"});
   }
@@ -116,8 +119,10 @@ svg::plot diagram(const gamut_record& g) {
 
 std::string place(const vec2& uv) { return html::fixed(uv[0], 4) + ", " + html::fixed(uv[1], 4); }
 
-std::string corner_table(const gamut_record& g) {
-  const auto corner = [](const gamut_corners& c, std::size_t k) { return k < 3 ? c.primaries_uv[k] : c.white_uv; };
+std::string corner_table(const gamut_figures& g) {
+  const auto corner = [](const chromaticity_table& c, std::size_t k) {
+    return xy2uv1976(std::array{c.red, c.green, c.blue, c.white}[k]);
+  };
   std::vector<html::column> columns{{"", false}, {"before"}, {"reached"}};
   if (g.asked) {
     columns.insert(columns.begin() + 2, {"asked for"});
@@ -128,16 +133,16 @@ std::string corner_table(const gamut_record& g) {
     html::row r{k < 3 ? channel_names[k] : "white", place(corner(g.before, k)), place(corner(g.after, k))};
     if (g.asked) {
       r.insert(r.begin() + 2, place(corner(*g.asked, k)));
-      r.push_back(html::fixed(distance(corner(*g.asked, k), corner(g.after, k)), 4));
+      r.push_back(html::fixed(length(corner(*g.asked, k) - corner(g.after, k)), 4));
     }
     rows.push_back(std::move(r));
   }
   return html::table("Primaries and white, <i>u&prime;</i> and <i>v&prime;</i>", columns, rows, "compact");
 }
 
-std::string coverage_table(const gamut_record& g) {
+std::string coverage_table(const gamut_figures& g) {
   std::vector<html::row> rows;
-  for (const coverage_record& c : g.coverage) {
+  for (const coverage_figures& c : g.coverage) {
     rows.push_back({html::text(c.space), html::percent(c.before, 1), html::percent(c.after, 1)});
   }
   return html::table("Covered of these triangles, by area", {{"", false}, {"before"}, {"after"}}, rows);
@@ -145,8 +150,10 @@ std::string coverage_table(const gamut_record& g) {
 
 }  // namespace
 
+plots gamut_plots(const report_data& data) { return {diagram(data)}; }
+
 std::string gamut_section(const report_data& data) {
-  const gamut_record& g = data.gamut;
+  const gamut_figures& g = data.figures.gamut;
   const std::string lead =
       g.asked
           ? "The triangle of the colours that red, green and blue can mix. A primary that the display cannot show "
@@ -154,7 +161,7 @@ std::string gamut_section(const report_data& data) {
           : "The triangle of the colours that red, green and blue can mix. A gray-axis table leaves the primaries "
             "where they are.";
   return html::section("gamut", "Gamut", lead,
-                       html::figures({html::figure(svg::draw(diagram(g)),
+                       html::figures({html::figure(svg::draw(diagram(data)),
                                                    "CIE 1976 <i>u&prime;v&prime;</i> with the spectral locus, in "
                                                    "nanometres. The dark light is taken off the primaries."),
                                       html::joined({"<div>", corner_table(g), coverage_table(g), "</div>"})},

@@ -7,6 +7,7 @@
 #include "corvantile/colour/chromaticity.hpp"
 #include "corvantile/report/html.hpp"
 #include "corvantile/report/sections.hpp"
+#include "corvantile/report/wording.hpp"
 
 namespace corvantile {
 namespace {
@@ -15,20 +16,20 @@ using html::fixed;
 
 constexpr std::size_t most_patches = 1500;  // keeps the page within its size
 
-std::string summary(const measured_record& m) {
+std::string summary(const verification& m) {
   const auto line = [](const char* name, const difference_summary& s) {
-    return html::row{name, fixed(s.mean, 2), fixed(s.max, 2), html::text(s.where)};
+    return html::row{name, fixed(s.mean, 2), fixed(s.max, 2), html::text(s.where ? patch_name(*s.where) : "")};
   };
   return html::table("Measured, &Delta;E<sub>00</sub>", {{"", false}, {"mean"}, {"largest"}, {"where", false}},
                      {line("grays, from the target", m.grays), line("all patches, from the target", m.all),
-                      line("all patches, from the prediction", m.all_from_predicted)});
+                      line("all patches, from the prediction", m.from_prediction)});
 }
 
 std::string figures(const report_data& data) {
-  const white_record& p = data.verdict.after;
-  const white_record& m = data.measured->white;
-  const auto xy = [](const white_record& w) { return fixed(w.xy[0], 4) + ", " + fixed(w.xy[1], 4); };
-  const auto contrast = [](const white_record& w) { return fixed(w.luminance / w.black, 0); };
+  const white_figures& p = data.figures.white_after;
+  const white_figures& m = data.measured->white;
+  const auto xy = [](const white_figures& w) { return fixed(w.xy[0], 4) + ", " + fixed(w.xy[1], 4); };
+  const auto contrast = [](const white_figures& w) { return fixed(w.xyz[1] / w.black[1], 0); };
   return html::table(
       "White and contrast", {{"", false}, {"predicted"}, {"measured"}},
       {{"white, K", fixed(p.cct, 0), fixed(m.cct, 0)},
@@ -42,20 +43,20 @@ std::string colour_of(const vec3& xyz) {
   return fixed(xy[0], 4) + " " + fixed(xy[1], 4);
 }
 
-std::string patch_table(const measured_record& m) {
-  std::vector<const measured_patch*> shown;
+std::string patch_table(const verification& m) {
+  std::vector<const verified_patch*> shown;
   shown.reserve(m.patches.size());
-  for (const measured_patch& p : m.patches) shown.push_back(&p);
+  for (const verified_patch& p : m.patches) shown.push_back(&p);
   const bool cut = shown.size() > most_patches;
   if (cut) {
-    std::ranges::stable_sort(shown, std::ranges::greater(), [](const measured_patch* p) {
+    std::ranges::stable_sort(shown, std::ranges::greater(), [](const verified_patch* p) {
       return std::isfinite(p->from_asked) ? p->from_asked : -1.0;
     });
     shown.resize(most_patches);
   }
   std::vector<html::row> rows;
   rows.reserve(shown.size());
-  for (const measured_patch* p : shown) {
+  for (const verified_patch* p : shown) {
     rows.push_back({html::joined({fixed(100 * p->drive[0], 1), " ", fixed(100 * p->drive[1], 1), " ",
                                   fixed(100 * p->drive[2], 1)}),
                     colour_of(p->asked), fixed(p->asked[1], 2), colour_of(p->measured), fixed(p->measured[1], 2),
@@ -79,11 +80,11 @@ std::string patch_table(const measured_record& m) {
 
 std::string measured_section(const report_data& data) {
   if (!data.measured) return {};
-  const measured_record& m = *data.measured;
+  const verification& m = *data.measured;
   std::string diagnosis;
-  for (const std::string& words : m.diagnosis) diagnosis += html::paragraph(html::text(words));
+  for (const std::string& words : diagnosis_of(m)) diagnosis += html::paragraph(html::text(words));
   return html::section(
-      "measured", "Measured behind the tables", html::text(m.verdict),
+      "measured", "Measured behind the tables", html::text(verdict_of(m)),
       diagnosis + html::joined({"<div class=\"columns\">", summary(m), figures(data), "</div>\n"}) + patch_table(m));
 }
 

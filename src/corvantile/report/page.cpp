@@ -37,13 +37,12 @@ std::string report_page(const report_data& data) {
 }
 
 std::string report_picture(const report_data& data, const std::string& id) {
-  const std::string page = report_page(data);
-  const std::size_t open = page.find("<svg id=\"" + id + '"');
-  if (open == std::string::npos) return {};
-  const std::size_t content = page.find('>', open) + 1;
-  const std::string_view element = std::string_view(page).substr(open, page.find("</svg>", open) + 6 - open);
-  return html::joined({"<svg xmlns=\"http://www.w3.org/2000/svg\"", element.substr(4, content - open - 4), "<style>",
-                       picture_style(), "</style>", element.substr(content - open), "\n"});
+  for (const auto& of_section :
+       {gray_axis_plots, tone_curve_plots, gamut_plots, difference_plots, table_plots, trust_plots}) {
+    for (const svg::plot& p : of_section(data))
+      if (p.id == id) return svg::draw_alone(p, picture_style());
+  }
+  return {};
 }
 
 }  // namespace corvantile

@@ -1,15 +1,18 @@
 #pragma once
-// The sections of the page, in its order. Each gives the markup of one `section` element.
+// The sections of the page, in its order. Each gives the markup of one `section` element; its pictures can be had by
+// themselves.
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "corvantile/report/page.hpp"
+#include "corvantile/report/svg.hpp"
 
 namespace corvantile {
 
 std::string verdict_section(const report_data& data);
-std::string measured_section(const report_data& data);  ///< empty where nothing was measured
+std::string measured_section(const report_data& data);  ///< empty if nothing was measured
 std::string gray_axis_section(const report_data& data);
 std::string tone_curve_section(const report_data& data);
 std::string gamut_section(const report_data& data);
@@ -17,6 +20,14 @@ std::string difference_section(const report_data& data);
 std::string table_section(const report_data& data);
 std::string trust_section(const report_data& data);
 std::string remake_section(const report_data& data);
+
+using plots = std::vector<svg::plot>;
+plots gray_axis_plots(const report_data& data);
+plots tone_curve_plots(const report_data& data);
+plots gamut_plots(const report_data& data);
+plots difference_plots(const report_data& data);
+plots table_plots(const report_data& data);
+plots trust_plots(const report_data& data);
 
 /// The style sheet of the page, and what of it a picture needs outside a page.
 std::string_view page_style();

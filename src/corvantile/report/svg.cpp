@@ -308,7 +308,7 @@ std::string grid(const plot& p, const frame& f, const std::vector<tick>& xs, con
 
 }  // namespace
 
-std::string draw(const plot& p) {
+static std::string drawn_plot(const plot& p, std::string_view attributes, std::string_view style) {
   const axis x = drawable(p.x);
   const axis y = drawable(p.y);
   const std::vector<tick> xs = ticks(x, p.x_ticks);
@@ -329,14 +329,22 @@ std::string draw(const plot& p) {
   const double height = f.bottom() + (p.x.label.empty() ? 22 : 38);
 
   std::string out;
-  append(out, {"<svg id=\"", escape(p.id), "\" viewBox=\"0 0 ", number(p.width), " ", number(height),
-               R"(" role="img"><title>)", escape(p.title), "</title><desc>", escape(p.description), "</desc>", key,
-               grid(p, f, xs, ys)});
+  append(out, {"<svg ", attributes, "id=\"", escape(p.id), "\" viewBox=\"0 0 ", number(p.width), " ", number(height),
+               R"(" role="img">)", style, "<title>", escape(p.title), "</title><desc>", escape(p.description),
+               "</desc>", key, grid(p, f, xs, ys)});
   for (const mark& m : p.marks) out += std::visit([&](const auto& v) { return drawn(v, f); }, m);
   for (const end_label& l : end_labels(p, f)) {
     out += text_at(l.at, "end " + l.line->style, anchor::start, l.line->end_label);
   }
   return out + "</svg>\n";
+}
+
+std::string draw(const plot& p) { return drawn_plot(p, "", ""); }
+
+std::string draw_alone(const plot& p, std::string_view style_sheet) {
+  std::string style;
+  append(style, {"<style>", style_sheet, "</style>"});
+  return drawn_plot(p, "xmlns=\"http://www.w3.org/2000/svg\" ", style);
 }
 
 }  // namespace corvantile::svg

@@ -109,7 +109,10 @@ struct plot {
   int x_ticks = 6, y_ticks = 5;
 };
 
-/// The plot as one `svg` element.
+/// The plot as one `svg` element of a page.
 std::string draw(const plot& p);
+
+/// The plot as a file of its own, with the style sheet that it needs.
+std::string draw_alone(const plot& p, std::string_view style_sheet);
 
 }  // namespace corvantile::svg

@@ -13,7 +13,17 @@ using html::fixed;
 
 constexpr std::size_t drawn_rows = 256;  // of longer tables every so-and-so-many-th row is drawn
 
-svg::plot curve(const table_curve& t, std::size_t index) {
+struct named_table {
+  const char *name, *input, *output;
+  const matrix& rows;
+};
+
+std::vector<named_table> tables_in(const device_tables& t) {
+  if (!t.two_tables) return {{"Gray table", "drive", "device drive", t.post}};
+  return {{"Pre-table", "drive", "linear light", t.pre}, {"Post-table", "linear light", "device drive", t.post}};
+}
+
+svg::plot curve(const named_table& t, std::size_t index) {
   svg::plot p{"table-" + std::to_string(index),
               t.name,
               "The three columns of the table over its input, with the straight line of a table that does nothing.",
@@ -52,28 +62,31 @@ std::string mix_table(const mat3& m) {
 
 std::string entries_of(int bits) { return bits > 0 ? std::to_string(bits) + "-bit entries" : "real entries"; }
 
-std::string clip_table(const table_record& t) {
+std::string clip_table(const report_data& data) {
+  const auto& all_clipped = data.figures.clipped;
+  const auto tables = tables_in(data.tables);
   std::vector<html::row> rows;
   std::size_t all = 0;
-  for (const clip_record& c : t.clipped) {
-    html::row r{html::text(c.table)};
+  for (std::size_t i = 0; i < all_clipped.size(); ++i) {
+    const clip_figures& c = all_clipped[i];
+    html::row r{tables[i].name};
     for (std::size_t k = 0; k < 3; ++k) {
       r.push_back(std::to_string(c.below[k]) + " / " + std::to_string(c.above[k]));
       all += c.below[k] + c.above[k];
     }
     rows.push_back(std::move(r));
   }
-  if (t.clipped.empty()) return {};
+  if (all_clipped.empty()) return {};
   if (all == 0)
-    return html::paragraph("No entry clips: all lie within the range of " + entries_of(t.bits) + ".", "aside");
-  return html::table("Entries that clip, below 0 / above the largest code (" + entries_of(t.bits) + ")",
+    return html::paragraph("No entry clips: all lie within the range of " + entries_of(data.bits) + ".", "aside");
+  return html::table("Entries that clip, below 0 / above the largest code (" + entries_of(data.bits) + ")",
                      {{"", false}, {"red"}, {"green"}, {"blue"}}, rows);
 }
 
-std::string banding_table(const table_record& t) {
-  if (t.banding.empty()) return {};
+std::string banding_table(const job_figures& f) {
+  if (f.banding.empty()) return {};
   std::vector<html::row> rows;
-  for (const banding_record& b : t.banding) {
+  for (const banding_figures& b : f.banding) {
     html::row r{std::to_string(b.bits) + " bits"};
     for (std::size_t k = 0; k < 3; ++k)
       r.push_back(fixed(b.steps_lost[k], 0) + " (" + fixed(b.longest_run[k], 0) + ")");
@@ -90,18 +103,23 @@ std::string banding_table(const table_record& t) {
 
 }  // namespace
 
+plots table_plots(const report_data& data) {
+  plots all;
+  for (const named_table& t : tables_in(data.tables)) all.push_back(curve(t, all.size()));
+  return all;
+}
+
 std::string table_section(const report_data& data) {
-  const table_record& t = data.tables;
   std::string pictures;
-  for (std::size_t i = 0; i < t.curves.size(); ++i) {
+  const plots all = table_plots(data);
+  for (const svg::plot& p : all)
     pictures +=
-        html::figure(svg::draw(curve(t.curves[i], i)),
-                     html::text(t.curves[i].name) + ", " + std::to_string(t.curves[i].rows.rows()) + " rows.");
-  }
-  return html::section("tables", "Tables", "What the device will hold, and what its bits make of it.",
-                       html::figures({pictures}) + "<div class=\"columns\">" +
-                           (t.mix ? html::joined({"<div>", mix_table(*t.mix), "</div>"}) : "") +
-                           html::joined({"<div>", banding_table(t), clip_table(t), "</div></div>\n"}));
+        html::figure(svg::draw(p), html::text(p.title) + ", " + std::to_string(data.tables.post.rows()) + " rows.");
+  return html::section(
+      "tables", "Tables", "What the device will hold, and what its bits make of it.",
+      html::figures({pictures}) + "<div class=\"columns\">" +
+          (data.tables.two_tables ? html::joined({"<div>", mix_table(data.tables.mix), "</div>"}) : "") +
+          html::joined({"<div>", banding_table(data.figures), clip_table(data), "</div></div>\n"}));
 }
 
 }  // namespace corvantile

@@ -15,26 +15,18 @@ using html::text;
 
 constexpr std::size_t worst_shown = 3;
 
-std::string finding_list(const trust_record& t) {
-  if (t.findings.empty()) return html::paragraph("The checks of the measurements found nothing to report.");
+std::string finding_list(const std::vector<finding>& findings) {
+  if (findings.empty()) return html::paragraph("The checks of the measurements found nothing to report.");
   std::string out = "<ul class=\"findings\">\n";
-  for (const finding_record& f : t.findings) {
+  for (const finding& f : findings) {
     const std::string action = f.action.empty() ? "" : html::joined({"<em>", text(f.action), "</em> "});
-    out += html::joined({"<li><span class=\"severity\">", text(f.severity), "</span> ", text(f.message), " ", action,
-                         "<code>", text(f.id), "</code></li>\n"});
+    out += html::joined({"<li><span class=\"severity\">", text(name_of(f.level)), "</span> ", text(f.message), " ",
+                         action, "<code>", text(f.id), "</code></li>\n"});
   }
   return out + "</ul>\n";
 }
 
-std::vector<unseen_patch> finite_ones(const std::vector<unseen_patch>& all) {
-  std::vector<unseen_patch> kept;
-  std::ranges::copy_if(all, std::back_inserter(kept),
-                       [](const unseen_patch& u) { return std::isfinite(u.difference); });
-  std::ranges::stable_sort(kept, std::ranges::greater(), &unseen_patch::difference);
-  return kept;
-}
-
-svg::plot histogram(const std::vector<unseen_patch>& worst_first) {
+svg::plot histogram(const std::vector<prediction>& worst_first) {
   constexpr int bins = 20;
   const svg::axis x =
       svg::rounded({"CIEDE2000, measured against the model", 0,
@@ -42,7 +34,7 @@ svg::plot histogram(const std::vector<unseen_patch>& worst_first) {
   svg::bars counted{"bar", {}, {}};
   counted.bars.reserve(bins);
   for (int b = 0; b < bins; ++b) counted.bars.push_back({x.to * b / bins, x.to * (b + 1) / bins, 0});
-  for (const unseen_patch& u : worst_first) {
+  for (const prediction& u : worst_first) {
     const int b = std::clamp(static_cast<int>(u.difference / x.to * bins), 0, bins - 1);
     counted.bars[static_cast<std::size_t>(b)].height += 1;
   }
@@ -59,60 +51,62 @@ std::string drive_of(const vec3& d) {
   return fixed(100 * d[0], 1) + ", " + fixed(100 * d[1], 1) + ", " + fixed(100 * d[2], 1);
 }
 
-std::string accuracy(const trust_record& t) {
-  const std::vector<unseen_patch> all = finite_ones(t.unseen);
+std::string accuracy(const accuracy_figures& a) {
+  const std::vector<prediction>& all = a.patches;
   if (all.empty()) {
     return html::paragraph(
         "The measurements hold no patches beside the ramps, so how well the model predicts colours "
         "that it has not seen is not known. Measure some more patches to find out.");
   }
-  double sum = 0;
-  for (const unseen_patch& u : all) sum += u.difference;
   std::vector<html::row> rows;
   for (std::size_t i = 0; i < std::min(worst_shown, all.size()); ++i) {
     rows.push_back({drive_of(all[i].drive), fixed(all[i].difference, 2)});
   }
-  const auto n = static_cast<double>(all.size());
   return html::figures(
       {html::figure(svg::draw(histogram(all)),
                     "Accuracy on " + std::to_string(all.size()) + " patches that the fit has not seen."),
        html::joined({"<div>",
                      html::table("Worst of them", {{"drive R, G, B in %", false}, {"&Delta;E<sub>00</sub>"}}, rows),
-                     html::paragraph("Mean " + fixed(sum / n, 2) + ", 95th percentile " +
-                                     fixed(all[static_cast<std::size_t>(0.05 * n)].difference, 2) + ", largest " +
-                                     fixed(all.front().difference, 2) +
+                     html::paragraph("Mean " + fixed(a.unseen.mean, 2) + ", 95th percentile " +
+                                     fixed(a.unseen.p95, 2) + ", largest " + fixed(a.unseen.max, 2) +
                                      ". What is predicted above cannot be more "
                                      "certain than this."),
                      "</div>"})},
       "wide");
 }
 
-std::string data_table(const trust_record& t) {
-  return html::table(
-             "The readings", {{"", false}, {""}, {"what it says", false}},
-             {{"additivity", html::percent(t.additivity, 2),
-               "sum of the three channels over the white; the model takes 100&nbsp;% for granted"},
-              {"noise", html::percent(t.noise, 2), "scatter of the ramps off a smooth curve"},
-              {"repeatability", html::percent(t.spread, 2), "spread of patches that were read more than once"}},
-             "words") +
-         html::paragraph(text(t.ramps));
+std::string data_table(const quality& q) {
+  const std::string ramps = q.known.ramps.empty() ? "The ramps of the file were taken as they are."
+                                                  : "Red, green and blue ramps: " + q.known.ramps + ".";
+  return html::table("The readings", {{"", false}, {""}, {"what it says", false}},
+                     {{"additivity", html::percent(1 + q.additivity, 2),
+                       "sum of the three channels over the white; the model takes 100&nbsp;% for granted"},
+                      {"noise", html::percent(q.noise.middle / 100, 2), "scatter of the ramps off a smooth curve"},
+                      {"repeatability", html::percent(q.repeat_spread.value_or(unknown), 2),
+                       "spread of patches that were read more than once"}},
+                     "words") +
+         html::paragraph(text(ramps));
 }
 
 }  // namespace
 
+plots trust_plots(const report_data& data) {
+  const auto& patches = data.measurements.accuracy.patches;
+  return patches.empty() ? plots() : plots{histogram(patches)};
+}
+
 std::string trust_section(const report_data& data) {
-  const trust_record& t = data.trust;
   const std::string how =
-      t.how_to_measure.empty()
-          ? "To know instead of predicting: load the tables, show a set of verification patches, read them with the "
-            "instrument that made the measurements, and make this report again with these readings."
-          : text(t.how_to_measure);
+      "corvantile-kit chart --verify 50 -o verify.ti1, measure it with the correction loaded, then corvantile-kit "
+      "verify " +
+      data.folder + " verify.ti3";
   return html::section(
       "trust", "How far to trust it",
       "All of this is the prediction of a model that was fitted to the measurements. It is as good as "
       "these and as the display is steady: warming up, viewing angle, another input or picture mode, "
       "dynamic contrast and ageing are not in it.",
-      finding_list(t) + accuracy(t) + data_table(t) + html::paragraph(how, "aside"));
+      finding_list(data.findings) + accuracy(data.measurements.accuracy) + data_table(data.measurements) +
+          html::paragraph(text(how), "aside"));
 }
 
 }  // namespace corvantile

@@ -4,6 +4,7 @@
 
 #include "corvantile/report/html.hpp"
 #include "corvantile/report/sections.hpp"
+#include "corvantile/report/wording.hpp"
 
 namespace corvantile {
 namespace {
@@ -20,56 +21,64 @@ std::string tile(std::string_view name, std::string_view big, std::string_view u
 
 std::string small(std::string_view markup) { return html::paragraph(markup); }
 
-std::string white_tile(const verdict_record& v) {
-  const auto xy = [](const white_record& w) { return fixed(w.xy[0], 4) + ", " + fixed(w.xy[1], 4); };
-  return tile("White", fixed(v.after.cct, 0), "K",
-              small("x, y " + xy(v.after) + "; asked for " + xy(v.asked)) +
-                  small(joined({fixed(v.after.distance, 4), " from it in <i>u&prime;v&prime;</i>, before ",
-                                fixed(v.before.distance, 4), " (", fixed(v.before.cct, 0), "&nbsp;K)"})));
+std::string white_tile(const job_figures& f) {
+  const auto place = [](const vec2& xy) { return fixed(xy[0], 4) + ", " + fixed(xy[1], 4); };
+  return tile("White", fixed(f.white_after.cct, 0), "K",
+              small("x, y " + place(f.white_after.xy) + "; asked for " + place(f.white_asked)) +
+                  small(joined({fixed(f.white_after.distance, 4), " from it in <i>u&prime;v&prime;</i>, before ",
+                                fixed(f.white_before.distance, 4), " (", fixed(f.white_before.cct, 0), "&nbsp;K)"})));
 }
 
 std::string luminance_tile(const report_data& data) {
-  const verdict_record& v = data.verdict;
-  std::string losses;
-  for (const loss_record& l : v.losses) {
-    losses += joined({losses.empty() ? "" : " &times; ", "<span class=\"whole\">", text(l.name), " ",
-                      fixed(l.factor, 3), "</span>"});
+  const job_figures& f = data.figures;
+  const struct {
+    const char* name;
+    double left;
+    bool always;
+  } losses[] = {{"this white", f.light.white, true},
+                {"lumfrac", f.light.lumfrac, false},
+                {"display&rsquo;s limit", f.light.limit, false},
+                {data.tables.two_tables ? "head-room" : "gray table", f.light.rest, false}};
+  std::string product;
+  for (const auto& l : losses) {
+    if (!l.always && !(std::abs(l.left - 1) > 0.002)) continue;
+    product += joined(
+        {product.empty() ? "" : " &times; ", "<span class=\"whole\">", l.name, " ", fixed(l.left, 3), "</span>"});
   }
-  return tile(
-      "Luminance", percent(v.after.luminance / v.before.luminance), "of before",
-      small(joined({fixed(v.before.luminance, 1), " &rarr; ", fixed(v.after.luminance, 1), " ", text(data.unit)})) +
-          small(losses));
+  const double before = f.white_before.xyz[1], after = f.white_after.xyz[1];
+  return tile("Luminance", percent(after / before), "of before",
+              small(joined({fixed(before, 1), " &rarr; ", fixed(after, 1), " ", text(data.unit)})) + small(product));
 }
 
 std::string difference_tile(std::string_view name, const difference_summary& after,
                             const difference_summary& before) {
-  const std::string where = after.where.empty() ? "" : " (" + text(after.where) + ")";
+  const std::string where = after.where ? " (" + text(patch_name(*after.where)) + ")" : "";
   return tile(name, fixed(after.mean, 2), "mean &Delta;E<sub>00</sub>",
               small("largest " + fixed(after.max, 2) + where) +
                   small("before: mean " + fixed(before.mean, 2) + ", largest " + fixed(before.max, 2)));
 }
 
-std::string contrast(const white_record& w) {
-  const double ratio = w.luminance / w.black;
-  return std::isfinite(ratio) ? fixed(ratio, 0) + "&nbsp;:&nbsp;1" : w.black == 0 ? "&infin;" : fixed(unknown, 0);
+std::string contrast(const white_figures& w) {
+  const double ratio = w.xyz[1] / w.black[1];
+  return std::isfinite(ratio) ? fixed(ratio, 0) + "&nbsp;:&nbsp;1" : w.black[1] == 0 ? "&infin;" : fixed(unknown, 0);
 }
 
 std::string contrast_tile(const report_data& data) {
-  const verdict_record& v = data.verdict;
-  return tile("Contrast", contrast(v.after), "",
-              small(joined({"black ", fixed(v.after.black, 3), " ", text(data.unit)})) +
-                  small(joined({"before ", contrast(v.before), ", black ", fixed(v.before.black, 3)})));
+  const white_figures &before = data.figures.white_before, &after = data.figures.white_after;
+  return tile("Contrast", contrast(after), "",
+              small(joined({"black ", fixed(after.black[1], 3), " ", text(data.unit)})) +
+                  small(joined({"before ", contrast(before), ", black ", fixed(before.black[1], 3)})));
 }
 
 }  // namespace
 
 std::string verdict_section(const report_data& data) {
-  const verdict_record& v = data.verdict;
+  const job_figures& f = data.figures;
   return joined(
-      {"<section id=\"verdict\" aria-label=\"Verdict\">\n", html::paragraph(text(v.sentence), "verdict"),
-       "<div class=\"tiles\">\n", white_tile(v), luminance_tile(data),
-       difference_tile("Grays", v.gray_after, v.gray_before),
-       difference_tile("Primaries, secondaries", v.corners_after, v.corners_before), contrast_tile(data), "</div>\n",
+      {"<section id=\"verdict\" aria-label=\"Verdict\">\n", html::paragraph(text(verdict_of(f)), "verdict"),
+       "<div class=\"tiles\">\n", white_tile(f), luminance_tile(data),
+       difference_tile("Grays", f.gray.difference_after, f.gray.difference_before),
+       difference_tile("Primaries, secondaries", f.corners_after, f.corners_before), contrast_tile(data), "</div>\n",
        html::paragraph("All figures after the correction are the model&rsquo;s prediction, not a measurement. "
                        "<a href=\"#trust\">How far to trust them</a>.",
                        "aside"),

@@ -44,11 +44,10 @@ std::string calibration_note(calibration_use use) {
   return "Entries are the table alone: no calibration was in effect while measuring, or none is to be looked at.";
 }
 
-void refuse_format(std::string_view format, std::string_view why) {
-  std::string message = "Format ";
-  message.append(format).append(": ").append(why);
-  throw failure(fault::inexpressible, message);
-}
+format_refusal::format_refusal(std::string_view format, std::string_view why_)
+    : failure(fault::inexpressible, std::string("Format ").append(format).append(": ").append(why_)), why(why_) {}
+
+void refuse_format(std::string_view format, std::string_view why) { throw format_refusal(format, why); }
 
 void require_tables(std::string_view format, const device_tables& tables) {
   require_table(format, "post-table", tables.post);

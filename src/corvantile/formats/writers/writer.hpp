@@ -15,6 +15,7 @@
 
 #include "corvantile/job/device_tables.hpp"
 #include "corvantile/numerics/matrix.hpp"
+#include "corvantile/utils/failure.hpp"
 #include "corvantile/utils/lut.hpp"
 
 namespace corvantile {
@@ -48,7 +49,13 @@ std::string calibration_note(calibration_use use);
 
 // ---- Refusals ----
 
-/// Throws `fault::inexpressible`: "Format NAME: WHY".
+/// A format that cannot hold a correction: `fault::inexpressible`, with the message "Format NAME: WHY".
+struct format_refusal : failure {
+  format_refusal(std::string_view format, std::string_view why_);
+  std::string why;
+};
+
+/// Throws a `format_refusal`.
 [[noreturn]] void refuse_format(std::string_view format, std::string_view why);
 
 /// Refuses tables of fewer than two rows or not of three columns, and entries that are not finite.

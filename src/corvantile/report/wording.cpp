@@ -1,0 +1,118 @@
+#include "corvantile/report/wording.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "corvantile/appraisal/gamut.hpp"
+#include "corvantile/report/svg.hpp"
+#include "corvantile/utils/text.hpp"
+
+namespace corvantile {
+namespace {
+
+constexpr double moved_visibly = 0.002;  // u'v'
+
+std::string moved_primaries(const gamut_figures& g) {
+  if (!g.asked) return "Red, green and blue stay as they are.";
+  const auto asked = primaries_in_uv1976(*g.asked), shown = primaries_in_uv1976(g.after);
+  std::string moved;
+  for (std::size_t c = 0; c < 3; ++c) {
+    const double d = length(asked[c] - shown[c]);
+    if (!(d >= moved_visibly)) continue;
+    moved += (moved.empty() ? "" : ", ") + std::string(channel_names[c]) + " by " + svg::number(d, 3);
+  }
+  return moved.empty() ? "All three primaries are reached." : "Out of reach and moved in u'v': " + moved + ".";
+}
+
+// Small differences without digits that nobody sees.
+std::string difference_text(double d) { return d < 0.05 ? "less than 0.1" : svg::number(d); }
+
+const char* words_for(const verification& v) {
+  constexpr double alike = 1.5;  // a difference that model and instrument may well leave
+  switch (v.loaded) {
+    case load_state::once:
+      if (v.distances.once > alike) {
+        return "The tables are loaded, once, but the display does not do quite what was predicted: it may have "
+               "changed since the first measurement, or its channels do not add up. corvantile-kit refine brings the "
+               "grays to their target.";
+      }
+      return "The tables are loaded, once, and the display does what was predicted.";
+    case load_state::too_mild:
+      return "The display does about what was predicted, but the tables change so little that nobody can tell "
+             "whether they are loaded.";
+    case load_state::another_white:
+      return "The tables seem to be loaded, but the white is not the predicted one: the picture mode or a colour "
+             "control was changed, or a calibration was in effect in one of the two measurements only.";
+    case load_state::none:
+      return "The tables seem not to have been loaded: the readings agree with the display before the correction.";
+    case load_state::twice:
+      return "The tables seem to have been applied twice, for example by a profile and by the device.";
+    case load_state::unclear:
+      break;
+  }
+  return "The display does not do what was predicted for the tables loaded once, twice or not at all: it may have "
+         "changed since the first measurement (warm-up, picture mode, brightness), or a calibration was still in "
+         "effect. Or its channels do not add up: corvantile-kit refine then brings the grays to their target.";
+}
+
+std::string figures_of(const load_distances& d) {
+  const auto figure = [](double v) { return svg::number(v, 2); };
+  return "Mean difference of the readings from the prediction for the tables loaded once " + figure(d.once) +
+         ", not at all " + figure(d.none) + ", twice " + figure(d.twice) + ", once with the white as it was read " +
+         figure(d.other_white) + ".";
+}
+
+}  // namespace
+
+std::string patch_name(const vec3& drive) {
+  const auto full = std::ranges::find(test_ramps, drive, &test_ramp::on);
+  if (full != test_ramps.end() && !is_gray(drive)) return full->name;
+  const auto in_percent = [](double v) { return svg::number(100 * v); };
+  if (is_gray(drive)) return "drive " + in_percent(drive[0]) + "\u00a0%";
+  return in_percent(drive[0]) + ", " + in_percent(drive[1]) + ", " + in_percent(drive[2]) + "\u00a0%";
+}
+
+const char* how_close(const difference_summary& gray) {
+  if (gray.mean < 0.5 && gray.max < 2) return "very closely";
+  if (gray.mean < 1 && gray.max < 3) return "closely";
+  return gray.mean < 2 ? "roughly" : "not closely";
+}
+
+std::string verdict_of(const job_figures& f) {
+  const difference_summary &before = f.gray.difference_before, &after = f.gray.difference_after;
+  return std::string("Grays should follow the target ") + how_close(after) + ", with a mean difference of " +
+         difference_text(after.mean) + " where it was " + difference_text(before.mean) + ", at " +
+         svg::number(100 * f.white_after.xyz[1] / f.white_before.xyz[1], 0) + "\u00a0% of the luminance. " +
+         moved_primaries(f.gamut);
+}
+
+std::string verdict_of(const verification& v) {
+  return std::string("Measured, the grays follow the target ") + how_close(v.grays) + ": mean difference " +
+         svg::number(v.grays.mean, 2) + ", largest " + svg::number(v.grays.max, 2) + ".";
+}
+
+std::vector<std::string> diagnosis_of(const verification& v) {
+  constexpr double steady = 0.03;
+  std::vector<std::string> paragraphs{words_for(v), figures_of(v.distances)};
+  if (v.calibration_appeared) {
+    paragraphs.emplace_back(
+        "A video calibration was in effect during this measurement, but not during the first. Unless it is the "
+        "correction itself, it acts on top of that: clear it (dispwin -c) and measure again.");
+  }
+  if (v.calibration_vanished) {
+    paragraphs.emplace_back(
+        "The first measurement went through a video calibration, this one did not: formats that leave the "
+        "calibration in force need it loaded.");
+  }
+  if (v.white_change && std::abs(*v.white_change) > steady) {
+    paragraphs.push_back("White is " + percent(std::abs(*v.white_change), 0) +
+                         (*v.white_change < 0 ? " darker" : " brighter") +
+                         " than predicted. The display has drifted since the first measurement (warm-up, its "
+                         "brightness setting, ambient light sensor), or it dims bright pictures: the other figures "
+                         "here leave that out.");
+  }
+  return paragraphs;
+}
+
+}  // namespace corvantile
