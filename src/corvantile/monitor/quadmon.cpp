@@ -83,88 +83,112 @@ component_fit fit_component(std::span<const double> m, std::vector<double> ratio
   return is_finite(fit.curve) ? fit : identity;
 }
 
-}  // namespace
+double full_drive_of(const measurements& samples) {
+  double largest = samples.data(0, 0);
+  for (std::size_t c = 0; c < 3; ++c) largest = std::max(largest, std::ranges::max(samples.data.col(c)));
+  if (!(largest > 0)) refuse_content(samples.name, "no drive value is above 0, so that full drive is unknown");
+  return largest;
+}
 
-monitor makemonitor(const measurements& samples, std::optional<int> numsegs, double minslope) {
-  monitor mon;
-  mon.name = samples.name.empty() ? "monitor" : cut(samples.name, longest_name);
-  mon.numsegs = numsegs.value_or(5);
-  mon.minslope = minslope;
-  const std::size_t ramps = ramp_count(samples.version);
-  const auto nramp = static_cast<std::size_t>(samples.nramp);
+void set_samples(monitor& mon, const measurements& samples, double full_drive) {
   const std::size_t rows = samples.data.rows();
-  mon.nramp = samples.nramp;
-  mon.nextra = static_cast<int>(rows - ramps * nramp);
-  require_finite(samples);
-
-  double full_drive = samples.data(0, 0);
-  for (std::size_t c = 0; c < 3; ++c) full_drive = std::max(full_drive, std::ranges::max(samples.data.col(c)));
-  if (!(full_drive > 0)) refuse_content(samples.name, "no drive value is above 0, so that full drive is unknown");
-  require_falling_ramps(samples);
   mon.rgb = matrix(rows, 3);
   mon.xyz = matrix(rows, 3);
   for (std::size_t c = 0; c < 3; ++c) {
     std::ranges::transform(samples.data.col(c), mon.rgb.col(c).begin(), [&](double d) { return d / full_drive; });
     std::ranges::copy(samples.data.col(3 + c), mon.xyz.col(c).begin());
   }
+}
 
+vec3 mean_dark_light(const matrix& xyz, std::size_t ramps, std::size_t nramp) {
+  vec3 dark;
   for (std::size_t k = 0; k < 3; ++k) {
     double sum = 0;
-    for (std::size_t r = 1; r <= ramps; ++r) sum += mon.xyz(r * nramp - 1, k);
-    mon.darklight[k] = sum / static_cast<double>(ramps);
+    for (std::size_t r = 1; r <= ramps; ++r) sum += xyz(r * nramp - 1, k);
+    dark[k] = sum / static_cast<double>(ramps);
   }
+  return dark;
+}
+
+void require_white(const measurements& samples, const vec3& white, const vec3& dark) {
+  if (white[1] > dark[1] && white[0] + white[1] + white[2] > 0) return;
+  refuse_content(samples.name, sample_text(samples, 0) + ": X, Y, Z are" + free_format(white[0]) +
+                                   free_format(white[1]) + free_format(white[2]) +
+                                   ", expected a white that is brighter than the dark");
+}
+
+// X and Z of a ramp without the dark light, over their values at full drive. Unlike `rampx` and `rampz`, they keep
+// what was measured at zero drive.
+struct measured_ratios {
+  std::vector<double> x, z;
+};
+
+measured_ratios set_ramp(monitor& mon, const measurements& samples, std::size_t c, double full_drive) {
+  const auto nramp = static_cast<std::size_t>(samples.nramp);
+  const channel_ramp ramp = ramp_of_channel(samples, c);
+  const auto light = [&](std::size_t i, std::size_t k) { return ramp.colour(i, k) - mon.darklight[k]; };
+  const vec3 full{{light(nramp - 1, 0), light(nramp - 1, 1), light(nramp - 1, 2)}};
+  mon.Xmax[c] = full[0];
+  mon.Ymax[c] = full[1];
+  mon.Zmax[c] = full[2];
+  mon.RGB2XYZ.col[c] = full;
+  if (!(full[1] > 0)) {
+    refuse_content(samples.name,
+                   std::string("the ") + channel_names[c] + " channel gets no brighter than the dark: Y is" +
+                       free_format(ramp.colour(nramp - 1, 1)) + " at the first level of its ramp and" +
+                       free_format(mon.darklight[1]) + " in the dark; ramps run from full drive down to zero");
+  }
+
+  measured_ratios ratios{std::vector<double>(nramp), std::vector<double>(nramp)};
+  for (std::size_t i = 0; i < nramp; ++i) {
+    mon.rampin(i, c) = ramp.drive(i, c) / full_drive;
+    mon.rampy(i, c) = light(i, 1) / full[1];
+    ratios.x[i] = light(i, 0) / full[0];
+    ratios.z[i] = light(i, 2) / full[2];
+  }
+  std::ranges::copy(ratios.x, mon.rampx.col(c).begin());
+  std::ranges::copy(ratios.z, mon.rampz.col(c).begin());
+  mon.rampy(0, c) = mon.rampx(0, c) = mon.rampz(0, c) = 0.0;
+  return ratios;
+}
+
+void fit_curves(monitor& mon, const std::string& name, std::size_t c, measured_ratios ratios) {
+  const auto rampy = std::as_const(mon.rampy).col(c);
+  mon.inpcurve[c] = pp_iba(mon.rampin.col(c), rampy, mon.numsegs, mon.minslope);
+  if (!is_finite(mon.inpcurve[c])) {
+    refuse_content(name, std::string("no tone curve fits the ") + channel_names[c] +
+                             " ramp; expected luminances that fall from full drive down to zero");
+  }
+  component_fit x = fit_component(rampy, std::move(ratios.x), mon.numsegs);
+  mon.xcurve[c] = std::move(x.curve);
+  mon.nX[c] = x.a;
+  component_fit z = fit_component(rampy, std::move(ratios.z), mon.numsegs);
+  mon.zcurve[c] = std::move(z.curve);
+  mon.nZ[c] = z.a;
+}
+
+}  // namespace
+
+monitor makemonitor(const measurements& samples, std::optional<int> numsegs, double minslope) {
+  const std::size_t ramps = ramp_count(samples.version);
+  const auto nramp = static_cast<std::size_t>(samples.nramp);
+  monitor mon;
+  mon.name = samples.name.empty() ? "monitor" : cut(samples.name, longest_name);
+  mon.numsegs = numsegs.value_or(5);
+  mon.minslope = minslope;
+  mon.nramp = samples.nramp;
+  mon.nextra = static_cast<int>(samples.data.rows() - ramps * nramp);
+  require_finite(samples);
+  const double full_drive = full_drive_of(samples);
+  require_falling_ramps(samples);
+
+  set_samples(mon, samples, full_drive);
+  mon.darklight = mean_dark_light(mon.xyz, ramps, nramp);
   mon.whitepoint = row3(mon.xyz, 0);
-  const vec3& white = mon.whitepoint;
-  if (!(white[1] > mon.darklight[1]) || !(white[0] + white[1] + white[2] > 0)) {
-    refuse_content(samples.name, sample_text(samples, 0) + ": X, Y, Z are" + free_format(white[0]) +
-                                     free_format(white[1]) + free_format(white[2]) +
-                                     ", expected a white that is brighter than the dark");
-  }
+  require_white(samples, mon.whitepoint, mon.darklight);
 
   mon.rampin = mon.rampy = mon.rampx = mon.rampz = matrix(nramp, 3);
-  for (std::size_t c = 0; c < 3; ++c) {
-    const channel_ramp ramp = ramp_of_channel(samples, c);
-    const auto light = [&](std::size_t i, std::size_t k) { return ramp.colour(i, k) - mon.darklight[k]; };
-    const vec3 full{{light(nramp - 1, 0), light(nramp - 1, 1), light(nramp - 1, 2)}};
-    mon.Xmax[c] = full[0];
-    mon.Ymax[c] = full[1];
-    mon.Zmax[c] = full[2];
-    mon.RGB2XYZ.col[c] = full;
-    if (!(full[1] > 0)) {
-      refuse_content(samples.name,
-                     std::string("the ") + channel_names[c] + " channel gets no brighter than the dark: Y is" +
-                         free_format(ramp.colour(nramp - 1, 1)) + " at the first level of its ramp and" +
-                         free_format(mon.darklight[1]) + " in the dark; ramps run from full drive down to zero");
-    }
-
-    const auto rampin = mon.rampin.col(c);
-    const auto rampy = mon.rampy.col(c);
-    std::vector<double> x_ratio(nramp);
-    std::vector<double> z_ratio(nramp);
-    for (std::size_t i = 0; i < nramp; ++i) {
-      rampin[i] = ramp.drive(i, c) / full_drive;
-      rampy[i] = light(i, 1) / full[1];
-      x_ratio[i] = light(i, 0) / full[0];
-      z_ratio[i] = light(i, 2) / full[2];
-    }
-    rampy[0] = 0.0;
-    std::ranges::copy(x_ratio, mon.rampx.col(c).begin());
-    std::ranges::copy(z_ratio, mon.rampz.col(c).begin());
-    mon.rampx(0, c) = mon.rampz(0, c) = 0.0;
-
-    mon.inpcurve[c] = pp_iba(rampin, rampy, mon.numsegs, minslope);
-    if (!is_finite(mon.inpcurve[c])) {
-      refuse_content(samples.name, std::string("no tone curve fits the ") + channel_names[c] +
-                                       " ramp; expected luminances that fall from full drive down to zero");
-    }
-    const component_fit x = fit_component(rampy, std::move(x_ratio), mon.numsegs);
-    mon.xcurve[c] = x.curve;
-    mon.nX[c] = x.a;
-    const component_fit z = fit_component(rampy, std::move(z_ratio), mon.numsegs);
-    mon.zcurve[c] = z.curve;
-    mon.nZ[c] = z.a;
-  }
-
+  for (std::size_t c = 0; c < 3; ++c) fit_curves(mon, samples.name, c, set_ramp(mon, samples, c, full_drive));
   require_gamut(mon);
   mon.XYZ2RGB = inv(mon.RGB2XYZ);
   return mon;
