@@ -43,14 +43,17 @@ void replace_in_list(const char* before, const char* after) {
   }
 }
 
-// Only calls that are safe in a handler. `busy` is never given back: nothing is made or renamed any more.
-extern "C" void remove_listed_and_end(int signal) {
+// A signal handler: makes only calls that are safe in one. It never gives `busy` back, so nothing is made or renamed
+// any more. `static`, because C linkage alone would put the name among the library's symbols despite the namespace.
+extern "C" {
+static void remove_listed_and_end(int signal) {
   hold();
   for (const char* name : listed_names) {
     if (name != nullptr) ::unlink(name);
   }
   ::signal(signal, SIG_DFL);
   ::raise(signal);  // blocked until the handler returns
+}
 }
 
 void keep_owner_and_mode(int fd, const struct stat& old) {
