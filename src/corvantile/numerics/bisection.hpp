@@ -6,7 +6,7 @@
 
 namespace corvantile {
 
-/// The two ends of a bracket, f being lower at `lo`, and the last midpoint.
+/// The ends of a bracket (f is lower at `lo`) and the last midpoint.
 struct bisection {
   double lo, hi, mid;
 
@@ -16,7 +16,7 @@ struct bisection {
     if (f(b) <= f(a)) std::swap(lo, hi);
   }
   bool wider_than(double tol) const { return std::abs(hi - lo) > tol; }  // false for NaN
-  /// Halves the bracket. False when that changed nothing, since its ends are neighbours or infinite.
+  /// Halves the bracket. Returns false if that changed nothing: its ends are neighbouring numbers, or infinite.
   template <class Below>
   bool step(const Below& below) {
     mid = (lo + hi) * 0.5;
@@ -27,8 +27,9 @@ struct bisection {
   }
 };
 
-/// x in [a, b] with f(x) = y, to a bracket no wider than `tol`: the last midpoint. A target out of reach leads to the
-/// nearer end. A bracket no wider than `tol` to begin with, or of NaN width, gives (a + b) / 2.
+/// Solves f(x) = y for x in [a, b] by bisection, until the bracket is no wider than `tol`. Returns the last midpoint.
+/// If y is out of reach, the search runs to the nearer end. If the bracket is no wider than `tol` to begin with, or
+/// its width is NaN, the result is (a + b) / 2.
 template <class F>
 double solve_by_bisection(const F& f, double y, double a, double b, double tol) {
   bisection s(f, a, b);

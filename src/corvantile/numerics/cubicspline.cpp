@@ -20,7 +20,7 @@ spline_system::spline_system(std::span<const double> x, int endcond)
     a(i, i) = 2 * (h_[i - 1] + h_[i]);
     a(i, i + 1) = h_[i - 1];
   }
-  // Without two knots, or three for not-a-knot, the end rows stay zero, and the division by their pivots tells.
+  // With fewer than two knots (three for not-a-knot) the end rows stay zero, and dividing by their pivots gives NaN.
   if (n >= 2) {
     const double first = h_.front();
     const double last = h_.back();
@@ -35,7 +35,7 @@ spline_system::spline_system(std::span<const double> x, int endcond)
         a(n - 1, n - 2) = 1;
         a(n - 1, n - 1) = 2;
         break;
-      case endcond_periodic:  // the second row is that of an interior knot; with two knots its entries coincide
+      case endcond_periodic:  // the last row is an interior knot's; with two knots its entries coincide
         a(0, 0) = 1;
         a(0, n - 1) = -1;
         a(n - 1, n - 2) += first;
@@ -67,7 +67,7 @@ spline_system::spline_system(std::span<const double> x, int endcond)
   }
 }
 
-// As `sgesl` with job 0, without the additions of zero times something.
+// `sgesl` with job 0, but without adding zero times something.
 void spline_system::solve(std::span<double> b) const {
   for (std::size_t k = 0; k + 1 < n_; ++k) {
     const double* column = &lu_[k * n_];

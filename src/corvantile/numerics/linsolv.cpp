@@ -8,7 +8,7 @@
 namespace corvantile {
 namespace {
 
-/// A strided vector as the level-1 routines see it: element i of n, counted from the end that the stride starts at.
+/// A strided vector, as the level-1 routines see it. Element i counts from the end that the stride starts at.
 template <class T>
 struct strided {
   T* first;
@@ -19,7 +19,7 @@ struct strided {
   T& operator[](std::size_t i) const { return first[static_cast<std::ptrdiff_t>(i) * inc]; }
 };
 
-// The kernels proper take anything with operator[]: a pointer for the unit strides of LINPACK, `strided` otherwise.
+// The kernels take anything with operator[]: a pointer for LINPACK's unit strides, `strided` otherwise.
 
 template <class X, class Y>
 double dot(std::size_t n, const X& x, const Y& y) {
@@ -134,7 +134,7 @@ void sgedi(std::span<double> a, std::size_t lda, std::size_t n, std::span<const 
     for (std::size_t i = 0; i < n; ++i) {
       if (ipvt[i] != i) det[0] = -det[0];
       det[0] = col(i)[i] * det[0];
-      // Nothing scales zero, an infinity or a NaN into [1, 10); as published, the last two loop forever.
+      // Zero, infinity and NaN cannot be scaled into [1, 10). As published, the loops never end for the last two.
       if (det[0] == 0.0 || !std::isfinite(det[0])) break;
       while (std::abs(det[0]) < 1.0) {
         det[0] *= 10.0;
@@ -172,8 +172,8 @@ double sgeco(std::span<double> a, std::size_t lda, std::size_t n, std::span<std:
   for (std::size_t j = 0; j < n; ++j) anorm = std::max(anorm, asum(n, col(j)));
   sgefa(a, lda, n, ipvt);
 
-  // 1 / cond is estimated from |z| / |y|, where A z = y and transpose(A) y = e. The components of e are chosen to
-  // let those of w in transpose(U) w = e grow as fast as they can. Frequent scaling avoids overflow.
+  // Estimates 1 / cond from |z| / |y|, with A z = y and transpose(A) y = e. The components of e are chosen so that
+  // those of w in transpose(U) w = e grow as fast as they can. Frequent scaling avoids overflow.
   double ek = 1.0;
   std::fill_n(z, n, 0.0);
   for (std::size_t k = 0; k < n; ++k) {
@@ -237,7 +237,7 @@ matrix inv(const matrix& a) {
   std::vector<std::size_t> ipvt(n);
   std::vector<double> work(n);
   std::array<double, 2> no_det{};
-  sgefa(r.data(), n, n, ipvt);  // a zero pivot goes on into sgedi and shows in the result
+  sgefa(r.data(), n, n, ipvt);  // a zero pivot shows in the result of sgedi
   sgedi(r.data(), n, n, ipvt, no_det, work, 1);
   return r;
 }

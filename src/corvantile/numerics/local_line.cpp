@@ -6,7 +6,7 @@
 namespace corvantile {
 namespace {
 
-// The distance at which weights have fallen to 0.
+// The distance at which weights reach 0.
 double widened(const std::vector<double>& x, double at, double reach) {
   std::vector<double> distance(x.size());
   std::ranges::transform(x, distance.begin(), [at](double v) { return std::abs(v - at); });

@@ -1,8 +1,7 @@
 #pragma once
-// Small fixed-size vectors and matrices, and the run-time sized column-major matrix.
+// Small fixed-size vectors and matrices, and a column-major matrix whose size is set at run time.
 //
-// Every product is accumulated from the first term to the last, so that results do not
-// depend on how a compiler schedules them.
+// Products are summed from the first term to the last, so results do not depend on how a compiler schedules them.
 
 #include <algorithm>
 #include <array>
@@ -14,7 +13,7 @@
 
 namespace corvantile {
 
-/// Two coordinates in a plane, mostly a chromaticity pair.
+/// Two coordinates in a plane, usually a chromaticity.
 struct vec2 {
   std::array<double, 2> v{};
   constexpr double& operator[](std::size_t i) { return v[i]; }
@@ -53,7 +52,7 @@ constexpr double dist2(const vec3& a, const vec3& b) {
   return d[0] * d[0] + d[1] * d[1] + d[2] * d[2];
 }
 
-/// A 3 x 3 matrix that multiplies column vectors. `col[c]` is column c: for a primaries matrix, primary c's X, Y, Z.
+/// A 3 x 3 matrix that multiplies column vectors. `col[c]` is column c: in a primaries matrix, X, Y, Z of primary c.
 struct mat3 {
   std::array<vec3, 3> col{};
   constexpr double& operator()(std::size_t i, std::size_t j) { return col[j][i]; }
@@ -103,14 +102,14 @@ class dense {
 using matrix = dense<double>;
 using int_matrix = dense<std::int64_t>;
 
-/// A 3 x 3 matrix as a run-time sized one.
+/// Copies a 3 x 3 matrix into one of run-time size.
 inline matrix to_matrix(const mat3& m) {
   matrix r(3, 3);
   for (std::size_t j = 0; j < 3; ++j) std::ranges::copy(m.col[j].v, r.col(j).begin());
   return r;
 }
 
-/// The n x 3 batch that has the n values of `column` in every channel.
+/// The n x 3 batch with the n values of `column` in every channel.
 inline matrix in_all_channels(std::span<const double> column) {
   matrix m(column.size(), 3);
   for (std::size_t c = 0; c < 3; ++c) std::ranges::copy(column, m.col(c).begin());
@@ -123,7 +122,7 @@ inline void set_row3(matrix& m, std::size_t i, const vec3& v) {
   for (std::size_t c = 0; c < 3; ++c) m(i, c) = v[c];
 }
 
-/// Runs a transform of one triple on one triple, or on each row of an n x 3 batch. The two agree bit for bit.
+/// Applies a transform of one triple to one triple, or to each row of an n x 3 batch. Both give the same bits.
 template <class Kernel>
 vec3 apply(const Kernel& kernel, const vec3& x) {
   return kernel(x);

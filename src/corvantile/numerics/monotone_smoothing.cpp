@@ -26,7 +26,7 @@ monotone_fit::monotone_fit(std::span<const double> xp, std::span<const double> y
     const double h = knots_[j + 1] - knots_[j];
     intervals_.push_back({.width = h, .three_width = 3 * h, .square = h * h, .cube = h * h * h});
   }
-  // The same choice as evaluation makes: the left piece at a knot, the end pieces beyond the ends.
+  // As in evaluation: a knot belongs to the piece on its left, and the end pieces continue beyond the ends.
   const auto piece_at = [this](double x) {
     const auto right = std::lower_bound(knots_.begin() + 1, knots_.end() - 1, x);
     return static_cast<std::size_t>(right - knots_.begin()) - 1;
@@ -71,7 +71,7 @@ double monotone_fit::cost(std::span<const double> p) {
   spline_.slopes(p, slopes_);
   double start = 0.0;  // value of the curve at the piece's left knot
   for (std::size_t j = 0; j < intervals_.size(); ++j) {
-    // g, the Hermite cubic of this interval
+    // g: the Hermite cubic of this interval
     const auto& [h, three_h, h2, h3] = intervals_[j];
     const double a = p[j + 1] - p[j] - h * slopes_[j];
     const double b = slopes_[j + 1] - slopes_[j];

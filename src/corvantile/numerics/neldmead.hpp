@@ -1,12 +1,12 @@
 #pragma once
-// Nelder-Mead simplex search: the one general-purpose minimiser of the program.
+// Nelder-Mead simplex search: the program's only general-purpose minimiser.
 //
 // After J. A. Nelder and R. Mead, "A simplex method for function minimization", The Computer Journal 7 (1965), with
 // reflection 1, expansion 2, contractions 1/2 and shrink 1/2 towards the best vertex.
 //
-// A search is a template on its cost, so that the cost is inlined, and on its dimension, so that a simplex of fixed
-// size lives on the stack. A dimension known only at run time gets its storage once per search. Nothing is allocated
-// per iteration either way.
+// A search is a template on its cost, which is inlined, and on its dimension, so that a simplex of fixed size lives
+// on the stack. If the dimension is known only at run time, storage is allocated once per search. Iterations never
+// allocate.
 
 #include <algorithm>
 #include <array>
@@ -24,7 +24,7 @@
 
 namespace corvantile {
 
-/// What a search takes besides its cost and its start.
+/// The options of a search.
 struct nm_settings {
   double scale = 1.0;                  ///< initial step along each axis
   double tol = 1.4901161193847656e-8;  ///< relative tolerance of the convergence test: the square root of epsilon
@@ -32,8 +32,7 @@ struct nm_settings {
   /// The search ends, unconverged, once its best value is below this. The best value never rises, so a caller that
   /// only asks whether the minimum lies below a threshold gets the same answer sooner.
   double enough = -std::numeric_limits<double>::infinity();
-  /// Leave out iterations that are proved to repeat earlier ones (see
-  /// `cycle_watch`). The result does not depend on it.
+  /// Skip iterations that provably repeat earlier ones (see `cycle_watch`). Does not change the result.
   bool skip_cycles = true;
 };
 
@@ -42,13 +41,13 @@ template <class Vector>
 struct nm_result {
   Vector xmin;      ///< best vertex
   double fmin = 0;  ///< cost at `xmin`
-  std::int64_t iters =
-      0;  ///< iterations made, and one more where the search ended unconverged: maxit + 1 at the limit
+  /// Iterations made, plus one if the search ended unconverged: maxit + 1 at the limit.
+  std::int64_t iters = 0;
   bool converged = false;  ///< whether the convergence test was met
   std::int64_t evals = 0;  ///< cost evaluations made
 };
 
-/// n + 1 vertices of n coordinates, one a row, and the cost at each. After a sort the rows stand in descending order
+/// n + 1 vertices of n coordinates, one per row, and the cost at each. Once sorted, the rows are in descending order
 /// of cost: row 0 is the worst, row n the best. `N` is n, or std::dynamic_extent.
 template <std::size_t N>
 class simplex {
@@ -79,7 +78,7 @@ class simplex {
   std::span<const double, value_count> values() const {
     return std::span<const double, value_count>(data_.data() + (n() + 1) * n(), n() + 1);
   }
-  /// Equality of all bits: unlike ==, it holds for values that are not a number, and tells the zeros apart.
+  /// Whether all bits are equal. Unlike ==, this holds for NaN and distinguishes the two zeros.
   friend bool same_bits(const simplex& a, const simplex& b) {
     return std::equal(a.data_.begin(), a.data_.end(), b.data_.begin(), b.data_.end(), [](double x, double y) {
       return std::bit_cast<std::uint64_t>(x) == std::bit_cast<std::uint64_t>(y);
@@ -92,7 +91,7 @@ class simplex {
   std::conditional_t<fixed, std::array<double, (N + 1) * (N + 1)>, std::vector<double>> data_{};
 };
 
-/// A vertex outside of a simplex.
+/// A vertex of its own, outside any simplex.
 template <std::size_t N>
 auto make_vertex(std::size_t n) {
   if constexpr (simplex<N>::fixed) {
@@ -102,7 +101,7 @@ auto make_vertex(std::size_t n) {
   }
 }
 
-/// Whole through registers where the size is known, so that whoever loads it soon finds it in one store.
+/// If the size is fixed, copies through registers, so that a load soon afterwards finds the vertex in one store.
 template <std::size_t N>
 void copy_vertex(std::span<double, N> to, std::span<const double, N> from) {
   if constexpr (simplex<N>::fixed) {
@@ -128,8 +127,8 @@ void mapoverrows(simplex<N>& s, Cost& cost) {
   for (std::size_t i = 0; i <= s.n(); ++i) s.values()[i] = cost(std::as_const(s).row(i));
 }
 
-/// Sorts values and rows by descending value. Of two equally bad vertices the one that stood later comes first and so
-/// counts as the worse.
+/// Sorts values and rows by descending value. Of two equally bad vertices the later one comes first and so counts as
+/// worse.
 template <std::size_t N>
 void simplexsort(simplex<N>& s) {
   constexpr std::size_t most = simplex<N>::fixed ? N + 1 : 0;
@@ -140,9 +139,9 @@ void simplexsort(simplex<N>& s) {
   for (std::size_t i = 0; i <= s.n(); ++i) std::ranges::copy(unsorted.row(perm[i]), s.row(i).begin());
 }
 
-/// Puts the vertex `x` of cost `fx` in the place of the worst one and sorts, as `simplexsort` would. Usually all
-/// values differ, and the rows from the second worst down to the place of `x` move up as one block; ties (which every
-/// sort turns round) and values that are not a number take the general way.
+/// Replaces the worst vertex by `x` with cost `fx` and sorts as `simplexsort` would. Usually all values differ, and
+/// the rows from the second worst down to the place of `x` move up as one block. Ties (which every sort reverses) and
+/// NaN take the general way.
 template <std::size_t N>
 void replace_worst(simplex<N>& s, std::span<const double, N> x, double fx) {
   const auto v = s.values();
@@ -166,11 +165,11 @@ void replace_worst(simplex<N>& s, std::span<const double, N> x, double fx) {
   copy_vertex<N>(s.row(to), x);
 }
 
-/// The mean of all vertices but the worst: for each coordinate the sum from row 1 on, divided by n.
+/// The mean of all vertices but the worst: for each coordinate, the sum from row 1 on divided by n.
 template <std::size_t N>
 void centroid_of_all_but_worst(std::span<double, N> c, const simplex<N>& s) {
   for (std::size_t j = 0; j < s.n(); ++j) c[j] = s.row(1)[j];
-  for (std::size_t i = 2; i <= s.n(); ++i) {  // row by row, as they stand in memory
+  for (std::size_t i = 2; i <= s.n(); ++i) {  // row by row, in memory order
     for (std::size_t j = 0; j < s.n(); ++j) c[j] += s.row(i)[j];
   }
   for (double& sum : c) sum /= static_cast<double>(s.n());
@@ -191,22 +190,22 @@ void simplexshrink(simplex<N>& s) {
   }
 }
 
-/// The convergence test on sorted values: worst and best agree to the tolerance.
+/// The convergence test, on sorted values: worst and best agree to the tolerance.
 inline bool closeenough(std::span<const double> values, double tol) {
   const double worst = values.front();
   const double best = values.back();
   return worst - best <= (std::abs(worst) + std::abs(best) + 1.0) * tol * 0.5;
 }
 
-/// Notices when a search has begun to repeat itself. An iteration is a pure function of the simplex, and without a
-/// shrink some value falls in every iteration, so a search that never ends returns to a state that it had after a
-/// shrink. One state is kept, replaced after 1, 2, 4, 8, ... shrinks, so that a cycle of any length is found in time
-/// proportional to its length and its beginning (R. P. Brent, BIT 20, 1980).
+/// Notices that a search has begun to repeat itself. An iteration is a pure function of the simplex, and some value
+/// falls in every iteration without a shrink, so a search that never ends returns to a state that it had after a
+/// shrink. One state is kept and replaced after 1, 2, 4, 8, ... shrinks, so a cycle of any length is found in time
+/// proportional to its length and its start (R. P. Brent, BIT 20, 1980).
 template <std::size_t N>
 class cycle_watch {
  public:
   explicit cycle_watch(std::size_t n) : saved_(n) {}
-  /// To be asked after iteration k, which has shrunk the simplex. The length of the cycle in iterations, or 0.
+  /// Call after iteration k if it shrank the simplex. Returns the length of the cycle in iterations, or 0.
   std::int64_t period(const simplex<N>& s, std::int64_t k) {
     if (shrinks_ > 0 && same_bits(s, saved_)) return k - saved_at_;
     if (std::has_single_bit(++shrinks_)) {
@@ -222,7 +221,7 @@ class cycle_watch {
   unsigned shrinks_ = 0;
 };
 
-/// The search itself, for both kinds of dimension. Fills everything of `result` but `xmin`, and leaves the simplex
+/// The search itself, for both kinds of dimension. Fills all of `result` except `xmin`, and leaves the simplex
 /// sorted.
 template <std::size_t N, class Cost, class Vector>
 void nm_search(simplex<N>& s, Cost& cost, const nm_settings& set, nm_result<Vector>& result) {
@@ -252,7 +251,7 @@ void nm_search(simplex<N>& s, Cost& cost, const nm_settings& set, nm_result<Vect
       ray<N>(x, w, c, t);
       return counted(x);
     };
-    // The same where only a value below `limit` will be used.
+    // The same, if only a value below `limit` will be used.
     const auto try_below = [&](double limit, std::span<double, N> x, double t) {
       if constexpr (requires { cost(x, limit); }) {
         ray<N>(x, w, c, t);
@@ -266,7 +265,7 @@ void nm_search(simplex<N>& s, Cost& cost, const nm_settings& set, nm_result<Vect
     bool shrunk = false;
     const double fr = try_below(fw, r, 2.0);
     if (fr < fs && fr < fb) {
-      // The expansion is weighed against the old best, not against the reflection: a known looseness of this variant.
+      // The expansion is compared with the old best, not with the reflection: a known looseness of this variant.
       const double fe = try_below(fb, e, 3.0);
       if (fe < fb) {
         replace_worst<N>(s, e, fe);
@@ -275,8 +274,8 @@ void nm_search(simplex<N>& s, Cost& cost, const nm_settings& set, nm_result<Vect
       }
     } else if (fs > fr && fr >= fb) {
       replace_worst<N>(s, r, fr);
-    } else {  // also where the reflection is not a number
-      // Two branches rather than a choice of t: the processor goes on with the likelier one before it knows `fr`.
+    } else {  // also if the reflection is NaN
+      // Two branches instead of a choice of t: the processor starts on the likelier one before it knows `fr`.
       double fe = 0;
       if (fr < fw) [[unlikely]] {
         fe = try_at(e, 1.5);
@@ -301,12 +300,12 @@ void nm_search(simplex<N>& s, Cost& cost, const nm_settings& set, nm_result<Vect
   result.iters = k;  // maxit + 1 after the last one: the counter is advanced before it is tested
 }
 
-/// Minimises `cost`, a callable of one point (a span of n doubles) that returns a double, from `x0`. Never fails:
-/// what it reports instead is `converged`. Costs that are not a number or infinite are tolerated; every comparison
-/// with the former is false, so they end in contractions and shrinks.
+/// Minimises `cost`, a callable of one point (a span of n doubles) that returns a double, starting from `x0`. Never
+/// fails; `converged` says how it went. Costs may be infinite or NaN: every comparison with NaN is false, so it leads
+/// to contractions and shrinks.
 ///
-/// A cost that is also a callable of a point and a limit returns there its value if that is below the limit, else any
-/// number from the limit on, which it may know sooner. The result does not depend on it.
+/// `cost` may also accept a point and a limit. It then returns its value if that is below the limit, otherwise any
+/// number not below the limit, which it may know sooner. This does not change the result.
 template <std::size_t N, class Cost>
 nm_result<std::array<double, N>> neldermead(Cost&& cost, const std::array<double, N>& x0,
                                             const nm_settings& set = {}) {

@@ -9,10 +9,10 @@
 
 namespace corvantile {
 
-/// Sorts `v` in place; `perm` (empty, or as long as `v`) receives the permutation, counted from 0: the element now at
-/// i stood at perm[i]. Ascending, equal values keep their order. Descending is that order reversed, so that equal
-/// values leave in reverse order. A value that is not a number never moves, and nothing moves past it, just as in
-/// an exchange of neighbours that are out of order.
+/// Sorts `v` in place. `perm` (empty, or as long as `v`) receives the permutation, counted from 0: the element now at
+/// i was at perm[i]. In ascending order, equal values keep their order; descending order is its exact reverse, so
+/// equal values are reversed too. NaN never moves, and nothing moves past it, just as if neighbours that are out of
+/// order were swapped.
 inline void sort(std::span<double> v, bool descending = false, std::span<std::size_t> perm = {}) {
   for (std::size_t i = 0; i < perm.size(); ++i) perm[i] = i;
   const auto swap_at = [&](std::size_t i, std::size_t j) {

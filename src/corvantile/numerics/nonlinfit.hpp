@@ -1,12 +1,12 @@
 #pragma once
-// The one-parameter quadratic ramp that describes how a channel's X or Z grows with its Y.
+// The one-parameter quadratic that describes how a channel's X or Z grows with its Y.
 
 #include <span>
 
 namespace corvantile {
 
 /// How badly y = (1 - a) x + a x^2 describes the samples: the sum of squared residuals. a = 0 is the identity, a = 1
-/// the square law; any a is allowed. `x_vals` and `y_vals` have one length; without samples the cost is 0.
+/// the square law; any a is allowed. `x_vals` and `y_vals` have one length. Without samples the cost is 0.
 struct nlerr {
   std::span<const double> x_vals;
   std::span<const double> y_vals;

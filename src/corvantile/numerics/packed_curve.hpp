@@ -1,5 +1,5 @@
 #pragma once
-// Piecewise polynomials laid out for evaluation inside a search.
+// Piecewise polynomials, laid out for evaluation inside a search.
 
 #include <algorithm>
 #include <cstddef>
@@ -11,7 +11,7 @@
 
 namespace corvantile {
 
-/// A polynomial of degree 7 by Horner's rule from the highest coefficient down, c[0] being the constant term.
+/// A polynomial of degree 7 by Horner's rule, from the highest coefficient down. c[0] is the constant term.
 template <class T>
 T horner8(const T* c, T t) {
   T v = c[7];
@@ -19,8 +19,8 @@ T horner8(const T* c, T t) {
   return v;
 }
 
-/// Whether a curve can be packed: it has pieces, their knots ascend, and their degree is 7 at most.
-/// The curves of a fitted monitor are like this.
+/// Whether a curve can be packed: it has pieces, its knots ascend, and no degree is above 7. The curves of a fitted
+/// monitor qualify.
 inline bool is_packable(const ppoly& pp) {
   const auto ends_before = [](double a, double b) { return !(a < b); };
   return !pp.polys.empty() && pp.knots.size() == pp.polys.size() + 1 &&
@@ -28,12 +28,13 @@ inline bool is_packable(const ppoly& pp) {
          std::ranges::all_of(pp.polys, [](const polynomial& p) { return p.coef.size() <= 8; });
 }
 
-/// Pieces of degree 7, T being double for one curve and two_lanes for two of them. A search asks again and again for
-/// arguments in one piece, which is remembered: threads need curves of their own.
+/// Pieces of degree 7. T is double for one curve and two_lanes for two. A search asks for arguments in the same piece
+/// again and again, so the latest piece is remembered: each thread needs its own curves.
 template <class T>
 class packed_pieces {
  public:
-  /// The value at `x`. An interior knot belongs to the piece on its left; the first and the last piece go on.
+  /// The value at `x`. An interior knot belongs to the piece on its left; the first and the last piece continue
+  /// outside.
   T operator()(double x) const {
     const piece* p = latest_;
     if (!(p->begin < x && x <= p->end)) [[unlikely]] {
@@ -44,7 +45,7 @@ class packed_pieces {
     return horner8(p->coef, in_each_lane<T>(x) - p->start);
   }
 
-  packed_pieces(const packed_pieces&) = delete;  // it remembers a piece of its own
+  packed_pieces(const packed_pieces&) = delete;  // `latest_` points into its own pieces
   packed_pieces& operator=(const packed_pieces&) = delete;
   packed_pieces(packed_pieces&&) noexcept = default;  // the pieces stay where they are
   packed_pieces& operator=(packed_pieces&&) noexcept = default;
@@ -53,7 +54,7 @@ class packed_pieces {
   packed_pieces() = default;
   static constexpr double last = std::numeric_limits<double>::infinity();  // end of the last piece
   struct piece {
-    double begin;  // in x; less than any number for the first piece
+    double begin;  // in x; -infinity for the first piece
     double end;    // infinite for the last piece
     T start;
     T coef[8];
@@ -76,7 +77,7 @@ class packed_pieces {
   mutable const piece* latest_ = nullptr;
 };
 
-/// A copy of a packable curve that is evaluated without touching the heap. Gives the bits of `ppval` for every finite
+/// A copy of a packable curve that evaluates without touching the heap. Gives the bits of `ppval` for every finite
 /// argument.
 class packed_curve : public packed_pieces<double> {
  public:
@@ -90,8 +91,8 @@ class packed_curve : public packed_pieces<double> {
   }
 };
 
-/// Two such curves that are asked for the same arguments, one a lane. They need not have their knots in common: a
-/// piece ends wherever either curve has a knot, but each lane counts from the left knot of its own curve's piece.
+/// Two such curves, evaluated at the same arguments, one per lane. Their knots may differ: a piece ends wherever
+/// either curve has a knot, but each lane counts from the left knot of its own curve's piece.
 class packed_pair : public packed_pieces<two_lanes> {
  public:
   packed_pair() = default;

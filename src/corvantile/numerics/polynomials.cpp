@@ -108,7 +108,7 @@ polynomial poly_to_power(const polynomial& p, int n) {
 
 polynomial poly_arg_scale(const polynomial& p, double s) {
   polynomial q = p;
-  // Coefficient k meets s exactly k times: repeated products, which round otherwise than pow() does.
+  // Coefficient k is multiplied by s exactly k times. Repeated products round differently from pow().
   for (std::size_t i = 1; i < q.coef.size(); ++i)
     for (std::size_t k = i; k < q.coef.size(); ++k) q.coef[k] *= s;
   return q;

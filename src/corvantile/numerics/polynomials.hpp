@@ -1,8 +1,8 @@
 #pragma once
 // Real polynomials of one variable: algebra, calculus, changes of the argument.
 //
-// Polynomials handed in have at least one coefficient, except to `poly_degree`; nothing checks that. Arguments are
-// never modified, results are new values. Degrees are small here, so the plain quadratic schemes are meant.
+// REQUIRES: at least one coefficient in every argument, except in `poly_degree`; nothing checks that. Arguments are
+// never modified; results are new values. Degrees are small here, so plain quadratic schemes will do.
 
 #include <optional>
 #include <span>
@@ -11,8 +11,9 @@
 
 namespace corvantile {
 
-/// p(x) = sum of coef[k] x^k, the constant term first. Never trimmed behind the caller's back: a sum whose leading
-/// terms cancel keeps a zero leading coefficient. Zero is the one coefficient 0; no coefficients mean "never set".
+/// p(x) = sum of coef[k] x^k, the constant term first. Never trimmed behind the caller's back: if the leading terms
+/// of a sum cancel, a zero leading coefficient stays. The zero polynomial has the single coefficient 0; no
+/// coefficients means "never set".
 struct polynomial {
   std::vector<double> coef;
   friend bool operator==(const polynomial&, const polynomial&) = default;
@@ -20,7 +21,7 @@ struct polynomial {
 
 /// The polynomial with the coefficients `c`, at least one.
 inline polynomial makepoly(std::vector<double> c) { return {std::move(c)}; }
-/// The constant 1, where repeated products start.
+/// The constant 1, to start repeated products from.
 inline polynomial poly_identity() { return {{1.0}}; }
 // Sums and differences have the length of the longer operand, products len(a) + len(b) - 1.
 polynomial real_times_poly(double r, const polynomial& p);
@@ -43,7 +44,7 @@ inline polynomial operator+(double r, const polynomial& p) { return real_plus_po
 inline polynomial operator+(const polynomial& p, double r) { return poly_plus_real(p, r); }
 inline polynomial operator+(const polynomial& a, const polynomial& b) { return poly_plus_poly(a, b); }
 
-/// p(x) by Horner's rule. A constant is returned without looking at `x`, be it NaN.
+/// p(x) by Horner's rule. A constant ignores `x`, even NaN.
 inline double polyval(const polynomial& p, double x) {
   std::size_t k = p.coef.size() - 1;
   double v = p.coef[k];
@@ -58,8 +59,9 @@ polynomial polyder(const polynomial& p);
 
 /// q(x) = p(x - s).
 polynomial poly_arg_shift(const polynomial& p, double s);
-/// The least-squares polynomial of degree `n` >= 0 through the points (x[i], y[i]), equally many of each, by the
-/// pseudo-inverse: with fewer than n + 1 distinct points it is the solution of least norm. Always n + 1 coefficients.
+/// The least-squares polynomial of degree `n` >= 0 through the points (x[i], y[i]), by the pseudo-inverse. `x` and
+/// `y` have one length. With fewer than n + 1 distinct points it is the solution of least norm. Always has n + 1
+/// coefficients.
 polynomial polyfit(std::span<const double> x, std::span<const double> y, int n);
 
 // ---- Held ready: no job calls these ----
@@ -67,23 +69,23 @@ polynomial polyfit(std::span<const double> x, std::span<const double> y, int n);
 /// The monomial x^n; the constant 1 for n <= 0.
 polynomial poly_arg_power(int n);
 
-/// Number of coefficients less one; -1 when never set.
+/// Number of coefficients minus one; -1 if never set.
 inline int poly_degree(const polynomial& p) { return static_cast<int>(p.coef.size()) - 1; }
 
-/// `p` without its leading coefficients of magnitude <= tol; zero (degree 0) when none remains.
+/// `p` without its leading coefficients of magnitude <= tol; the zero polynomial if none remains.
 /// The default `tol` is 2^-52 times the largest magnitude of a coefficient.
 polynomial poly_trim(const polynomial& p, std::optional<double> tol = {});
 
 /// The integral of `p` from `a` to `b`, as the difference of the antiderivative's values.
 double polydefint(const polynomial& p, double a, double b);
 
-/// p(x)^n, multiplied up one factor at a time; the constant 1 for n <= 0.
+/// p(x)^n, multiplied one factor at a time; the constant 1 for n <= 0.
 polynomial poly_to_power(const polynomial& p, int n);
 
 /// q(x) = p(s x).
 polynomial poly_arg_scale(const polynomial& p, double s);
 
-/// p(q(x)), of length degree(p) degree(q) + 1.
+/// p(q(x)), with degree(p) degree(q) + 1 coefficients.
 polynomial poly_compose(const polynomial& p, const polynomial& q);
 
 }  // namespace corvantile

@@ -30,21 +30,21 @@ ppoly on_common_pieces(const ppoly& a, const ppoly& b, Op op) {
       r.polys.push_back(op(am.polys[j], bm.polys[std::min(j, bm.polys.size() - 1)]));
     return r;
   };
-  // Equal knots are each within the tolerance of themselves: merging would only copy.
+  // Equal knots need no merging: it would only copy.
   if (a.knots == b.knots) return combine(a, b);
   ppoly am, bm;
   merge_knots(a, b, am, bm);
   return combine(am, bm);
 }
 
-/// Solves for each of y[i] into x[i].
+/// Solves f(x[i]) = y[i] for each i.
 void solve_each(const ppoly& pp, std::span<const double> y, double a, double b, double tol, std::span<double> x) {
   if (y.empty()) return;
   const bisection start([&pp](double at) { return ppval(pp, at); }, a, b);
   const auto below = [&](double target) { return [&pp, target](double mid) { return ppval(pp, mid) < target; }; };
 
-  // The first target decides how many steps all of them take: rounding makes the other brackets up to an ulp wider
-  // or narrower than its own.
+  // The first target decides how many steps all take. Rounding makes the other brackets up to an ulp wider or
+  // narrower than its own.
   bisection first = start;
   std::size_t steps = 0;
   for (bool moves = true; moves && first.wider_than(tol); ++steps) moves = first.step(below(y[0]));
@@ -91,8 +91,8 @@ double ppval(const ppoly& pp, double x) {
   const std::size_t pieces = pp.polys.size();
   if (pieces == 0) return std::numeric_limits<double>::quiet_NaN();
   const double* const k = pp.knots.data();
-  // The last piece serves all that lies right of its left knot, so its right knot need not be looked at. A NaN ends
-  // there too. Few knots: a scan beats a bisection.
+  // Everything right of the last piece's left knot belongs to that piece, so its right knot is never looked at. NaN
+  // ends there too. Knots are few: a scan beats a bisection.
   std::size_t j = 0;
   while (j + 1 < pieces && !(k[j + 1] >= x)) ++j;
   return polyval(pp.polys[j], x - k[j]);

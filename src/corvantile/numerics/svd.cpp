@@ -17,8 +17,7 @@ matrix transpose(const matrix& a) {
   return t;
 }
 
-/// True when `v` vanishes beside `scale` in the working precision. Holds where sums are
-/// rounded to double (SSE2, AArch64).
+/// Whether `v` vanishes beside `scale` in working precision. Needs sums that are rounded to double (SSE2, AArch64).
 bool negligible(double v, double scale) { return scale + std::abs(v) == scale; }
 
 /// Turns columns p and q of `m` by the angle with cosine c and sine s.
@@ -31,8 +30,8 @@ void rotate(matrix& m, std::size_t p, std::size_t q, double c, double s) {
   }
 }
 
-/// Householder reduction of `u` to bidiagonal form: diagonal `w`, superdiagonal `rv1` (element 0 unused and zero).
-/// The reflections stay in `u`. Returns the size of the matrix that negligible elements are compared with.
+/// Householder reduction of `u` to bidiagonal form: diagonal `w`, superdiagonal `rv1` (element 0 is unused and zero).
+/// The reflections stay in `u`. Returns the largest |w_i| + |rv1_i|; elements negligible beside it count as zero.
 double bidiagonalise(matrix& u, std::span<double> w, std::span<double> rv1) {
   const std::size_t m = u.rows();
   const std::size_t n = u.cols();
@@ -85,12 +84,12 @@ double bidiagonalise(matrix& u, std::span<double> w, std::span<double> rv1) {
         for (std::size_t k = l; k < n; ++k) u(i, k) *= scale;
       }
     }
-    size = std::max(size, std::abs(w[i]) + std::abs(rv1[i]));  // passes over NaNs
+    size = std::max(size, std::abs(w[i]) + std::abs(rv1[i]));  // skips NaN
   }
   return size;
 }
 
-/// Accumulates the right-hand reflections left in `u` into `v`.
+/// Accumulates into `v` the right-hand reflections left in `u`.
 void accumulate_right(const matrix& u, std::span<const double> rv1, matrix& v) {
   const std::size_t n = u.cols();
   for (std::size_t i = n; i-- > 0;) {
@@ -111,7 +110,7 @@ void accumulate_right(const matrix& u, std::span<const double> rv1, matrix& v) {
   }
 }
 
-/// Accumulates the left-hand reflections left in `u` in their place.
+/// Accumulates the left-hand reflections left in `u`, in their place.
 void accumulate_left(matrix& u, std::span<const double> w) {
   const std::size_t m = u.rows();
   const std::size_t n = u.cols();
@@ -140,7 +139,7 @@ void accumulate_left(matrix& u, std::span<const double> w) {
 }  // namespace
 
 double pythag(double a, double b) {
-  // With a NaN, or with two infinities, r below would be NaN and the published loop would never end.
+  // With NaN or two infinities, r below would be NaN and the published loop would never end.
   if (!std::isfinite(a) || !std::isfinite(b)) return std::abs(a) + std::abs(b);
   double p = std::max(std::abs(a), std::abs(b));
   if (p == 0.0) return p;
@@ -164,7 +163,8 @@ int oldsvd(matrix& u, std::span<double> w, matrix& v, bool matu, bool matv) {
 
   for (std::size_t k = n; k-- > 0;) {  // QR on the bidiagonal form, one singular value after the other
     for (int its = 0;; ++its) {
-      // The block from l to k has no negligible superdiagonal element. rv1[0] is zero, so the search ends at 0.
+      // The block from l to k has no negligible superdiagonal element. rv1[0] is zero, so the search ends at 0 at the
+      // latest.
       std::size_t l = k;
       while (l > 0 && !negligible(rv1[l], size) && !negligible(w[l - 1], size)) --l;
 
@@ -194,7 +194,7 @@ int oldsvd(matrix& u, std::span<double> w, matrix& v, bool matu, bool matv) {
       }
       if (its == 30) return static_cast<int>(k) + 1;
 
-      // Shift from the bottom 2 x 2 minor.
+      // The shift comes from the bottom 2 x 2 minor.
       double x = w[l];
       double y = w[k - 1];
       double g = rv1[k - 1];

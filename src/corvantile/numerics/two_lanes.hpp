@@ -1,11 +1,11 @@
 #pragma once
-// Two numbers computed with side by side.
+// Arithmetic on two numbers side by side.
 
 namespace corvantile {
 
-/// A pair of numbers that +, - and * act on lane by lane: each lane has the bits that plain arithmetic gives. Of two
-/// independent sums of one shape this makes one, in half the instructions, as every x86-64 and AArch64 can without
-/// being asked to. `v[0]` and `v[1]` are the lanes.
+/// A pair of numbers. +, - and * act lane by lane, and each lane has the bits of plain arithmetic. This computes two
+/// independent sums of the same shape as one, in half the instructions; every x86-64 and AArch64 can do it without
+/// special flags. `v[0]` and `v[1]` are the lanes.
 #if defined(__GNUC__)  // GCC and clang
 using two_lanes [[gnu::vector_size(16)]] = double;
 #else
