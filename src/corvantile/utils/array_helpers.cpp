@@ -28,7 +28,7 @@ std::vector<int> find_mat(const int_matrix& mask) {
 
 int risingedgetrigger(std::span<const double> v, double level, int nconsec) {
   const auto k = static_cast<std::size_t>(std::max(nconsec, 1));
-  std::size_t start = v.size();  // of the run under way; v.size() when there is none
+  std::size_t start = v.size();  // of the current run; v.size() if there is none
   for (std::size_t i = 0; i < v.size(); ++i) {
     if (v[i] <= level) start = v.size();
     if (v[i] > level && start == v.size()) start = i;

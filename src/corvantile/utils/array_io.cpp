@@ -13,7 +13,7 @@
 namespace corvantile {
 namespace {
 
-// Largest and smallest entry; not-a-number ones are skipped unless there is nothing else.
+// Largest and smallest entry. NaN is skipped unless there is nothing else.
 template <class T>
 struct extremes {
   T largest;
@@ -26,7 +26,7 @@ struct extremes {
   }
 };
 
-// Both printers. `put(out, v, width)` appends one entry; width 0 asks for the fewest characters.
+// Both printers. `put(out, v, width)` appends one entry; width 0 means the fewest characters.
 template <class T, class Put>
 std::string print(const dense<T>& a, const std::optional<std::string_view>& title, const Put& put) {
   std::string out;
@@ -81,7 +81,7 @@ void prtmat_int(std::ostream& unit, const int_matrix& a, std::optional<std::stri
 }
 
 void ppdump(std::ostream& unit, const ppoly& pp, std::optional<std::string_view> title) {
-  // Counts stand in 12 columns, values in 26, so that a listing reads in columns.
+  // Counts take 12 columns and values 26, so that a listing lines up.
   const auto count = [](std::size_t n) { return integer_field(static_cast<std::int64_t>(n), 12); };
   const auto value = [](double v) {
     std::string s = free_format(v);
@@ -110,7 +110,7 @@ bool loadarray(const std::string& filename, std::vector<double>& v) {
   const auto text = read_file(filename);
   if (!text) return false;
 
-  // Lines are counted first and all numbers read in one go afterwards: a line with two numbers counts once.
+  // Counts the lines first, then reads all numbers in one go: a line with two numbers counts once.
   std::size_t n = 0;
   double x = 0;
   for (number_scanner lines(*text); lines.next(x) == result::number; lines.next_line()) ++n;

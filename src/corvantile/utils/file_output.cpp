@@ -31,7 +31,7 @@ void require(const std::string& path, int error) {
   if (error != 0) cannot_write(path, std::generic_category().message(error));
 }
 
-// Tries until `attempt` succeeds or patience ends.
+// Retries until `attempt` succeeds or patience ends.
 template <class F>
 bool comes_true(F attempt) {
   const auto end = std::chrono::steady_clock::now() + patience;
@@ -42,7 +42,7 @@ bool comes_true(F attempt) {
   return true;
 }
 
-// Where a write to `path` ends up: the end of its chain of links.
+// The file that a write to `path` reaches: the end of its chain of links.
 std::string behind_links(std::string path) {
   std::error_code none;
   for (int links = 0; links < 40 && fs::is_symlink(fs::symlink_status(path, none)); ++links) {
@@ -52,10 +52,10 @@ std::string behind_links(std::string path) {
   return path;
 }
 
-// A file to be written, what stands there, and how it is to be replaced.
+// A file to be written, what is there now, and how to replace it.
 struct destination {
   explicit destination(const text_file& f) : file(f), exists(::stat(f.path.c_str(), &old) == 0) {
-    if (!exists && errno != ENOENT) require(file.path, errno);  // links in a circle, for one
+    if (!exists && errno != ENOENT) require(file.path, errno);  // links in a circle, for example
     if (exists && S_ISDIR(old.st_mode)) require(file.path, EISDIR);
     if (exists && ::access(file.path.c_str(), W_OK) != 0) require(file.path, errno);
     is_stream = exists && !S_ISREG(old.st_mode);
@@ -84,7 +84,7 @@ struct destination {
   temporary_file temporary;
 
  private:
-  // Opening waits for nothing, neither for a reader of a pipe nor for a line's carrier; writing does.
+  // Opening never waits, neither for the reader of a pipe nor for the carrier of a line; writing does.
   int open_stream() const {
     int fd = -1;
     const bool opened = comes_true([&] {
@@ -97,8 +97,8 @@ struct destination {
   }
 };
 
-// Locks that end with their descriptors, each with a file of its directory. In the order of device and inode: whoever
-// waits for one holds none that comes later, so that nobody waits in a circle.
+// Locks, each released with its descriptor and kept with one file of its directory. They are taken in the order of
+// device and inode, so that programs cannot wait for each other in a circle.
 using directory_locks = std::map<std::pair<dev_t, ino_t>, std::pair<descriptor, const destination*>>;
 
 directory_locks lock_directories(const std::deque<destination>& all) {
@@ -108,12 +108,12 @@ directory_locks lock_directories(const std::deque<destination>& all) {
     const std::string name = (fs::path(d.target).parent_path() / ".").string();
     descriptor directory(::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     struct stat about {};
-    if (directory.get() < 0 || ::fstat(directory.get(), &about) != 0) continue;  // it may not be read, for example
+    if (directory.get() < 0 || ::fstat(directory.get(), &about) != 0) continue;  // for example, it may not be read
     locks.try_emplace({about.st_dev, about.st_ino}, std::move(directory), &d);
   }
   for (const auto& [key, lock] : locks) {
     const int directory = lock.first.get();
-    // Any other error says that there are no such locks here.
+    // Any other error means that there are no such locks here.
     const auto taken = [&] {
       return ::flock(directory, LOCK_EX | LOCK_NB) == 0 || (errno != EWOULDBLOCK && errno != EINTR);
     };

@@ -21,13 +21,14 @@ constexpr std::array<std::uint64_t, most_digits + 1> list_powers_of_ten() {
 }
 constexpr auto powers_of_ten = list_powers_of_ten();
 
-// A number in units of its last decimal, if 64 bits hold it.
+// A number in units of its last decimal, if it fits in 64 bits.
 struct rounded {
   bool fits = false;
   std::uint64_t units = 0;
 };
 
-// |v| is m 2^-shift with m below 2^53, and 10^18 is below 2^60, so that m times the unit never leaves 128 bits.
+// The magnitude of v is m 2^-shift with m below 2^53, and 10^18 is below 2^60, so m times the units of one fits in
+// 128 bits.
 rounded round_to_units(double v, std::uint64_t units_of_one) {
   const auto bits = std::bit_cast<std::uint64_t>(v);
   const auto exponent = static_cast<int>(bits >> 52 & 0x7ff);

@@ -34,7 +34,7 @@ lut makelut_nostat(std::span<const double> x, std::span<const double> y) {
   return t;
 }
 
-// The plain form: a scan from the low end.
+// The readable form: scans from the low end.
 double interp(const lut& t, double xq) {
   const std::size_t n = t.x.size();
   if (n < 2) return std::numeric_limits<double>::quiet_NaN();
@@ -42,7 +42,7 @@ double interp(const lut& t, double xq) {
   const std::vector<double>& y = t.y;
   if (!(x[0] >= xq) && xq > x[n - 1])
     return (xq - x[n - 2]) * (y[n - 1] - y[n - 2]) / (x[n - 1] - x[n - 2]) + y[n - 2];
-  std::size_t i = 1;  // also where the first point is not passed
+  std::size_t i = 1;  // also if xq does not pass the first point
   if (!(x[0] >= xq)) {
     while (i < n - 1 && !(x[i] >= xq)) ++i;
   }
@@ -56,7 +56,8 @@ interpolator::interpolator(const lut& t) : x_(t.x.data()), y_(t.y.data()), n_(t.
   how_ = search::by_bisection;
   const double step = (x_[n_ - 1] - x_[0]) / static_cast<double>(n_ - 1);
   for (std::size_t i = 0; i < n_; ++i) {
-    // With points within a quarter of a step of their places, the segment found by index is right or next to right.
+    // If every point is within a quarter of a step of its place, the segment found by index is the right one or its
+    // neighbour.
     if (!(std::abs(x_[0] + static_cast<double>(i) * step - x_[i]) < 0.25 * step)) return;
   }
   per_step_ = 1.0 / step;

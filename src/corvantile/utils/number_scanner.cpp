@@ -6,7 +6,7 @@
 namespace corvantile {
 namespace {
 
-// A separator ends a number; all but the comma and the slash also count as blank.
+// A separator ends a number. All but the comma and the slash also count as blanks.
 constexpr bool is_separator(char c) { return is_white_space(c) || c == ',' || c == '/'; }
 constexpr auto separators = []() {
   std::array<bool, 256> t{};

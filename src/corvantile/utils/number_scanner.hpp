@@ -1,5 +1,5 @@
 #pragma once
-// Numbers out of text in free format.
+// Reads numbers from text in free format.
 
 #include <cstddef>
 #include <cstdint>
@@ -12,30 +12,31 @@
 namespace corvantile {
 
 /// Reads numbers from text in free format: separated by blanks, tabs, line ends or one comma, with repeat counts
-/// (`3*0.5`), up to the end of the text or a slash. A value left out (two commas in a row, `3*`) is bad: whoever
-/// reads measurements needs each of them. Not-a-number and infinity are numbers here; the caller judges them. The
-/// text must outlive the scanner. Nothing is allocated.
+/// (`3*0.5`), up to the end of the text or a slash. An omitted value (two commas in a row, `3*`) is bad, because
+/// readers of measurements need every value. NaN and infinity count as numbers; the caller judges them. The text must
+/// outlive the scanner. Allocates nothing.
 class number_scanner {
  public:
   enum class result { number, end, bad };
 
-  /// `first_line` is the number of the text's first line, for a scanner over a part of a file.
+  /// `first_line` is the line number of the text's first line, for a scanner over part of a file.
   explicit number_scanner(std::string_view text, std::size_t first_line = 1)
       : text_(without_byte_order_mark(text)), line_(first_line), item_line_(first_line) {}
 
-  /// The next number into `v`, which stays as it is when the result is another.
+  /// Reads the next number into `v`. If the result is not `number`, `v` stays as it is.
   result next(double& v);
-  /// The next number, which must be written as an integer.
+  /// The same for a number that must be written as an integer.
   result next(std::int64_t& v);
 
-  /// The rest of the current line, without its end; nothing at the end of the text. Numbers start afresh after it.
+  /// The rest of the current line, without its end; std::nullopt at the end of the text. After it, numbers start
+  /// afresh.
   std::optional<std::string_view> next_line();
 
-  /// Line of what `next` found last, or of the end of the text.
+  /// The line of what `next` found last, or of the end of the text.
   std::size_t line() const { return item_line_; }
 
-  /// For a bad item: "line 7: expected a number, found 'abc'". At the end: "line 9: expected a number, found the
-  /// end".
+  /// Describes a bad item: "line 7: expected a number, found 'abc'", or the end: "line 9: expected a number, found
+  /// the end".
   std::string problem(std::string_view expected = "a number") const;
 
  private:
@@ -46,12 +47,12 @@ class number_scanner {
 
   std::string_view text_;
   std::size_t pos_ = 0;
-  std::size_t line_;         // of pos_
-  bool after_item_ = false;  // one comma may still belong to the last item
+  std::size_t line_;         // at pos_
+  bool after_item_ = false;  // one comma may still follow the last item
   std::string_view item_;    // as written, for messages
   std::string_view value_;   // the item without its repeat count
   std::size_t item_line_;
-  std::uint64_t repeats_ = 0;  // how often value_ is still to be given
+  std::uint64_t repeats_ = 0;  // how many times value_ is still due
 };
 
 }  // namespace corvantile

@@ -23,9 +23,8 @@ sigset_t set_of_ending_signals() {
   return set;
 }
 
-// Names of the files that are to go when a signal ends the program. Whoever holds `busy` may look at them and change
-// them. A thread holds it with the signals blocked, so that a handler can never wait for the thread that it
-// interrupts.
+// Files to remove if a signal ends the program. Only the holder of `busy` may read or change the list. A thread holds
+// it with the signals blocked, so a handler never waits for the thread that it interrupts.
 std::atomic_flag busy;
 std::array<const char*, 64> listed_names{};
 
@@ -98,9 +97,9 @@ temporary_file::~temporary_file() {
 int temporary_file::make(const std::string& target, std::string_view text, const struct stat* old) {
   target_ = target;
   replaces_ = old != nullptr;
-  // Somebody else's file in a sticky directory may get a second name but not lose it again.
+  // In a sticky directory, another user's file can be given a second name but that name cannot be removed again.
   replaces_own_ = replaces_ && (old->st_uid == ::geteuid() || ::geteuid() == 0);
-  // While it is being written nobody else may look into a file that is to be private.
+  // While a private file is being written, nobody else may read it.
   descriptor file(create(replaces_ ? 0600 : 0666));
   if (file.get() < 0) return errno;
   const int unwritten = file.write(text);
@@ -109,7 +108,7 @@ int temporary_file::make(const std::string& target, std::string_view text, const
   return file.close();
 }
 
-// The descriptor, or -1 and errno.
+// Returns the descriptor, or -1 with errno set.
 int temporary_file::create(mode_t mode) {
   const std::filesystem::path path(target_);
   const std::string start = path.filename().string().substr(0, 200) + '.' + std::to_string(::getpid()) + '-';
@@ -140,7 +139,7 @@ int temporary_file::put_in_place(bool undoable) {
 void temporary_file::take_back() {
   if (stage_ == stage::in_place && !replaces_) ::unlink(target_.c_str());
   if (stage_ == stage::in_place && kept_old_) {
-    ::rename(old_name_.c_str(), target_.c_str());  // should even this fail, what was there keeps its second name
+    ::rename(old_name_.c_str(), target_.c_str());  // if this fails too, the old file keeps its second name
     kept_old_ = false;
   }
   remove_old();
@@ -158,7 +157,7 @@ undisturbed::undisturbed() {
 }
 
 undisturbed::~undisturbed() {
-  const int error = errno;  // that of the steps it guarded
+  const int error = errno;  // of the guarded steps
   busy.clear(std::memory_order_release);
   ::pthread_sigmask(SIG_SETMASK, &before_, nullptr);
   errno = error;

@@ -1,5 +1,5 @@
 #pragma once
-// Files under a temporary name until they take their place, and what removes them when the program is ended.
+// Files with a temporary name until they are put in place, and their removal if a signal ends the program.
 
 #include <csignal>
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace corvantile {
 
-/// An open file, closed when its owner goes.
+/// An open file, closed by the destructor.
 class descriptor {
  public:
   explicit descriptor(int fd) : fd_(fd) {}
@@ -18,17 +18,17 @@ class descriptor {
   ~descriptor() { close(); }
   int get() const { return fd_; }
 
-  /// Writes all of `text`, or as much as goes. 0 or the errno of what kept it from going on.
+  /// Writes all of `text`, or as much as it can. Returns 0, or the errno that stopped it.
   int write(std::string_view text) const;
-  /// 0 or its errno, which may tell that what was written found no room after all.
+  /// Returns 0, or an errno: even now the system may report that there was no room for the text.
   int close();
 
  private:
   int fd_;
 };
 
-/// A file beside its target, with a name of its own that ends in `.tmp`, removed by the destructor unless it was put
-/// in place. Each step returns 0 or the errno of what failed.
+/// A file beside its target, with a name of its own that ends in `.tmp`. The destructor removes it unless it was put
+/// in place. Each step returns 0, or the errno of what failed.
 class temporary_file {
  public:
   temporary_file() = default;
@@ -36,18 +36,17 @@ class temporary_file {
   temporary_file& operator=(const temporary_file&) = delete;
   ~temporary_file();
 
-  /// Makes the file beside `target`. `old` is what stands there now, null where nothing does: the file takes over
-  /// its owner, group and mode where the process may set them. Where it may not, the mode loses what would open
-  /// the file wider than it was: the set-id bits and, with another group, what group and others do not have both.
+  /// Makes the file beside `target`. `old` describes the file that is there now, null if there is none. The new file
+  /// takes over its owner, group and mode if the process may set them. If not, the mode loses what would open the
+  /// file wider than before: the set-id bits and, if the group differs, whatever group and others do not both have.
   int make(const std::string& target, std::string_view text, const struct stat* old);
   bool made() const { return stage_ != stage::none; }
 
-  /// Gives the file, if it was made, its target's name. `undoable` keeps what stood there under a second name, if
-  /// it is the user's own and the file system can, until `remove_old`. To be called while `undisturbed`, as the two
-  /// below.
+  /// Gives the file its target's name, if the file was made. `undoable` keeps the old file under a second name until
+  /// `remove_old`, if it belongs to the user and the file system can. Call this and the next two while `undisturbed`.
   int put_in_place(bool undoable);
-  void take_back();   ///< the old file returns, if it was kept; where there was none there is none again
-  void remove_old();  ///< no way back after this
+  void take_back();   ///< restores the old file if it was kept; if there was none, removes the new one
+  void remove_old();  ///< cannot be undone after this
 
  private:
   enum class stage { none, beside, in_place };
@@ -60,8 +59,8 @@ class temporary_file {
   bool kept_old_ = false;  // under `old_name_`
 };
 
-/// While one lives, the signals below wait, and no other thread makes, renames or removes a temporary file. Not to be
-/// nested, and not to be held over anything that can take long.
+/// While one exists, the signals below wait, and no other thread makes, renames or removes a temporary file. Do not
+/// nest it or hold it over anything that can take long.
 class undisturbed {
  public:
   undisturbed();
@@ -73,8 +72,8 @@ class undisturbed {
   sigset_t before_;
 };
 
-/// From now on SIGINT, SIGTERM and SIGHUP, those that are not ignored, remove the temporary files before they end
-/// the process, whose status still tells the signal. At most 64 files at a time; further ones would stay.
+/// From now on SIGINT, SIGTERM and SIGHUP (unless ignored) remove the temporary files before they end the process;
+/// its status still tells the signal. Covers 64 files at a time; any more would stay.
 void remove_temporaries_on_signals();
 
 }  // namespace corvantile

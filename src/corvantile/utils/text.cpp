@@ -29,8 +29,8 @@ void append_not_finite(std::string& out, double v, std::size_t width) {
   append_right(out, width >= longer.size() ? longer : shorter, width);
 }
 
-// Infinity or zero, with its sign, for a decimal number that is too large or too small for a double: decided by the
-// decimal place of its first non-zero digit.
+// Infinity or zero, with its sign, for a decimal number too large or too small for a double. The decimal place of its
+// first non-zero digit decides.
 double beyond_range(std::string_view s) {
   const bool negative = s.starts_with('-');
   const std::size_t e = s.find_first_of("eE");
@@ -59,7 +59,7 @@ void append_fixed(std::string& out, double v, std::size_t width, int digits) {
   if (digits == 0) *end++ = '.';
   const std::size_t sign = *begin == '-' ? 1 : 0;
   if (digits > 0 && static_cast<std::size_t>(end - begin) > width && begin[sign] == '0') {
-    begin[sign] = '-';  // the zero goes, a sign moves next to the point
+    begin[sign] = '-';  // drops the zero; a sign moves next to the point
     ++begin;
   }
   append_right(out, {begin, end}, width);
@@ -77,7 +77,7 @@ std::string general_field(double v, std::size_t width, int digits) {
     append_not_finite(s, v, width);
     return s;
   }
-  // d.ddde+xx gives the digits, and the decimal exponent as it is after rounding.
+  // d.ddde+xx gives the digits, and the decimal exponent after rounding.
   std::array<char, 64> buf;
   const char* end =
       std::to_chars(buf.data(), buf.data() + buf.size(), std::abs(v), std::chars_format::scientific, digits - 1).ptr;
@@ -143,7 +143,8 @@ std::optional<double> parse_real(std::string_view s) {
   if (error == std::errc::invalid_argument) return std::nullopt;
   if (stop == s.data() + s.size()) return error == std::errc{} ? v : beyond_range(s);
 
-  // Exponents with another letter than e, or with none: spelled anew. The stack has room for any usual number.
+  // Exponents with a letter other than e, or with none: respell the number with e. Any usual number fits on the
+  // stack.
   constexpr std::string_view letters = "dDqQ";
   const auto mantissa = static_cast<std::size_t>(stop - s.data());
   const bool letter = letters.find(*stop) != std::string_view::npos;

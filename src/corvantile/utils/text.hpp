@@ -1,8 +1,8 @@
 #pragma once
 // Numbers to text and back, and padded text.
 //
-// Number layouts are named by their Fortran-style edit descriptors: fw.d fixed point, gw.d fixed or exponent form,
-// iw integer, each right-aligned in w characters. A value that does not fit fills its field with `*`.
+// Number layouts have the names of Fortran's edit descriptors: fw.d fixed point, gw.d fixed or exponent form, iw
+// integer, each right-aligned in w characters. A value that does not fit fills its field with `*`.
 
 #include <array>
 #include <charconv>
@@ -15,49 +15,49 @@
 namespace corvantile {
 
 /// fw.d: `v` with `digits` decimals, rounded from the exact value, right-aligned in `width` (0: the fewest
-/// characters). The zero before the point gives way when the field has no room for it: `.5000000`, `-.0200000`.
-/// Not finite: `NaN`, `Inf` or `-Inf`, written out as `Infinity` where a field has room.
+/// characters). If the field has no room for the zero before the point, the zero goes: `.5000000`, `-.0200000`. Not
+/// finite: `NaN`, `Inf` or `-Inf`; `Infinity` if the field has room.
 std::string fixed_field(double v, std::size_t width, int digits);
 
-/// The same, appended to `out` without a string of its own.
+/// Appends the same to `out`, without a temporary string.
 void append_fixed(std::string& out, double v, std::size_t width, int digits);
 
-/// gw.d: `digits` significant digits in a field of `width` characters. From 0.1 to below 10^digits, and for 0, fixed
-/// point followed by four blanks; else `0.1234E-05`, with the zero before the point only where there is room.
-/// `width` is at least 5 and `digits` at least 1.
+/// gw.d: `digits` significant digits in a field of `width` characters. Zero, and magnitudes from 0.1 to below
+/// 10^digits, are in fixed point followed by four blanks. Others read `0.1234E-05`, with the zero before the point
+/// only if there is room. `width` is at least 5 and `digits` at least 1.
 std::string general_field(double v, std::size_t width, int digits);
 
 /// iw: an integer right-aligned in `width` (0: the fewest characters).
 std::string integer_field(std::int64_t v, std::size_t width = 0);
 void append_integer(std::string& out, std::int64_t v, std::size_t width = 0);
 
-/// Free format: one blank, then the shortest digits that read back as the same double. Several of them make a line.
+/// Free format: one blank, then the shortest digits that read back as the same double. Several in a row make a line.
 std::string free_format(double v);
 
-/// What separates words, line ends among them.
+/// Whether `c` is a blank, a tab or part of a line end.
 constexpr bool is_white_space(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
-/// Characters that the name of a file, or of a monitor called after it, keeps.
+/// How many characters are kept of a file's name, and of the name that a monitor takes from it.
 inline constexpr std::size_t longest_name = 256;
 
-/// The first `length` bytes: what a text of that fixed length keeps of a longer one.
+/// The first `length` bytes, as a text of that fixed length would keep them.
 std::string_view cut(std::string_view s, std::size_t length);
 
-/// Without trailing blanks.
+/// `s` without trailing blanks.
 std::string_view trim(std::string_view s);
 
 /// `s` in single quotes for a message: cut to 40 characters, control characters shown as `?`.
 std::string in_quotes(std::string_view s);
 
-/// The real number that all of `s` spells: decimal digits with an optional sign, point and
-/// exponent (`1e-3`, `1.0d-3`, `1.5+3`), or inf, infinity, nan in any case. Beyond the range of
-/// a double: infinity or zero. Else nothing.
+/// The real number that `s` as a whole spells: decimal digits with an optional sign, point and exponent (`1e-3`,
+/// `1.0d-3`, `1.5+3`), or inf, infinity, nan in any case. Beyond the range of a double the result is infinity or
+/// zero. Otherwise std::nullopt.
 std::optional<double> parse_real(std::string_view s);
 
-/// The integer that all of `s` spells. Nothing when it is none or has no place in 64 bits.
+/// The integer that `s` as a whole spells; std::nullopt if it is not an integer or does not fit in 64 bits.
 std::optional<std::int64_t> parse_integer(std::string_view s);
 
-/// Without the UTF-8 byte order mark that some editors put before the first character of a file.
+/// `text` without the UTF-8 byte order mark that some editors put at the start of a file.
 std::string_view without_byte_order_mark(std::string_view text);
 
 /// `s` for a message, with control characters spelled out: a line end as `\n`, others as `\x1b`.
