@@ -8,7 +8,7 @@
 namespace corvantile {
 namespace {
 
-// Maps each channel through a table of its own.
+// Maps each channel through its own table.
 class three_tables {
  public:
   explicit three_tables(std::array<lut, 3> tables) : tables_(std::move(tables)) {}

@@ -1,6 +1,6 @@
 #pragma once
-// A front end and a monitor made ready for being asked many times, as the searches ask them. Same bits as the
-// routines of monitor.hpp, without their scans, and without touching the heap once made.
+// A front end and a monitor, prepared for the many evaluations of a search. Same bits as the routines of monitor.hpp,
+// but without their scans, and without touching the heap once constructed.
 
 #include <array>
 #include <optional>
@@ -11,9 +11,9 @@
 
 namespace corvantile {
 
-inline constexpr double inverse_tolerance = 1e-12;  ///< of the inputs that `mon2inp` finds, full drive being 1
+inline constexpr double inverse_tolerance = 1e-12;  ///< of the inputs that `mon2inp` finds; full drive is 1
 
-/// `femap` of one front end, which must outlive it.
+/// `femap` of one front end, which must outlive this.
 class prepared_front_end {
  public:
   explicit prepared_front_end(const front_end& fe)
@@ -32,8 +32,8 @@ class prepared_front_end {
   mat3 matrix_;
 };
 
-/// The model of one monitor, which must outlive it. What an evaluation learns helps the next one, so that threads
-/// need models of their own.
+/// The model of one monitor, which must outlive this. Each evaluation leaves hints for the next, so each thread needs
+/// its own model.
 class prepared_monitor {
  public:
   explicit prepared_monitor(const monitor& mon) : source_(&mon) {
@@ -59,8 +59,9 @@ class prepared_monitor {
     return colour({{tone_[0](r), tone_[1](g), tone_[2](b)}});
   }
 
-  /// The squared distance from that colour to `xyz` where it is below `limit`, else some number from `limit` on. The
-  /// luminance alone often tells: its square is never more than the sum of all three, however that is rounded.
+  /// The squared distance from that colour to `xyz` if it is below `limit`, otherwise some number not below `limit`.
+  /// Luminance alone often decides: its squared difference never exceeds the sum of all three, however that is
+  /// rounded.
   double inp2out_dist2(double r, double g, double b, const vec3& xyz, double limit) const {
     if (!plain_) [[unlikely]]
       return dist2(inp2out_in_general(r, g, b), xyz);
@@ -94,7 +95,7 @@ class prepared_monitor {
   }
   vec3 colour(const vec3& m) const { return colour(m, luminance(m)); }
 
-  // Out of line, so that the usual way stays short.
+  // Out of line, to keep the usual path short.
   [[gnu::noinline]] vec3 inp2out_in_general(double r, double g, double b) const {
     const vec3 inp{{r, g, b}};
     if (!packed_) return inp2out_vec(*source_, inp);
@@ -103,7 +104,7 @@ class prepared_monitor {
   }
 
   const monitor* source_;
-  bool packed_ = true;  // or else some curve is none that a fit makes, and the plain routines are asked
+  bool packed_ = true;  // if not, some curve is unlike those of a fit, and the plain routines serve
   bool plain_ = false;  // packed, and without a front end
   std::array<packed_curve, 3> tone_;
   std::array<packed_pair, 3> xz_;  // the X and Z curves of each channel

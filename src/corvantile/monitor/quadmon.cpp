@@ -25,7 +25,7 @@ namespace {
 // The samples of one channel's ramp, zero drive first.
 struct channel_ramp {
   const measurements& from;
-  std::size_t last;  // row of the zero-drive sample; the ramp stands above it
+  std::size_t last;  // row of the zero-drive sample; the ramp is above it
 
   double drive(std::size_t i, std::size_t c) const { return from.data(last - i, c); }
   double colour(std::size_t i, std::size_t k) const { return from.data(last - i, 3 + k); }
@@ -39,7 +39,7 @@ channel_ramp ramp_of_channel(const measurements& samples, std::size_t c) {
 void require_finite(const measurements& samples) {
   const auto in_ramps = ramp_count(samples.version) * static_cast<std::size_t>(samples.nramp);
   for (std::size_t row = 0; row < samples.data.rows(); ++row) {
-    const std::size_t columns = row < in_ramps ? 6 : 3;  // of the extra samples only the drive values are used
+    const std::size_t columns = row < in_ramps ? 6 : 3;  // only the drive values of extra samples are used
     for (std::size_t c = 0; c < columns; ++c) {
       if (std::isfinite(samples.data(row, c))) continue;
       static constexpr std::array names{"R", "G", "B", "X", "Y", "Z"};
@@ -55,11 +55,11 @@ bool is_finite(const ppoly& pp) {
   });
 }
 
-// Three primaries of which one is a mixture of the other two span no gamut, and their matrix has no inverse.
+// If one primary is a mixture of the other two, they span no gamut and their matrix has no inverse.
 void require_gamut(const monitor& mon) {
   const auto& [r, g, b] = mon.RGB2XYZ.col;
   const double edges = std::sqrt(dist2(r, {}) * dist2(g, {}) * dist2(b, {}));
-  constexpr double flat = 1e-9;  // relative; real displays have some 0.1
+  constexpr double flat = 1e-9;  // relative; real displays have about 0.1
   if (!(std::abs(determinant(mon.RGB2XYZ)) > flat * edges)) {
     refuse_content(mon.name,
                    "the three primaries lie on one line of the chromaticity diagram; expected ramps of a red, a "
@@ -72,8 +72,8 @@ struct component_fit {
   double a;  // of the quadratic (1 - a) m + a m^2
 };
 
-// How a channel's X or Z, `ratio` of its full-drive value, grows with the monitor values `m`. The zero-drive ratio is
-// pinned to 0 for the curve but used as measured for the quadratic.
+// How a channel's X or Z (`ratio`, relative to full drive) grows with the monitor values `m`. At zero drive, the
+// curve takes the ratio as 0 and the quadratic takes it as measured.
 component_fit fit_component(std::span<const double> m, std::vector<double> ratio, int numsegs) {
   component_fit identity{makeppoly({0.0, 1.0}, {makepoly({0.0, 1.0})}), 0.0};
   if (!std::ranges::all_of(ratio, [](double r) { return std::isfinite(r); })) return identity;
@@ -86,7 +86,7 @@ component_fit fit_component(std::span<const double> m, std::vector<double> ratio
 double full_drive_of(const measurements& samples) {
   double largest = samples.data(0, 0);
   for (std::size_t c = 0; c < 3; ++c) largest = std::max(largest, std::ranges::max(samples.data.col(c)));
-  if (!(largest > 0)) refuse_content(samples.name, "no drive value is above 0, so that full drive is unknown");
+  if (!(largest > 0)) refuse_content(samples.name, "no drive value is above 0, so full drive is unknown");
   return largest;
 }
 
@@ -114,7 +114,7 @@ void require_white(const measurements& samples, const vec3& white, const vec3& d
   if (white[1] > dark[1] && white[0] + white[1] + white[2] > 0) return;
   refuse_content(samples.name, sample_text(samples, 0) + ": X, Y, Z are" + free_format(white[0]) +
                                    free_format(white[1]) + free_format(white[2]) +
-                                   ", expected a white that is brighter than the dark");
+                                   ", expected a white brighter than the dark");
 }
 
 // X and Z of a ramp without the dark light, over their values at full drive. Unlike `rampx` and `rampz`, they keep

@@ -16,12 +16,12 @@ lut inverse_table(const lut& tone) {
   return t;
 }
 
-/// X, Y, Z -> input, with everything that does not depend on the colour worked out once.
+/// X, Y, Z -> input. Everything that does not depend on the colour is computed once.
 class inverse_display {
  public:
   explicit inverse_display(const synthetic_monitor& syn)
       : inverse_(inv(syn.primaries)), offset_(syn.offset), table_(inverse_table(syn.table)), to_input_(table_) {}
-  inverse_display(const inverse_display&) = delete;  // `to_input_` looks into `table_`
+  inverse_display(const inverse_display&) = delete;  // `to_input_` points into `table_`
   inverse_display& operator=(const inverse_display&) = delete;
 
   vec3 operator()(const vec3& xyz) const {
@@ -55,7 +55,7 @@ vec3 syn_out2inp_vec(const synthetic_monitor& syn, const vec3& xyz) { return app
 matrix syn_out2inp_mat(const synthetic_monitor& syn, const matrix& xyz) { return apply(inverse_display(syn), xyz); }
 
 vec3 syn_whitepoint(const synthetic_monitor& syn) {
-  // Column sums on purpose, although a column is a primary: the reports are defined relative to this triple.
+  // Deliberately column sums, although a column is a primary: the reports are defined relative to this triple.
   vec3 sums;
   for (std::size_t c = 0; c < 3; ++c) {
     const vec3& col = syn.primaries.col[c];

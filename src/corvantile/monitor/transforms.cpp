@@ -16,8 +16,8 @@ auto inp2mon(const monitor& mon) {
   };
 }
 
-// The three channels' sum, red, green, blue in this order, with the dark light added last. `x` and `z` give a
-// channel's fraction of its X and Z at a monitor value.
+// Sums the three channels in the order red, green, blue, and adds the dark light last. `x` and `z` give a channel's
+// fraction of its X and Z at a monitor value.
 template <class X, class Z>
 vec3 sum_of_channels(const monitor& mon, const vec3& m, const X& x, const Z& z) {
   vec3 out;
@@ -54,9 +54,9 @@ auto mon2inp(const monitor& mon) {
   };
 }
 
-// The equation of one tristimulus value in (m1, m2), m3 having been eliminated through Y: `C`
-// holds the channels' values of that component at full drive, `a` their quadratic coefficients,
-// `Y` their Y, and `y`, `target` what is asked for.
+// The equation of one tristimulus value in (m1, m2), with m3 eliminated through Y. `C` holds the channels' values of
+// that component at full drive, `a` their quadratic coefficients, `Y` their Y; `y` and `target` are the requested Y
+// and component.
 conic component_conic(const vec3& C, const vec3& a, const vec3& Y, double y, double target) {
   const double Y3sq = Y[2] * Y[2];
   return {C[0] * a[0] + C[2] * a[2] * (Y[0] * Y[0]) / Y3sq,
@@ -79,7 +79,7 @@ vec3 inp2out_vec(const monitor& mon, const vec3& inp) { return mon2out_vec(mon, 
 matrix inp2out_mat(const monitor& mon, const matrix& inp) { return mon2out_mat(mon, inp2mon_mat(mon, inp)); }
 
 vec3 mon2inp_vec(const monitor& mon, const vec3& m) { return apply(mon2inp(mon), m); }
-// A batch is worth the packing of the curves; a single triple is not.
+// Packing the curves pays off for a batch, not for a single triple.
 matrix mon2inp_mat(const monitor& mon, const matrix& m) {
   return apply([prepared = prepared_monitor(mon)](const vec3& v) { return prepared.mon2inp(v); }, m);
 }
@@ -91,7 +91,7 @@ vec3 quad_out2mon(const monitor& mon, const vec3& xyz, double* error) {
   const vec3 light = xyz - mon.darklight;
   const conic from_x = component_conic(mon.Xmax, mon.nX, mon.Ymax, light[1], light[0]);
   const conic from_z = component_conic(mon.Zmax, mon.nZ, mon.Ymax, light[1], light[2]);
-  const vec3 start = mon.XYZ2RGB * xyz;  // the dark light stays in: good enough for a start
+  const vec3 start = mon.XYZ2RGB * xyz;  // includes the dark light: good enough for a start
   const vec2 mu = cmus(from_x, from_z, {{start[0], start[1]}});
   const double m3 = (light[1] - mon.Ymax[0] * mu[0] - mon.Ymax[1] * mu[1]) / mon.Ymax[2];
   const vec3 m{{mu[0], mu[1], std::clamp(m3, 0.0, 1.0)}};
