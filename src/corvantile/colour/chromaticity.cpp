@@ -24,7 +24,7 @@ matrix each_row(vec2 (*kernel)(const vec2&), const matrix& in) {
 }  // namespace
 
 // clang-format off
-constexpr std::array<vec3, wxyz_rows> wxyz{{  // four samples, 20 nm, a line
+constexpr std::array<vec3, wxyz_rows> wxyz{{  // four samples, 20 nm, per line
   // 380 nm
   {{0.0014, 0.0000, 0.0065}}, {{0.0022, 0.0001, 0.0105}}, {{0.0042, 0.0001, 0.0201}}, {{0.0076, 0.0002, 0.0362}},
   // 400 nm
@@ -79,8 +79,8 @@ std::optional<vec2> xyz2xy(const vec3& xyz) {
 }
 
 vec3 blkbod(double T) {
-  constexpr double c1 = 3.74183e-16;         // first radiation constant, W m^2; no conversion to nm: only ratios stay
-  constexpr double c2 = 14390158.988046885;  // second radiation constant, nm K; this value on purpose
+  constexpr double c1 = 3.74183e-16;         // first radiation constant, W m^2; not converted to nm, since it cancels
+  constexpr double c2 = 14390158.988046885;  // second radiation constant, nm K; deliberately this value
   vec3 sum;
   for (std::size_t i = 0; i < wxyz.size(); ++i) {
     const double l = wxyz_first_nm + wxyz_step_nm * static_cast<int>(i);

@@ -1,8 +1,8 @@
 #pragma once
 // Chromaticity coordinates, the colour of a black body, and correlated colour temperature.
 //
-// xy is always CIE 1931; uv is always the CIE 1960 UCS (the u'v' of 1976 is called so); XYZ carries its luminance in
-// Y. Batches hold one sample per row and agree with the single form bit for bit.
+// xy is always CIE 1931. uv is always the CIE 1960 UCS; the 1976 coordinates are called u'v'. XYZ carries luminance
+// in Y. Batches hold one sample per row and give the bits of the single form.
 
 #include <array>
 #include <optional>
@@ -11,8 +11,8 @@
 
 namespace corvantile {
 
-/// The chromaticities x, y (CIE 1931) of a display's primaries and white. By name, since orders differ: settings
-/// begin with the white, solvers end with it.
+/// The chromaticities x, y (CIE 1931) of a display's primaries and white. They have names because orders differ:
+/// settings begin with the white, solvers end with it.
 struct chromaticity_table {
   vec2 red, green, blue, white;
   friend bool operator==(const chromaticity_table&, const chromaticity_table&) = default;
@@ -36,7 +36,7 @@ inline vec2 chromaticity(const vec3& xyz) {
   return {{xyz[0] / s, xyz[1] / s}};
 }
 
-/// The same; nothing when the sum is zero.
+/// The same; std::nullopt if the sum is zero.
 std::optional<vec2> xyz2xy(const vec3& xyz);
 
 /// The wavelengths of the colour-matching table, in nm: 380, 385, ..., 780.
@@ -49,32 +49,31 @@ inline constexpr std::size_t wxyz_rows = 81;
 extern const std::array<vec3, wxyz_rows> wxyz;
 
 /// Tristimulus values, scaled to Y = 1, of a black body at `T` kelvin: Planck's law summed over `wxyz`, a plain sum
-/// without step width or end weights. Non-finite below about 30 K, where the exitances
-/// underflow.
+/// without step width or end weights. Not finite below about 30 K, because the exitances underflow.
 vec3 blkbod(double T);
 
-/// As `blkbod`, each component divided by the middle one.
+/// `blkbod` with each component divided by the middle one.
 vec3 blackbody_color(double T);
 
-/// Correlated colour temperature, in kelvin, of a chromaticity x, y or of a colour X, Y, Z.
-/// The formula's first range only: meant for 3 000 to 50 000 K, applied everywhere.
-/// A zero sum X + Y + Z, or y = 0.1735, gives a meaningless or non-finite result; nothing is reported.
+/// Correlated colour temperature, in kelvin, of a chromaticity x, y or of a colour X, Y, Z. Uses the formula's first
+/// range only: meant for 3 000 to 50 000 K, applied everywhere. A zero sum X + Y + Z, or y = 0.1735, gives a
+/// meaningless or non-finite result; nothing is reported.
 /// After Hernandez-Andres, Lee and Romero, Applied Optics 38 (1999).
 double xyz2cct(const vec2& xy);
 inline double xyz2cct(const vec3& xyz) { return xyz2cct(chromaticity(xyz)); }
 
-/// A stretch of an iso-temperature line: the chromaticities p + t ray for t in [tmin, tmax].
+/// A segment of an iso-temperature line: the chromaticities p + t ray for t in [tmin, tmax].
 struct locus_swath {
   vec2 p;             // xy of the black body
   vec2 ray;           // unit vector in xy, from p towards the formula's epicentre
   double tmin = 0.0;  // signed xy distance along `ray` of the lower end (negative)
-  double tmax = 0.0;  // and of the upper end (positive)
+  double tmax = 0.0;  // the same for the upper end (positive)
 
   vec2 at(double t) const { return p + t * ray; }
 };
 
-/// The iso-temperature line (in the sense of `xyz2cct`) through the black body at `T` kelvin, reaching `w` units of
-/// uv distance to either side of the locus.
+/// The iso-temperature line (as `xyz2cct` defines it) through the black body at `T` kelvin, up to a uv distance of
+/// `w` on either side of the locus.
 locus_swath cct_segment(double T, double w);
 
 // ---- Held ready: no job calls these ----

@@ -29,7 +29,7 @@ double hue(double b, double a) {
 }  // namespace
 
 double cuberoot(double t) {
-  // The rounded constants on purpose: 0.008856 and 7.787 instead of 216/24389 and 841/108.
+  // Deliberately the rounded constants 0.008856 and 7.787, not 216/24389 and 841/108.
   return t > 0.008856 ? std::pow(t, 0.3333333333333333) : 7.787 * t + 16.0 / 116.0;
 }
 
@@ -45,7 +45,7 @@ vec3 xyz2lab_vec(const vec3& xyz, const vec3& white) { return apply(xyz2lab(whit
 matrix xyz2lab_mat(const matrix& xyz, const vec3& white) { return apply(xyz2lab(white), xyz); }
 
 double deltae2000_vec(const vec3& lab1, const vec3& lab2, const vec3& k) {
-  // Chroma and hue, with a* stretched near the gray axis.
+  // Chroma and hue; a* is stretched near the gray axis.
   const double c1 = std::sqrt(square(lab1[1]) + square(lab1[2]));
   const double c2 = std::sqrt(square(lab2[1]) + square(lab2[2]));
   const double G = 0.5 * (1 - chroma_weight((c1 + c2) / 2));

@@ -10,7 +10,7 @@
 namespace corvantile {
 namespace {
 
-// A model that is wrong by more is the model of another display.
+// A model that is off by more than these factors belongs to another display.
 constexpr double least = 0.1;
 constexpr double most = 10;
 

@@ -15,7 +15,7 @@
 namespace corvantile {
 namespace {
 
-// Where a search starts for a starting value: a negative one or none at all at full drive, like one above 1.
+// The angle that a search starts from. A negative value or NaN means full drive, like one above 1.
 double start_of(double value) { return angle_of(value, std::numbers::pi / 2); }
 
 template <class Cost>
@@ -32,7 +32,7 @@ inversion out2inp(const prepared_monitor& mon, const vec3& xyz, const std::optio
   return invert(cost2i{mon, xyz}, start ? *start : mon.mon2inp(mon.source().XYZ2RGB * xyz), enough);
 }
 
-// Bisection for the largest scale at which a colour is reachable.
+// Bisects for the largest scale at which a colour is reachable.
 class scale_search {
  public:
   static constexpr int steps = 28;
@@ -54,14 +54,14 @@ bool reaches(const prepared_monitor& mon, const vec3& xyz) {
   return out2inp(mon, xyz, {}, reachable).fval < reachable;
 }
 
-// Of the first 27 trials only "reachable or not" matters, so they end as soon as they know.
+// Only whether the first 27 trials are reachable matters, so they end as soon as they know.
 scale_search all_but_last_step(const prepared_monitor& mon, const vec3& base) {
   scale_search k;
   for (int i = 1; i < scale_search::steps; ++i) k.step(reaches(mon, k.scale() * base));
   return k;
 }
 
-// The last trial in full, since its drive values are the result.
+// The last trial runs in full, because its drive values are the result.
 ramp_top last_step(const prepared_monitor& mon, const vec3& base, scale_search k) {
   const inversion last = out2inp(mon, k.scale() * base);
   k.step(last.fval < reachable);
@@ -72,7 +72,7 @@ ramp_top ramptop(const prepared_monitor& mon, const vec3& base) {
   return last_step(mon, base, all_but_last_step(mon, base));
 }
 
-// The monitor's white luminance times the XYZ of a chromaticity, at Y = 1.
+// The monitor's white luminance times the XYZ of a chromaticity at Y = 1.
 vec3 base_of_temperature(const monitor& mon, double T) { return mon.whitepoint[1] * blackbody_color(T); }
 vec3 base_of_chromaticity(const monitor& mon, const vec2& xy) { return xy2xyz(xy, mon.whitepoint[1]); }
 vec3 base_of_chromaticity(const monitor& mon, const vec3& xyz) {
@@ -85,8 +85,8 @@ struct unfinished_top {
   scale_search k;
 };
 
-// Minus the luminance of the ramp top at a position of the swath, an angle standing for the position. `latest`
-// remembers the top of the latest evaluation.
+// Minus the luminance of the ramp top at the position in the swath that an angle stands for. `latest` keeps the top
+// of the latest evaluation.
 struct neglum {
   const prepared_monitor& mon;
   const locus_swath& swath;
@@ -97,7 +97,7 @@ struct neglum {
     const vec2 q = swath.p + t * swath.ray;
     const vec3 base = base_of_chromaticity(mon.source(), q);
     latest = {base, all_but_last_step(mon, base)};
-    // Drive values are not asked for here, so that even the last trial may end as soon as it knows.
+    // Drive values are not needed here, so even the last trial may end as soon as it knows.
     scale_search k = latest.k;
     k.step(reaches(mon, k.scale() * base));
     return -(k.scale() * base)[1];
@@ -107,7 +107,7 @@ struct neglum {
 ramp_top bcgtw(const prepared_monitor& mon, double T, double hwid) {
   const locus_swath swath = cct_segment(T, hwid);
   unfinished_top latest;
-  // A quarter of the way: the angle whose sine squared is 0.25 exactly, an ulp from pi / 6 as rounded.
+  // A quarter of the way: the angle whose squared sine is exactly 0.25, an ulp from the rounded pi / 6.
   constexpr double quarter = 0.5235987755982989;
   neldermead(neglum{mon, swath, latest}, std::array{quarter}, {.scale = 0.001, .tol = 1e-14, .maxit = 10000});
   return last_step(mon, latest.base, latest.k);
@@ -115,8 +115,8 @@ ramp_top bcgtw(const prepared_monitor& mon, double T, double hwid) {
 
 bool is_away(const gray_level& level) { return level.left > reachable; }
 
-// Another start for a level that is still away. A colour out of reach has no business with new last bits, so that
-// only what comes much closer is taken.
+// Another start for a level that is still away. A colour out of reach should not change in its last bits, so only a
+// much closer result is taken.
 void search_from(const prepared_monitor& mon, gray_level& level, const std::optional<vec3>& start) {
   if (!is_away(level)) return;
   const inversion again = out2inp(mon, level.target, start);
@@ -126,7 +126,7 @@ void search_from(const prepared_monitor& mon, gray_level& level, const std::opti
   }
 }
 
-// First from the top down, so that the chain goes on from what was mended, then from black up.
+// From the top down first, so that each level continues from one that may have been mended; then from black up.
 void search_again(const prepared_monitor& mon, std::vector<gray_level>& levels) {
   for (std::size_t i = levels.size() - 1; i-- > 0;) {
     search_from(mon, levels[i], {});
@@ -135,7 +135,7 @@ void search_again(const prepared_monitor& mon, std::vector<gray_level>& levels) 
   for (std::size_t i = 1; i + 1 < levels.size(); ++i) search_from(mon, levels[i], levels[i - 1].inp);
 }
 
-// How the grays of a ramp differ from what they would be without factors: by their colour, and relative to white.
+// How the factors change the grays of a ramp: by their colour, and relative to white.
 class relative_factors {
  public:
   explicit relative_factors(const gray_factors& factors) : factors_(factors), white_(factors_at(factors, 1)) {}
@@ -170,7 +170,7 @@ gray_search gray_ramp(matrix& tab, const prepared_monitor& mon, const ramp_top& 
   return {top, std::move(levels)};
 }
 
-// The brightest colour that is `base` once it is divided by the factors.
+// The brightest colour that is `base` once divided by the factors.
 ramp_top top_for(const prepared_monitor& mon, const vec3& base, const gray_factors& factors) {
   return ramptop(mon, factors.empty() ? base : elementwise_product(relative_factors(factors).at_white(), base));
 }

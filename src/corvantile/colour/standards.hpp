@@ -1,5 +1,5 @@
 #pragma once
-// Whites and primaries as the standards print them, CIE 1931 x, y.
+// Whites and primaries as their standards print them, in CIE 1931 x, y.
 
 #include "corvantile/colour/chromaticity.hpp"
 
@@ -8,7 +8,7 @@ namespace corvantile {
 inline constexpr vec2 d65{{0.3127, 0.3290}};  ///< as ITU-R BT.709 and IEC 61966-2-1 round it
 inline constexpr vec2 d50{{0.3457, 0.3585}};  ///< as ISO 3664 rounds it
 
-/// IEC 61966-2-1; the primaries are those of ITU-R BT.709, too.
+/// IEC 61966-2-1; the primaries are also those of ITU-R BT.709.
 inline constexpr chromaticity_table srgb{
     .red = {{0.64, 0.33}}, .green = {{0.30, 0.60}}, .blue = {{0.15, 0.06}}, .white = d65};
 /// SMPTE EG 432-1.
