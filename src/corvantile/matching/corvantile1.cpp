@@ -42,8 +42,8 @@ gray_match cv1(const monitor& mon, const gray_ramp_params& params, const lut& ga
 
   matrix shaded(tab.rows(), 3);
   match.top = colortemp_lut(shaded, mon, *temperatures.top, gammalut, params.alpha, params.hwid, params.restart);
-  // Rows are counted from 1 here, and a shading that would begin before the first begins there. One that begins in
-  // the last has t = 0/0 there, and the row is not a number: kept so.
+  // Rows count from 1 here. A shading that would begin before the first row begins there. If it begins in the last
+  // row, t = 0/0 and that row is NaN: deliberately kept so.
   const auto R = static_cast<double>(tab.rows());
   const double k0 = std::max(1.0, std::round(R * params.beta));
   for (auto row = static_cast<std::size_t>(k0) - 1; row < tab.rows(); ++row) {

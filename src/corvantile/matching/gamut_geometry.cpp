@@ -13,7 +13,7 @@ namespace {
 
 bool within_both(const intersection& i) { return i.t >= 0 && i.s >= 0 && i.t <= 1 && i.s <= 1; }
 
-/// Edge i of a triangle runs from vertex i to the next: for a gamut red-green, green-blue, blue-red.
+/// Edge i of a triangle runs from vertex i to the next. For a gamut: red-green, green-blue, blue-red.
 segment edge(const triangle& tri, std::size_t i) { return {tri[i], tri[(i + 1) % 3]}; }
 
 /// `e` moved by `d` along its normal, towards `inside`.
@@ -104,11 +104,11 @@ double inradius(const triangle& tri) {
 
 shrunk_triangle interior_triangle(const triangle& tri, double d) {
   const vec2 centroid = (tri[0] + tri[1] + tri[2]) / 3;
-  triangle inner = tri;  // what parallel lines, of a degenerate triangle, leave
+  triangle inner = tri;  // stays if the lines are parallel, in a degenerate triangle
   for (std::size_t i = 0; i < 3; ++i) {
     const segment leaving = moved(edge(tri, i), centroid, d);
     const segment arriving = moved(edge(tri, (i + 2) % 3), centroid, d);
-    // The edge that starts at the vertex goes first: its t is exactly 0 when nothing moves.
+    // The edge that starts at the vertex comes first: its t is exactly 0 if nothing moves.
     if (const auto vertex = intersection_parameters(leaving, arriving)) inner[i] = vertex->point;
   }
   return {inner, d < inradius(tri)};

@@ -17,39 +17,40 @@ namespace corvantile {
 
 // ---- Plane geometry of primaries (gamut_geometry.cpp) ----
 
-/// One vertex per element; of a gamut: red, green, blue. Either sense of rotation.
+/// One vertex per element; for a gamut red, green, blue. Either sense of rotation.
 using triangle = std::array<vec2, 3>;
 
 struct segment {
   vec2 start, end;
 };
 
-/// Distance of two x, y chromaticities in the CIE 1960 uv plane.
+/// Distance between two x, y chromaticities in the CIE 1960 uv plane.
 double uvdist(const vec2& xy1, const vec2& xy2);
 
-/// Chromaticities of the columns of a primaries matrix, then of their sum, the white.
+/// The chromaticities of the columns of a primaries matrix, and of their sum, the white.
 chromaticity_table rgb2c_type(const mat3& rgb);
 
-/// The primaries matrix whose columns have the chromaticities of rows red, green, blue and whose sum has that of row
-/// white at Y = 1. Primaries on one line, or a y of 0, give a non-finite result.
+/// The primaries matrix whose columns have the chromaticities of `red`, `green` and `blue` and whose sum has that of
+/// `white` at Y = 1. Primaries on one line, or a y of 0, give a non-finite result.
 mat3 c2rgb_type(const chromaticity_table& c);
 
-/// Where the lines through two segments meet: start + t (end - start), with t of the first and s of the second.
+/// The point where the lines through two segments meet: start + t (end - start), with t for the first and s for the
+/// second.
 struct intersection {
   double t = 0.0;
   double s = 0.0;
   vec2 point;  // computed from the first segment
 };
 
-/// Nothing when the segments are parallel: when the cross product of their directions, in units of the plane squared,
-/// is below 100 epsilon. The bound is absolute, so segments much shorter than 1e-7 count as parallel too.
+/// std::nullopt if the segments are parallel: if the cross product of their directions, in squared units of the
+/// plane, is below 100 epsilon. The bound is absolute, so segments much shorter than 1e-7 count as parallel too.
 std::optional<intersection> intersection_parameters(const segment& seg1, const segment& seg2);
 
-/// Radius of the inscribed circle: the margin at which the interior triangle shrinks to a point.
+/// Radius of the inscribed circle, which is the margin at which the interior triangle shrinks to a point.
 double inradius(const triangle& tri);
 
-/// A triangle with its edges moved inwards. Where the margin is not smaller than the inradius, or the triangle is
-/// degenerate, `ok` is false and `inner` is what the moved lines give all the same: no longer inside, or not finite.
+/// A triangle with its edges moved inwards. If the margin is not smaller than the inradius, or the triangle is
+/// degenerate, `ok` is false and `inner` is whatever the moved lines give: no longer inside, or not finite.
 struct shrunk_triangle {
   triangle inner;
   bool ok = true;
@@ -61,87 +62,87 @@ shrunk_triangle interior_triangle(const triangle& tri, double d);
 /// Target primaries after clipping to a display's gamut.
 struct adjusted_primaries {
   mat3 rgb;               // primaries matrix, white Y = 1
-  vec3 distances;         // how far each primary moved, in uv; 0 where it was reachable
-  bool margin_ok = true;  // as `ok` of the shrunk gamut
+  vec3 distances;         // how far each primary moved, in uv; 0 if it was reachable
+  bool margin_ok = true;  // `ok` of the shrunk gamut
 };
 
-/// Moves each primary of `target` that lies outside the triangle `gamut` (in x, y) to where the line towards the
-/// target's white enters it (with the white outside, too: to the first edge that the line crosses, in the order
-/// red-green, green-blue, blue-red). A `margin` above 0 first shrinks the gamut by that much, measured in uv. The
-/// white's chromaticity stays; a primary whose line to the white crosses no edge stays where it is.
+/// Clips target primaries to the triangle `gamut` (in x, y). A primary outside it moves towards the target's white,
+/// to the point where that line enters the gamut. (If the white is outside too, to the first edge that the line
+/// crosses, in the order red-green, green-blue, blue-red.) A `margin` above 0 first shrinks the gamut by that much,
+/// measured in uv. The white's chromaticity stays. A primary stays if its line to the white crosses no edge.
 adjusted_primaries adjust_primaries(const mat3& target, const triangle& gamut, double margin = 0.0);
 
 // ---- The single-table gray match (corvantile1.cpp) ----
 
-/// What the gray ramp is to look like. Positions on the ramp run from 0 (black) to 1.
+/// The wanted look of the gray ramp. Positions on the ramp run from 0 (black) to 1.
 struct gray_ramp_params {
-  double temp = -1;    ///< colour temperature in kelvin; negative: a constant chromaticity
-  double wptemp = -1;  ///< temperature towards which the top shades; 0: the monitor's own; negative: no shading
-  double alpha = 0.5;  ///< position below which the monitor's dark light is blended in; below `beta`
-  double beta = 0.8;   ///< position where the shading starts, at most 1
-  double hwid = 0;     ///< half-width, in CIE 1960 uv, of the swath searched for a brighter top
-  std::optional<vec2> white = {};  ///< the constant chromaticity, x and y; absent: the monitor's own white
-  bool restart = false;            ///< search levels that were not found a second time, see `colortemp_lut`
-  gray_factors factors = {};       ///< of the wanted colours; they go without `wptemp` and `hwid`
+  double temp = -1;    ///< colour temperature in kelvin; negative: constant chromaticity
+  double wptemp = -1;  ///< temperature that the top shades towards; 0: the monitor's own; negative: no shading
+  double alpha = 0.5;  ///< the monitor's dark light is blended in below this position; less than `beta`
+  double beta = 0.8;   ///< the shading starts at this position; at most 1
+  double hwid = 0;     ///< half-width, in CIE 1960 uv, of the swath that is searched for a brighter top
+  std::optional<vec2> white = {};  ///< constant chromaticity x, y; absent: the monitor's own white
+  bool restart = false;            ///< search missed levels again, see `colortemp_lut`
+  gray_factors factors = {};       ///< for the wanted colours; cannot be combined with `wptemp` and `hwid`
 };
 
 /// The smooth step t^2 (3 - 2t), for t from 0 to 1.
 double blend(double t);
 
-/// The temperatures, in kelvin, that a gray match looks at. None with a negative `temp`, nor with `alpha` and `beta`
-/// out of order, for then nothing is searched.
+/// The temperatures, in kelvin, that a gray match uses. None if `temp` is negative, or if `cv1` refuses `alpha` and
+/// `beta`: then nothing is searched.
 struct gray_temperatures {
-  std::optional<double> ramp;  ///< of the whole ramp
-  std::optional<double> top;   ///< towards which its top shades
+  std::optional<double> ramp;  ///< for the whole ramp
+  std::optional<double> top;   ///< what its top shades towards
 };
 gray_temperatures temperatures_of(const gray_ramp_params& params, const monitor& mon);
 
-/// The chromaticity that grays are to have, those at the ramp's top where it is shaded.
+/// The wanted chromaticity of the grays. If the ramp's top is shaded, that of the top.
 vec2 white_of_grays(const gray_ramp_params& params, const monitor& mon);
 
 /// How a gray match went.
 struct gray_match {
-  /// 0 done; 1 `alpha` is not below `beta`; 2 `beta` exceeds 1. Other than 0, the table was left as it was.
+  /// 0: done. 1: `alpha` is not below `beta`. 2: `beta` exceeds 1. Other than 0, the table is unchanged.
   int status = 0;
-  /// The one row, counted from 0, that is 0/0 and so not a number: the shading begins in the last row.
+  /// The row, counted from 0, that is 0/0 and so NaN: the one in which the shading begins, if that is the last.
   std::optional<std::size_t> undefined_row = {};
-  std::optional<gray_search> ramp = {};  ///< the searches for the whole ramp
-  std::optional<gray_search> top = {};   ///< and for the ramp towards which its top shades
+  std::optional<gray_search> ramp = {};  ///< searches for the whole ramp
+  std::optional<gray_search> top = {};   ///< searches for the ramp that its top shades towards
 };
 
 /// Fills `tab` (tlen x 3, at least two rows) with the drive values of the gray ramp whose luminance follows
-/// `gammalut`. With `temp` >= 0, and only then, `alpha`, `beta`, `wptemp` and `hwid` are looked at.
+/// `gammalut`. `beta`, `wptemp` and `hwid` are used only if `temp` >= 0.
 gray_match cv1(const monitor& mon, const gray_ramp_params& params, const lut& gammalut, matrix& tab);
 
 // ---- The two-table solution (twolut.cpp) ----
 
-/// What the solutions are told besides monitor and target. `lut` maps drive 0..1 to luminance 0..1; while it is not
-/// valid, the power law with `gamma` stands in for it.
+/// Settings of a solution, beyond monitor and target. `lut` maps drive 0..1 to luminance 0..1; if it is not valid,
+/// the power law with `gamma` is used.
 struct gspec {
-  double boundary_tol = 0.001;  ///< margin by which the gamut triangle is shrunk, in CIE 1960 uv
-  double lumfrac = 0.95;        ///< target white luminance as a fraction of the brightest such gray's, above 0
+  double boundary_tol = 0.001;  ///< shrinks the gamut triangle by this margin, in CIE 1960 uv
+  double lumfrac = 0.95;        ///< share of the brightest gray's luminance that the target white gets, above 0
   double rowsum_margin = 0.05;  ///< head-room of the matrix, below 1
   double gamma = 2.2;           ///< exponent, above 0
   corvantile::lut lut;
-  double minslope = 0;  ///< least slope of the curves that the post-tables invert; 0: the monitor's own curves
+  double minslope = 0;  ///< least slope of the curves that the post-tables invert; 0: the monitor's own
 };
 
-/// A front end in its three parts, and what it amounts to.
+/// A front end in its three parts, and its effect.
 struct two_table_solution {
   corvantile::matrix prelut;   ///< tlen x 3: drive to the target's linear value, all columns alike
   corvantile::matrix postlut;  ///< tlen x 3: the monitor's linear value to drive
   mat3 matrix;                 ///< between them
   monitor cmon;                ///< the monitor with this front end
-  synthetic_monitor ref_smon;  ///< the target as asked for, at the luminance of the solution
-  synthetic_monitor mod_smon;  ///< the target as clipped to the monitor's gamut
-  vec3 distances;              ///< how far each primary was moved, in CIE 1960 uv
-  ramp_top top;                ///< the brightest gray of the target's white
-  int status = 1;              ///< 1 for success, other than elsewhere; 0 when the matrix has a negative entry
+  synthetic_monitor ref_smon;  ///< the requested target, at the luminance of the solution
+  synthetic_monitor mod_smon;  ///< the target clipped to the monitor's gamut
+  vec3 distances;              ///< how far each primary moved, in CIE 1960 uv
+  ramp_top top;                ///< the brightest gray with the target's white
+  int status = 1;              ///< 1: success (unlike elsewhere); 0: the matrix has a negative entry
 };
 
-/// Solves for the front end that makes `mon` show the primaries and white `target`, clipped to its gamut. The
-/// target's white gets `lumfrac` of the luminance of the brightest such gray, less where the matrix's largest row sum
-/// would exceed 1 - `rowsum_margin`. `tlen` is at least 2.
+/// Solves for the front end that makes `mon` show the primaries and white of `target`, clipped to its gamut. The
+/// target's white gets `lumfrac` of the luminance of the brightest such gray, or less if the matrix's largest row sum
+/// would otherwise exceed 1 - `rowsum_margin`. `tlen` is at least 2.
 two_table_solution twolutsolution(const monitor& mon, const chromaticity_table& target, const gspec& spec,
                                   std::size_t tlen);
 
@@ -150,13 +151,14 @@ two_table_solution twolutsolution(const monitor& mon, const chromaticity_table& 
 /// x and y of each row X, Y, Z: n x 3 to n x 2. A zero sum gives NaN or infinity.
 matrix chromaticities(const matrix& xyz);
 
-/// Whether the segments have a point in common, end points included; false for parallel segments, even overlapping.
+/// Whether the segments have a point in common, end points included. False for parallel segments, even if they
+/// overlap.
 bool segs_intersect(const segment& seg1, const segment& seg2);
 
-/// `rgb2c_type` for a 3 x 3 matrix, giving 4 x 2: rows red, green, blue, white.
+/// `rgb2c_type` for a 3 x 3 matrix. The result is 4 x 2, with rows red, green, blue, white.
 matrix rgb2c_mat(const matrix& rgb);
 
-/// `c2rgb_type` for such a 4 x 2 matrix, giving 3 x 3.
+/// `c2rgb_type` for such a 4 x 2 matrix. The result is 3 x 3.
 matrix c2rgb_mat(const matrix& c);
 
 }  // namespace corvantile

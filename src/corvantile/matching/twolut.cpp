@@ -13,7 +13,7 @@ namespace {
 // The luminance of a primaries matrix's white.
 double white_luminance(const mat3& m) { return m(1, 0) + m(1, 1) + m(1, 2); }
 
-// The largest row sum; a sum that is not a number does not count.
+// The largest row sum. NaN does not count.
 double largest_row_sum(const mat3& m) {
   vec3 sums;
   for (std::size_t i = 0; i < 3; ++i) sums[i] = m(i, 0) + m(i, 1) + m(i, 2);
@@ -25,8 +25,8 @@ bool has_negative_entry(const mat3& m) {
                              [](const vec3& c) { return std::ranges::any_of(c.v, [](double e) { return e < 0; }); });
 }
 
-// The monitor's inverse tone curves, sampled at the linear values `x`. Where a least slope is asked for, the forward
-// curves are sampled and smoothed with that slope (in 5 pieces, whatever the monitor's own number) and then inverted.
+// The monitor's inverse tone curves, sampled at the linear values `x`. For a `minslope` above 0, the forward curves
+// are sampled, smoothed with that least slope (in 5 pieces, whatever the monitor's own number) and then inverted.
 matrix post_tables(const monitor& mon, const std::vector<double>& x, double minslope) {
   const matrix gray = in_all_channels(x);
   if (!(minslope > 0)) return mon2inp_mat(mon, gray);
@@ -47,13 +47,13 @@ two_table_solution twolutsolution(const monitor& mon, const chromaticity_table& 
   two_table_solution sol;
   const mat3 wanted = c2rgb_type(target);
 
-  // Primaries that the monitor can show, of a white with luminance 1
+  // Primaries that the monitor can show, with a white of luminance 1 ...
   const auto c = rgb2c_type(mon.RGB2XYZ);
   const adjusted_primaries adjusted = adjust_primaries(wanted, {c.red, c.green, c.blue}, spec.boundary_tol);
   sol.distances = adjusted.distances;
   mat3 Ma = adjusted.rgb / white_luminance(adjusted.rgb);
 
-  // ... and then with the target's share of the brightest gray
+  // ... and then of the wanted fraction of the brightest gray
   sol.top = ramptop_xyz(mon, target.white);
   Ma = Ma * sol.top.xyz[1] * spec.lumfrac;
 
