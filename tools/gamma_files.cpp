@@ -1,5 +1,5 @@
-// gamma_files FOLDER: writes the usual target curves as gamma files, each under its name; examples/gamma holds them.
-// They are the curves of `corvantile-kit make`, from the same function.
+// gamma_files FOLDER: writes the usual target curves as gamma files, named after the curves; examples/gamma holds
+// them. They come from the same function as the curves of `corvantile-kit make`.
 
 #include <array>
 #include <cstdio>

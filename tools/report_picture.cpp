@@ -1,5 +1,5 @@
-// One picture of a job's report as an SVG file of its own, for the documentation: on a ground of its own, so that it
-// can be read on light and on dark pages, and with a size, so that pages do not blow it up.
+// Prints one picture of a job's report as an SVG file for the documentation. It gets a background, so that it can be
+// read on light and dark pages, and a size, so that pages do not enlarge it.
 
 #include <array>
 #include <charconv>
@@ -18,8 +18,8 @@
 namespace corvantile {
 namespace {
 
-constexpr int margin = 14;        // of the ground about the picture, in its units
-constexpr double enlarged = 1.5;  // pixels a unit
+constexpr int margin = 14;        // of the background around the picture, in its units
+constexpr double enlarged = 1.5;  // pixels per unit
 
 struct size {
   int width, height;
@@ -38,7 +38,7 @@ std::optional<size> size_of(std::string_view picture) {
   return height.ec == std::errc{} ? std::optional(s) : std::nullopt;
 }
 
-// Left, top, width and height of the ground, each behind its own words.
+// Left, top, width and height of the background, each after its own words.
 std::string ground(size inner, const std::array<std::string_view, 4>& before) {
   const std::array<int, 4> box{-margin, -margin, inner.width + 2 * margin, inner.height + 2 * margin};
   std::string text;
@@ -46,7 +46,7 @@ std::string ground(size inner, const std::array<std::string_view, 4>& before) {
   return text;
 }
 
-// The picture on its ground, which is of the paper's colour, and as large on the page as `enlarged` says.
+// The picture on a background in the colour of the paper, enlarged by `enlarged`.
 std::string on_ground(std::string_view picture, size inner) {
   const auto pixels = [](int units) { return std::to_string(static_cast<int>((units + 2 * margin) * enlarged)); };
   const std::string width = pixels(inner.width), height = pixels(inner.height);
@@ -79,7 +79,7 @@ int main(int argc, char** argv) try {
   if (argc != 3) {
     std::fputs(
         "Usage: report_picture FOLDER ID > picture.svg\n"
-        "FOLDER is that of a job, as corvantile-kit make and solve leave it; ID that of a picture in its report:\n"
+        "FOLDER is the folder of a job, from corvantile-kit make or solve. ID names a picture of its report:\n"
         "gray-cct, gray-distance, gray-dark, balance-before, balance-after, tone-luminance, local-gamma, tone-dark,\n"
         "gamut-uv, ramp-gray (or -red, -green, -blue, -yellow, -magenta, -cyan), table-0, table-1, accuracy\n",
         stderr);

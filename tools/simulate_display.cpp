@@ -1,5 +1,5 @@
-// simulate_display: writes what an instrument reads from a simulated display to standard output, either the
-// measurement file of its ramps or readings of any drives, also behind tables.
+// simulate_display: writes what an instrument would read from a simulated display to standard output: the measurement
+// file of its ramps, or readings of any drives, with or without correction tables.
 
 #include <algorithm>
 #include <cstdio>
@@ -21,8 +21,8 @@ constexpr const char* usage =
     "Usage: simulate_display [key=value ...] > measurements.txt\n"
     "       simulate_display [key=value ...] --show [--tables FOLDER] < drives.txt\n"
     "Writes the readings of a simulated display: its ramps, or, with --show, what it\n"
-    "shows for the lines 'r g b' (0 to 1) of standard input, behind the tables of\n"
-    "FOLDER where one is given.\n"
+    "shows for the lines 'r g b' (0 to 1) of standard input. With --tables, the drives\n"
+    "first pass through the tables in FOLDER.\n"
     "Keys, with their defaults:\n\n";
 
 // The drives on standard input.
@@ -35,7 +35,7 @@ std::vector<vec3> asked_for() {
     const auto found = numbers.next(v);
     if (found == number_scanner::result::end && count % 3 == 0) return asked;
     if (found != number_scanner::result::number || !(v >= 0 && v <= 1))
-      refuse_content("standard input", numbers.problem("three drives from 0 to 1 a line"));
+      refuse_content("standard input", numbers.problem("three drives from 0 to 1 per line"));
     if (count % 3 == 0) asked.emplace_back();
     asked.back()[count % 3] = v;
   }
@@ -57,7 +57,7 @@ struct task {
   std::string tables;
 };
 
-// Throws `fault::setting` for a word that means nothing.
+// Throws `fault::setting` for an unknown word.
 task task_of(const std::vector<std::string>& words) {
   task t;
   for (std::size_t i = 0; i < words.size(); ++i) {
@@ -69,7 +69,7 @@ task task_of(const std::vector<std::string>& words) {
       throw failure(fault::setting, wrong + " (--help lists the keys)");
     }
   }
-  if (!t.show && !t.tables.empty()) throw failure(fault::setting, "--tables goes with --show");
+  if (!t.show && !t.tables.empty()) throw failure(fault::setting, "--tables needs --show");
   if (const std::string wrong = problem(t.display); !wrong.empty()) throw failure(fault::setting, wrong);
   return t;
 }
@@ -92,7 +92,7 @@ int run(const std::vector<std::string>& words) {
   try {
     const std::string text = text_of(task_of(words));
     const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
-    if (!written) std::fprintf(stderr, "simulate_display: standard output cannot be written\n");
+    if (!written) std::fprintf(stderr, "simulate_display: cannot write to standard output\n");
     return written ? 0 : 1;
   } catch (const failure& f) {
     std::fprintf(stderr, "simulate_display: %s\n", f.message.c_str());

@@ -16,8 +16,8 @@
 namespace corvantile {
 namespace {
 
-/// splitmix64 (Steele, Lea and Flood, OOPSLA 2014). The standard library's distributions may differ from one
-/// implementation to the next; this gives the same numbers everywhere.
+/// splitmix64 (Steele, Lea and Flood, OOPSLA 2014). The standard library's distributions may differ between
+/// implementations; this gives the same numbers everywhere.
 struct generator {
   std::uint64_t state;
 
@@ -30,7 +30,7 @@ struct generator {
   }
   double uniform() { return static_cast<double>(next() >> 11) * 0x1p-53; }  // in [0, 1)
   double between(double lo, double hi) { return lo + (hi - lo) * uniform(); }
-  /// Mean 0 and variance 1, near enough to a normal deviate: twelve uniforms, no logarithm.
+  /// Mean 0 and variance 1, close enough to a normal deviate: twelve uniforms, no logarithm.
   double deviate() {
     double s = -6;
     for (int i = 0; i < 12; ++i) s += uniform();
@@ -38,9 +38,9 @@ struct generator {
   }
 };
 
-constexpr std::uint64_t extra_stream = 0x5eed'0f'e17a'5a3bu;  // keeps the ramps the same whatever `extra` is
+constexpr std::uint64_t extra_stream = 0x5eed'0f'e17a'5a3bu;  // keeps the ramps the same for any `extra`
 
-/// Chromaticity of the red primary: on the line z = 0 when it is to have no Z.
+/// Chromaticity of the red primary: on the line z = 0 if it is to have no Z.
 vec2 red_xy(const simulated_display& d) { return d.dark_red_z ? vec2{{d.red[0], 1 - d.red[0]}} : d.red; }
 
 /// Luminance of each primary in a white of luminance 1.
@@ -54,7 +54,7 @@ bool whole_drives(const simulated_display& d) {
   return d.drive > 100 && d.drive == std::floor(d.drive) && d.levels - 1 <= d.drive;
 }
 
-/// A drive value as the file has it: whole when the scale has enough whole numbers, else with six decimals.
+/// A drive value as in the file: whole if the scale has enough whole numbers, otherwise with six decimals.
 double written_drive(const simulated_display& d, double u) {
   const double step = whole_drives(d) ? 1 : 1e6;
   return std::round(u * d.drive * step) / step;
@@ -70,7 +70,7 @@ std::string fixed(double v, int decimals) {
   return {buf.data(), std::to_chars(buf.data(), buf.data() + buf.size(), v, std::chars_format::fixed, decimals).ptr};
 }
 
-/// Decimal exponent of v and v itself, both after rounding to the given count of significant digits.
+/// v and its decimal exponent, both after rounding to the given number of significant digits.
 struct rounded {
   double value;
   int exponent;
@@ -99,7 +99,7 @@ struct parameter {
   const char* key;
   std::function<target(simulated_display&)> where;
   const char* meaning;
-  bool listed_if_set = false;  // came later: files of displays without it stay as they were
+  bool listed_if_set = false;  // added later: files of displays without it stay as they were
 };
 
 const std::vector<parameter>& parameters() {
@@ -198,7 +198,7 @@ bool read_value(const std::string& text, const target& t) {
 }  // namespace
 
 std::string problem(const simulated_display& d) {
-  const auto within = [](double v, double lo, double hi) { return v >= lo && v <= hi; };  // false for not-a-number
+  const auto within = [](double v, double lo, double hi) { return v >= lo && v <= hi; };  // false for NaN
   if (!within(d.levels, 2, 100000)) return "levels must be 2 to 100000";
   if (d.version != 1 && d.version != 2) return "version must be 1 or 2";
   if (!within(d.extra, 0, 1000000)) return "extra must be 0 to 1000000";
@@ -245,7 +245,7 @@ mat3 primaries(const simulated_display& d) {
 
 vec3 dark_light(const simulated_display& d) { return d.black_luminance * xy2xyz(d.white); }
 
-/// Luminance fractions of the channels, with what they take from each other.
+/// Luminance fractions of the channels, less what they take from each other.
 static vec3 channels(const simulated_display& d, const vec3& drive) {
   const vec3 alone{{tone(d, 0, drive[0]), tone(d, 1, drive[1]), tone(d, 2, drive[2])}};
   vec3 m;
@@ -253,12 +253,12 @@ static vec3 channels(const simulated_display& d, const vec3& drive) {
   return m;
 }
 
-/// The share of the backlight that a picture of this drive leaves.
+/// The share of the backlight that a picture with this drive leaves on.
 static double backlight(const simulated_display& d, const vec3& drive) {
   return 1 - d.dynamic_backlight * (1 - (drive[0] + drive[1] + drive[2]) / 3);
 }
 
-/// The light above the dark, before the backlight.
+/// The light above the dark, before the backlight dims.
 static vec3 light(const simulated_display& d, const mat3& full, const vec3& drive) {
   const vec3 channel = channels(d, drive);
   vec3 sum;
@@ -276,7 +276,7 @@ vec3 shown(const simulated_display& d, const vec3& drive) {
 
 namespace {
 
-/// The instrument in front of it.
+/// The instrument in front of the display.
 class instrument {
  public:
   explicit instrument(const simulated_display& d)
@@ -414,7 +414,7 @@ simulated_display random_display(std::uint64_t seed) {
   simulated_display d;
   d.seed = seed;
   const double u = g.uniform();
-  d.white_luminance = std::round(10 * (60 + 940 * u * u)) / 10;  // most displays are at the dimmer end
+  d.white_luminance = std::round(10 * (60 + 940 * u * u)) / 10;  // most displays are rather dim
   d.black_luminance = d.white_luminance / g.between(500, 5000);
   const double wide = g.uniform();  // from the standard gamut to a wide one
   d.red = near({{0.64 + 0.04 * wide, 0.33 - 0.015 * wide}}, 0.003);
