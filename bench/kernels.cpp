@@ -1,4 +1,4 @@
-// The routines that a run spends its time in, one at a time.
+// The routines in which a run spends its time, one at a time.
 
 #include <algorithm>
 #include <array>
@@ -26,7 +26,7 @@ const monitor& display() {
 // A colour in the middle of the gamut, off the gray axis.
 vec3 some_colour() { return inp2out_vec(display(), {{0.4, 0.55, 0.7}}); }
 
-// Argument of the two that smooth: samples in the curve.
+// Argument of the two smoothing benchmarks: samples in the curve.
 struct tone_samples {
   explicit tone_samples(std::int64_t n) : x(linspace(0, 1, static_cast<std::size_t>(n))), y(x) {
     const simulated_display d = subject(17);
@@ -91,7 +91,7 @@ void gray_table(benchmark::State& state) {
 }
 BENCHMARK(gray_table)->Arg(256)->Arg(4096)->Unit(benchmark::kMillisecond);
 
-// A table of 256 points asked at 1000 places, ready-made or not; on an even grid and on another.
+// A table of 256 points, evaluated at 1000 places: prepared or not, on an even grid and on another.
 template <class Ask>
 void look_up(benchmark::State& state, const lut& t, Ask ask) {
   const std::vector<double> places = linspace(0, 1, 1000);
@@ -113,7 +113,7 @@ BENCHMARK(interpolator_even);
 void interpolator_uneven(benchmark::State& state) { interpolator_on(state, invlut(make_gamma_table(2.2, 256))); }
 BENCHMARK(interpolator_uneven);
 
-// Parsing and fitting of a measurement file. Argument: levels in a ramp.
+// Parses and fits a measurement file. Argument: levels in a ramp.
 void load(benchmark::State& state) {
   const std::string path = measurement_path(static_cast<int>(state.range(0)));
   for (auto _ : state) benchmark::DoNotOptimize(loadmonitor(path, 5));

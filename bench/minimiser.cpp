@@ -1,4 +1,4 @@
-// The simplex search on costs that cost next to nothing.
+// The simplex search on costs that take next to no time.
 
 #include <algorithm>
 #include <array>
@@ -34,7 +34,7 @@ void simplex_of_fixed_size(benchmark::State& state) {
 }
 BENCHMARK(simplex_of_fixed_size);
 
-// Argument: the dimension, as known at run time only.
+// Argument: the dimension, known at run time only.
 void simplex_of_run_time_size(benchmark::State& state) {
   std::vector<double> start(static_cast<std::size_t>(state.range(0)));
   for (std::size_t i = 0; i < start.size(); ++i) start[i] = valley_start[i % valley_start.size()];
@@ -42,15 +42,15 @@ void simplex_of_run_time_size(benchmark::State& state) {
 }
 BENCHMARK(simplex_of_run_time_size)->Arg(3)->Arg(6)->Arg(13)->Arg(65)->Unit(benchmark::kMicrosecond);
 
-// A cost in steps: vertices of equal value, which every iteration has to sort in full.
+// A cost in steps: vertices have equal values, so every iteration has to sort in full.
 void simplex_with_ties(benchmark::State& state) {
   const auto steps = [](std::span<const double> x) { return std::floor(1e3 * valley(x)); };
   search(state, steps, valley_start, {.tol = -1, .maxit = 1000, .skip_cycles = false});
 }
 BENCHMARK(simplex_with_ties)->Unit(benchmark::kMicrosecond);
 
-// A cost that is no number on one side of a wall: the simplex shrinks against it until it repeats itself. That is
-// noticed, or else it goes on up to the limit.
+// A cost that is NaN on one side of a wall: the simplex shrinks against the wall until it repeats itself. The search
+// notices, or else runs to its limit.
 void stalled_simplex(benchmark::State& state) {
   const auto wall = [](std::span<const double> x) {
     double sum = 0.02;

@@ -26,7 +26,7 @@ void simplex_of_gsl(benchmark::State& state) {
     evals = 0;
     gsl_multimin_fminimizer* const search = gsl_multimin_fminimizer_alloc(gsl_multimin_fminimizer_nmsimplex2, n);
     gsl_multimin_fminimizer_set(search, &cost, start, step);
-    // Its measure is the size of the simplex: about the root of the difference of values.
+    // It measures the size of the simplex: about the root of the difference of values.
     while (gsl_multimin_fminimizer_iterate(search) == 0 && gsl_multimin_fminimizer_size(search) > 1e-7) {
     }
     benchmark::DoNotOptimize(gsl_multimin_fminimizer_minimum(search));

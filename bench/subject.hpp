@@ -1,5 +1,5 @@
 #pragma once
-// What the benchmarks work on: one simulated display, and a folder that goes away with the process.
+// What the benchmarks work on: one simulated display, and a folder that is removed when the process ends.
 
 #include <filesystem>
 #include <fstream>
@@ -10,7 +10,7 @@
 
 namespace corvantile::bench {
 
-/// A noisy display of 100 cd/m2 with curved components, so that no fit has an easy time.
+/// A noisy display of 100 cd/m2 with curved components, so that no fit is easy.
 inline simulated_display subject(int levels) {
   simulated_display d;
   d.levels = levels;
@@ -26,7 +26,7 @@ inline simulated_display subject(int levels) {
   return d;
 }
 
-/// A folder of this process's own; both it and all in it are removed at the end.
+/// A folder for this process only, removed at the end with everything in it.
 class scratch_folder {
  public:
   scratch_folder()

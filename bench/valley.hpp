@@ -1,5 +1,5 @@
 #pragma once
-// What the minimisers are measured on.
+// The cost that minimisers are compared on.
 
 #include <array>
 #include <cstddef>
@@ -7,8 +7,8 @@
 
 namespace corvantile::bench {
 
-/// H. H. Rosenbrock's valley, The Computer Journal 3 (1960), in as many dimensions as there are: hardly any cost, so
-/// what is measured is the minimiser itself.
+/// H. H. Rosenbrock's valley, The Computer Journal 3 (1960), in any number of dimensions. It costs hardly anything,
+/// so the time is that of the minimiser itself.
 inline double valley(std::span<const double> x) {
   double sum = 0;
   for (std::size_t i = 0; i + 1 < x.size(); ++i) {
