@@ -12,9 +12,9 @@ TEST(Xyz2Lab, FollowsItsDefinition) {
   EXPECT_LT(dist2(xyz2lab_vec({{95.047, 12.5, 108.883}}, white), {{42, 250, -100}}), 1e-26);
 }
 
-// Sharma, Wu and Dalal (2005), table 1; four decimals. In pairs 10 and 14 the hues differ by pi to the last bit:
-// rounding that falls on the other side gives 7.2195 and 4.7461.
-// Two pairs a line: L, a, b of either colour, and their difference.
+// Sharma, Wu and Dalal (2005), table 1; four decimals. In pairs 10 and 14 the hues differ by pi to the last bit: if
+// rounding falls on the other side, they give 7.2195 and 4.7461.
+// Two pairs per line: L, a, b of both colours, then their difference.
 const double published[34][7] = {
     // clang-format off
     {50, 2.6772, -79.7751, 50, 0, -82.7485, 2.0425}, {50, 3.1571, -77.2803, 50, 0, -82.7485, 2.8615},
@@ -49,8 +49,9 @@ TEST(DeltaE2000, ReproducesThePublishedPairsInBothOrders) {
 }
 
 TEST(DeltaE2000, FactorsDivideTheirOwnTerm) {
-  const vec3 gray{{40, 0, 0}}, a{{50, 30, 1}}, b{{50, 30, -1}};  // a and b: hue alone, far from the blue rotation
-  EXPECT_DOUBLE_EQ(deltae2000_vec(gray, {{60, 0, 0}}, {{2, 1, 1}}), 10) << "lightness alone, about a mean of 50";
+  const vec3 gray{{40, 0, 0}}, a{{50, 30, 1}},
+      b{{50, 30, -1}};  // a and b differ in hue alone, far from the blue rotation
+  EXPECT_DOUBLE_EQ(deltae2000_vec(gray, {{60, 0, 0}}, {{2, 1, 1}}), 10) << "lightness alone, around a mean of 50";
   EXPECT_DOUBLE_EQ(deltae2000_vec(gray, {{40, 0, 30}}, {{1, 3, 1}}), deltae2000_vec(gray, {{40, 0, 30}}) / 3);
   EXPECT_DOUBLE_EQ(deltae2000_vec(a, b, {{1, 1, 4}}), deltae2000_vec(a, b) / 4);
 }

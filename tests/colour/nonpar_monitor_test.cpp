@@ -71,8 +71,8 @@ ramp_top bisected(const monitor& mon, const vec3& base) {
 }
 
 TEST(RampTop, HasTheBitsOfTheDefinitionAlthoughMostTrialsEndEarly) {
-  monitor dim = plain,
-          bright = plain;  // far brighter, or darker, than their white points say: the ends of the search
+  // Far brighter, or darker, than their white points say: the ends of the search.
+  monitor dim = plain, bright = plain;
   dim.whitepoint = 0.1 * dim.whitepoint;
   bright.whitepoint = 100.0 * bright.whitepoint;
   for (const monitor& mon : {plain, composite, dim, bright}) {
@@ -102,7 +102,7 @@ TEST(GrayRamp, ShowsTheCurveTimesTheTopPlusTheWeightedDark) {
                                                {by_swath, bcgtw(plain, 6500, 0.005)},
                                                {by_chromaticity, ramptop_xyz(plain, warm)}};
   for (const auto& [tab, top] : ramps) {
-    EXPECT_EQ(row3(tab, 17), top.inp) << "without any dark";
+    EXPECT_EQ(row3(tab, 17), top.inp) << "no dark light at the top";
     for (std::size_t i = 0; i < 17; ++i) {
       const double s = static_cast<double>(i) / 17, w = s > 0.4 ? 0 : (std::cos(std::numbers::pi * s / 0.4) + 1) / 2;
       const vec3 target = interp(curve, s) * top.xyz + w * plain.darklight;

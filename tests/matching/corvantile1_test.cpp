@@ -29,9 +29,9 @@ TEST(GrayMatch, ShadesTheTopTowardsASecondTemperature) {
     double wptemp, second, alpha, beta, k0;     // k0: the row, counted from 1, where the shading starts
   } cases[] = {{-1, 6500, 0.5, 0.8, 13},        // no shading
                {0, own, 0.5, 0.8, 13},          // the display's own white; 12.8 rounded
-               {9000, 9000, 0.5, 0.90625, 15},  // 14.5: halves are rounded up
-               {9000, 9000, 0.01, 0.02, 1},     // a beginning before the first row moves there
-               {9000, 9000, 0.5, 1.0, 16}};     // 0/0 in the one row left: not a number, and kept so
+               {9000, 9000, 0.5, 0.90625, 15},  // 14.5: halves round up
+               {9000, 9000, 0.01, 0.02, 1},     // a start before the first row moves there
+               {9000, 9000, 0.5, 1.0, 16}};     // 0/0 in the only row left: deliberately NaN
   for (const auto& c : cases) {
     matrix first(rows, 3), second(rows, 3), tab(rows, 3);
     colortemp_lut(first, plain, 6500, curve, c.alpha, 0.002);

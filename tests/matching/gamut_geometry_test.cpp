@@ -30,7 +30,7 @@ TEST(Segments, MeetWhereTheirLinesCross) {
   EXPECT_TRUE(segs_intersect(base, {{{0, -1}}, {{0, 0}}})) << "touching ends count";
   EXPECT_TRUE(segs_intersect({{{0, -1}}, {{0, 0}}}, base));
   EXPECT_FALSE(segs_intersect(base, {{{2, -2}}, {{2, -1}}})) << "beyond the second";
-  EXPECT_FALSE(segs_intersect(base, {{{1, 0}}, {{2, 0}}})) << "overlapping, yet parallel";
+  EXPECT_FALSE(segs_intersect(base, {{{1, 0}}, {{2, 0}}})) << "overlapping but parallel";
   EXPECT_FALSE(segs_intersect(base, {{{1, -1e-15}}, {{1, 4e-15}}})) << "the bound of 2.2e-14 is absolute";
 }
 
@@ -46,10 +46,10 @@ TEST(InteriorTriangle, KeepsTheIncentreAndLosesTheMargin) {
 }
 
 TEST(AdjustPrimaries, UnreachableOnesMoveTowardsWhiteOntoTheBoundary) {
-  // Red and blue lie outside the gamut of sRGB, green inside it until it shrinks.
+  // Red and blue lie outside the gamut of sRGB; green lies inside until the gamut shrinks.
   const chromaticity_table wide{{{0.70, 0.29}}, {{0.31, 0.59}}, {{0.13, 0.04}}, srgb.white};
   const triangle gamut{srgb.red, srgb.green, srgb.blue};
-  EXPECT_FALSE(adjust_primaries(c2rgb_type(wide), gamut, 0.2).margin_ok) << "more than the gamut has";
+  EXPECT_FALSE(adjust_primaries(c2rgb_type(wide), gamut, 0.2).margin_ok) << "more than the gamut can lose";
   for (const double margin : {0.0, 0.005}) {
     const auto got = adjust_primaries(c2rgb_type(wide), gamut, margin);
     const std::array c = each(rgb2c_type(got.rgb)), from = each(wide);

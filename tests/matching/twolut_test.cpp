@@ -8,11 +8,11 @@
 namespace corvantile {
 namespace {
 
-// The display's gamut is that of sRGB; the first target lies inside it, the second far outside.
+// The display has the gamut of sRGB; the first target lies inside it, the second far outside.
 const chromaticity_table inside{{{0.6, 0.34}}, {{0.31, 0.55}}, {{0.17, 0.1}}, {{0.32, 0.335}}};
 const chromaticity_table outside{{{0.7, 0.29}}, {{0.17, 0.78}}, {{0.13, 0.04}}, {{0.3127, 0.329}}};
 
-// Chromaticities do not depend on the level: what a matrix in linear light assumes.
+// Its chromaticities do not depend on the level, as a matrix in linear light assumes.
 const monitor display = fitted({.gamma = {{2.1, 2.2, 2.4}}, .toe = 0.02, .digits = 12}, 8);
 
 double luminance(const mat3& m) { return (m * vec3{{1, 1, 1}})[1]; }
@@ -21,7 +21,7 @@ TEST(TwoTables, TheCorrectedDisplayShowsTheTarget) {
   const auto sol = twolutsolution(display, inside, {.gamma = 1.8, .lut = {}}, 1025);
   EXPECT_EQ(sol.distances, vec3{}) << "all reachable";
   EXPECT_EQ(sol.cmon.name, "frontend on simulated");
-  EXPECT_EQ(sol.prelut(512, 1), std::pow(0.5, 1.8)) << "without a tone table the power law serves";
+  EXPECT_EQ(sol.prelut(512, 1), std::pow(0.5, 1.8)) << "without a tone table, the power law";
   EXPECT_EQ(sol.ref_smon.offset, display.darklight);
   for (const vec3& u : {vec3{{1, 1, 1}}, vec3{{0.3, 0.3, 0.3}}, vec3{{0, 1, 0}}, vec3{{0.5, 0.75, 1}}}) {
     const vec3 got = inp2out_vec(sol.cmon, u);
@@ -31,7 +31,7 @@ TEST(TwoTables, TheCorrectedDisplayShowsTheTarget) {
 
 TEST(TwoTables, LuminanceIsAFractionOfTheBrightestGrayAndLeavesHeadroom) {
   const double top = ramptop_xyz(display, inside.white).xyz[1];
-  for (const double lumfrac : {0.5, 0.95}) {  // room enough; the largest row sum meets the margin
+  for (const double lumfrac : {0.5, 0.95}) {  // enough room; then the largest row sum meets the margin
     const auto sol = twolutsolution(display, inside, {0, lumfrac, 0.05, 2.2, make_gamma_table(2.2, 256)}, 65);
     const double white = luminance(sol.mod_smon.primaries);
     const double largest = std::ranges::max((sol.matrix * vec3{{1, 1, 1}}).v);
@@ -42,7 +42,7 @@ TEST(TwoTables, LuminanceIsAFractionOfTheBrightestGrayAndLeavesHeadroom) {
 
 TEST(TwoTables, UnreachablePrimariesAreMovedAndTheWhiteIsNot) {
   const auto sol = twolutsolution(display, outside, {}, 65);
-  EXPECT_EQ(sol.status, 1) << "within the gamut, thanks to the margin no entry is negative";
+  EXPECT_EQ(sol.status, 1) << "within the gamut, and the margin keeps entries from turning negative";
   const auto moved = rgb2c_type(sol.mod_smon.primaries);
   EXPECT_NEAR(uvdist(moved.red, outside.red), sol.distances[0], 1e-14);
   EXPECT_NEAR(uvdist(moved.green, outside.green), sol.distances[1], 1e-14);

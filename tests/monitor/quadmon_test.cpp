@@ -12,7 +12,7 @@ namespace {
 TEST(Fit, RecoversTheDisplay) {
   simulated_display d = uneven_display();
   d.digits = 15;
-  d.dark_red_z = true;  // as wide-gamut reds come close to: there is no Z to form a ratio of
+  d.dark_red_z = true;  // nearly so in wide-gamut displays: there is no Z to form a ratio from
   d.nZ[0] = 0;
   const monitor mon = fitted(d, 8);
   EXPECT_EQ(mon.zcurve[0], makeppoly({0, 1}, {makepoly({0, 1})}));
@@ -39,7 +39,7 @@ TEST(Fit, AveragesTheDarkOverAllRampsAndTakesOnlyTheDriveScaleFromExtraSamples) 
     const std::size_t extra = m.data.rows() - 1;
     for (std::size_t r = 0; r < extra / 5; ++r) m.data(5 * r + 4, 3) = 0.1 * static_cast<double>(r + 1);
     m.data(extra, 1) = 510;
-    m.data(extra, 4) = std::numeric_limits<double>::quiet_NaN();  // its colour is not even looked at
+    m.data(extra, 4) = std::numeric_limits<double>::quiet_NaN();  // its colour is not used at all
     const monitor mon = makemonitor(m);
     EXPECT_NEAR(mon.darklight[0], version == 1 ? 0.4 : 0.25, 1e-15);
     EXPECT_EQ(mon.rampin(4, 0), 0.5);

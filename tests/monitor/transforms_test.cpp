@@ -10,7 +10,7 @@ namespace corvantile {
 namespace {
 
 TEST(FrontEnd, MapsThroughTableMatrixTable) {
-  const mat3 swap{{vec3{{0, 1, 0}}, vec3{{1, 0, 0}}, vec3{{0.5, 0, 1}}}};  // column c says where channel c goes
+  const mat3 swap{{vec3{{0, 1, 0}}, vec3{{1, 0, 0}}, vec3{{0.5, 0, 1}}}};  // column c is where channel c goes
   const lut twice{{0, 1}, {0, 2}}, plus{{0, 1}, {10, 11}};
   front_end fe{{twice, twice, twice}, {plus, plus, plus}, swap};
   EXPECT_EQ(femap_vec(fe, {{1, 2, 3}}), (vec3{{17, 12, 16}}));
@@ -19,7 +19,7 @@ TEST(FrontEnd, MapsThroughTableMatrixTable) {
   set3chluts(fe, &pre);
   EXPECT_EQ(fe, (front_end{composite.fe.pre, {plus, plus, plus}, swap})) << "parts not given stay";
   set3chluts(fe, nullptr, &post, &composite.fe.matrix);
-  EXPECT_EQ(fe, composite.fe) << "each table with a length of its own";
+  EXPECT_EQ(fe, composite.fe) << "each table keeps its own length";
 }
 
 TEST(TableMaps, UndoEachOtherWhereColumnsAreStrictlyMonotone) {
@@ -32,10 +32,10 @@ TEST(TableMaps, UndoEachOtherWhereColumnsAreStrictlyMonotone) {
 
 TEST(Transforms, PreparedMonitorsHaveTheBitsOfTheGeneralRoutinesAndInputsComeBack) {
   monitor mixed = plain;
-  mixed.zcurve = fitted(uneven_display(), 8).zcurve;  // X and Z on different knots, as in a red without any Z
+  mixed.zcurve = fitted(uneven_display(), 8).zcurve;  // X and Z on different knots, as in a red without Z
   std::mt19937 random(3);
   std::uniform_real_distribution<double> value(-0.3, 1.3);
-  matrix all = in_all_channels(linspace(0, 1, 51));  // ends and knots among them
+  matrix all = in_all_channels(linspace(0, 1, 51));  // includes ends and knots
   for (std::size_t i = 11; i < 50; ++i) set_row3(all, i, {{value(random), value(random), value(random)}});
   for (const monitor& mon : {plain, composite, mixed}) {
     const prepared_monitor prepared(mon);
@@ -49,7 +49,7 @@ TEST(Transforms, PreparedMonitorsHaveTheBitsOfTheGeneralRoutinesAndInputsComeBac
       EXPECT_LT(dist2(quad_out2mon(mon, quadmon2out_vec(mon, inside)), inside), 1e-10);
     }
   }
-  // Curves that no fit makes are asked in the plain way.
+  // Curves unlike those of a fit are evaluated in the plain way.
   monitor bent = composite, empty = plain;
   bent.inpcurve[1] = pp_to_power(bent.inpcurve[1], 2);
   bent.zcurve[2] = pp_to_power(bent.zcurve[2], 2);
@@ -78,7 +78,7 @@ TEST(SyntheticMonitor, ShowsRowSumsOverItsBlackAndGoesBackEvenWhereItsTableIsFla
     const vec3 u{{0.25, 0.9, 0.6}};
     const double off = dist2(syn_out2inp_vec(syn, syn_inp2out_vec(syn, u)), u);
     EXPECT_LT(off, table == rising ? 1e-28 : 1e-4);
-    EXPECT_EQ(off > 1e-9, table == flat) << "a flat one is smoothed";
+    EXPECT_EQ(off > 1e-9, table == flat) << "a flat table is smoothed";
   }
 }
 

@@ -48,7 +48,8 @@ TEST(Spline, TooFewOrEqualKnotsAreHarmless) {
   for (const int endcond : {1, 2, 3, 4}) {
     EXPECT_TRUE(std::isnan(slopes_of({0}, {1}, endcond)[0])) << endcond;
     EXPECT_EQ(slopes_of({}, {}, endcond), vec{}) << endcond;
-    for (const vec& x : {vec{0, 1}, {0, 1, 3}, {1, 1, 1, 1}}) slopes_of(x, x, endcond);  // stays within its arrays
+    for (const vec& x : {vec{0, 1}, {0, 1, 3}, {1, 1, 1, 1}})
+      slopes_of(x, x, endcond);  // must stay within its arrays
   }
 }
 

@@ -16,7 +16,7 @@ TEST(LocalLine, KeepsLinesAndAveragesWhatScatters) {
     scatter.weight.push_back(1);
   }
   for (const double at : {0.0, 0.1, 0.77, 1.0}) EXPECT_NEAR(local_line(line, at, 0.25), 3 - 2 * at, 1e-12) << at;
-  EXPECT_NEAR(local_line(line, 0.51, 0.001), 3 - 2 * 0.51, 1e-12) << "reaches for three samples";
+  EXPECT_NEAR(local_line(line, 0.51, 0.001), 3 - 2 * 0.51, 1e-12) << "the reach grows to three samples";
   EXPECT_NEAR(local_line(scatter, 0.5, 0.25), 0, 0.01);
   EXPECT_NEAR(local_line(scatter, 1, 0.25), 0, 0.3) << "from one side only";
   EXPECT_EQ(local_line(one, 0.9, 0.25), 7);

@@ -32,9 +32,9 @@ TEST(NelderMead, FindsAKnownMinimumInBothKindsOfDimension) {
 
 TEST(NelderMead, TakesEachStepByItsRule) {
   // Vertices (0, 0), (1, 0), (0, 1) of cost 3, 2, 1; all steps lie at (at, at).
-  // Cost there at 1, 1.5, 0.75 and 0.25; best cost and evaluations after one iteration.
+  // Columns: cost there at 1, 1.5, 0.75 and 0.25; best cost and evaluations after one iteration.
   const std::tuple<std::array<double, 4>, double, int, const char*> rows[] = {
-      {{0, 0.5, 9, 9}, 0.5, 5, "the expansion is weighed against the old best, not the reflection"},
+      {{0, 0.5, 9, 9}, 0.5, 5, "the expansion is compared with the old best, not the reflection"},
       {{0, 1, 9, 9}, 0, 5, "expansion no better than the old best: reflection"},
       {{1, 0, 9, 9}, 1, 4, "as good as the best: reflection, no expansion"},
       {{2.5, 9, 0, 9}, 0, 5, "contraction outside"},
@@ -54,7 +54,7 @@ TEST(NelderMead, InsertionSortsAsNeighbourExchangeDoesTiesAndNotANumberIncluded)
   std::mt19937 random(7);
   const std::array choices{0.0, 1.0, 2.0, 3.0, nan, std::numeric_limits<double>::infinity(), 1.5, -0.0};
   for (int trial = 0; trial < 40000; ++trial) {
-    std::array<std::pair<double, double>, 5> v;  // value, where it stood
+    std::array<std::pair<double, double>, 5> v;  // value, original position
     simplex<4> s(4);
     for (std::size_t i = 0; i < 5; ++i) {
       v[i] = {choices[random() % 8], i};
@@ -71,7 +71,7 @@ TEST(NelderMead, InsertionSortsAsNeighbourExchangeDoesTiesAndNotANumberIncluded)
 }
 
 TEST(NelderMead, LeavingOutRepeatedIterationsChangesNothing) {
-  // Costs whose values never agree to the tolerance: rounding noise stops the simplex at neighbouring doubles.
+  // Costs whose values never agree to the tolerance: rounding noise stops the simplex between neighbouring doubles.
   int stalls = 0;
   for (int i = 0; i < 60; ++i) {
     const auto cost = [i](point x) {
@@ -89,10 +89,10 @@ TEST(NelderMead, LeavingOutRepeatedIterationsChangesNothing) {
     EXPECT_EQ(outcome(skipped), outcome(full)) << i;
     if (skipped.evals < full.evals / 2) ++stalls;
   }
-  EXPECT_GE(stalls, 5) << "or the test shows nothing";
+  EXPECT_GE(stalls, 5) << "otherwise the test shows nothing";
 }
 
-// Three squares. Asked with a limit, it stops adding where the sum reaches that, and tells the limit itself.
+// A sum of three squares. With a limit, it stops adding once the sum reaches the limit, and returns the limit.
 struct squares {
   double k;
   int* early;
@@ -121,14 +121,14 @@ TEST(NelderMead, CostsThatKnowOfLimitsLeadToTheSameEnd) {
     };
     EXPECT_EQ(outcome(limited), outcome(whole)) << i;
   }
-  EXPECT_GE(early, 1000) << "or the test shows nothing";
+  EXPECT_GE(early, 1000) << "otherwise the test shows nothing";
 }
 
 TEST(Conics, MeetInTheUnitSquare) {
-  const conic u_pair{1, 0, 0, -1, 0, 0.16}, v_pair{0, 0, 1, 0, -1, 0.16};  // 0.2 and 0.8 each
+  const conic u_pair{1, 0, 0, -1, 0, 0.16}, v_pair{0, 0, 1, 0, -1, 0.16};  // zero at 0.2 and 0.8 each
   const std::tuple<conic, conic, vec2, vec2, const char*> rows[] = {
-      {u_pair, v_pair, {{2, -1}}, {{0.8, 0.2}}, "starts outside begin at the bounds"},
-      {u_pair, v_pair, {{nan, 2}}, {{0.2, 0.8}}, "those that are no number at 0"},
+      {u_pair, v_pair, {{2, -1}}, {{0.8, 0.2}}, "starting values outside begin at the bounds"},
+      {u_pair, v_pair, {{nan, 2}}, {{0.2, 0.8}}, "NaN begins at 0"},
       {{0, 1, 0, 0, 0, -0.16}, {0, 0, 0, 1, 1, -1}, {{0.9, 0.1}}, {{0.8, 0.2}}, "hyperbola and line"},
       {{0, 0, 0, 1, 0, -2}, v_pair, {{0.5, 0.3}}, {{1, 0.2}}, "no meeting point: the nearest miss"}};
   for (const auto& [q1, q2, start, want, why] : rows) {

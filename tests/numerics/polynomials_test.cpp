@@ -20,11 +20,12 @@ TEST(Polynomial, OperationsGiveTheExactCoefficients) {
   EXPECT_EQ(poly_arg_scale(one, 2.0).coef, (coefs{1, 2, 4}));
   EXPECT_EQ(poly_compose(one, makepoly({1, 0, 2})).coef, (coefs{3, 0, 6, 0, 4})) << "1 + q + q^2, q = 1 + 2 x^2";
   EXPECT_EQ(poly_to_power(makepoly({1, 1}), 4).coef, (coefs{1, 4, 6, 4, 1}));
-  EXPECT_EQ(poly_to_power(a, -3).coef, coefs{1}) << "constant 1 below zero";
+  EXPECT_EQ(poly_to_power(a, -3).coef, coefs{1}) << "the constant 1 for negative powers";
   EXPECT_EQ(poly_arg_power(3).coef, (coefs{0, 0, 0, 1}));
   EXPECT_EQ(poly_trim(makepoly({1, 1e-20, 0})).coef, coefs{1}) << "below 2^-52 of the largest";
   EXPECT_EQ(poly_trim(makepoly({1, 1e-20, 0}), 0.0).coef, (coefs{1, 1e-20}));
-  EXPECT_EQ(poly_trim(makepoly({2, 2}), 2.0).coef, coefs{0}) << "the tolerance itself is dropped, the last one stays";
+  EXPECT_EQ(poly_trim(makepoly({2, 2}), 2.0).coef, coefs{0})
+      << "coefficients equal to the tolerance go; zero remains";
   EXPECT_EQ(polyval(makepoly({5}), std::numeric_limits<double>::quiet_NaN()), 5) << "a constant ignores x";
   EXPECT_EQ(polydefint(a, 1, 0), -3) << "signed";
 }

@@ -12,7 +12,7 @@ constexpr double inf = std::numeric_limits<double>::infinity();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
 const ppoly identity = makeppoly({0, 1, 2}, {makepoly({0, 1}), makepoly({1, 1})});
-/// 1/8 + x on [0, 1] and a parabola on [1, 2] that joins it smoothly.
+/// 1/8 + x on [0, 1], smoothly joined by a parabola on [1, 2].
 const ppoly bent = makeppoly({0, 1, 2}, {makepoly({0.125, 1}), makepoly({1.125, 1, 0.5})});
 
 TEST(Ppoly, TheLeftPieceOwnsAKnotAndTheEndPiecesGoOn) {
@@ -42,7 +42,7 @@ TEST(Ppoly, CalculusAndHermite) {
 TEST(Ppoly, BisectionInvertsRisingAndFallingFunctions) {
   const ppoly down = 3.0 - bent;
   EXPECT_NEAR(ppsolve_s(bent, 0.625, 2, 0, 1e-14), 0.5, 1e-14) << "bracket given backwards";
-  EXPECT_NEAR(ppsolve_s(down, 2.375, 0, 2, -1), 0.5, 1e-14) << "no bracket is narrower: ends all the same";
+  EXPECT_NEAR(ppsolve_s(down, 2.375, 0, 2, -1), 0.5, 1e-14) << "no bracket is that narrow, but it ends";
   EXPECT_NEAR(ppsolve_s(down, 99, 0, 2, 1e-14), 0, 1e-14) << "out of reach: the nearer end";
   EXPECT_NEAR(ppsolve_s(0.0 * bent, 1, 0, 2, 1e-14), 0, 1e-14) << "a constant counts as falling";
   EXPECT_EQ(ppsolve_s(identity, 1.0, 0, 2, 1), 1) << "a bracket as wide as tol is done";
@@ -58,7 +58,7 @@ TEST(Ppoly, BisectionInvertsRisingAndFallingFunctions) {
 TEST(Ppoly, InsertingAKnotKeepsTheFunctionEverywhere) {
   for (const double knot : {-2., 0.5, 1., 1 + 4e-15, 1 + 8e-15, 1.25, 3.}) {
     const ppoly q = insert_knot(bent, knot);
-    // Knots within 10 epsilon of the largest are one.
+    // Knots within 10 epsilon of the largest count as one.
     ASSERT_EQ(q.knots.size(), std::abs(knot - 1) < 5e-15 ? 3u : 4u) << knot;
     EXPECT_TRUE(std::ranges::is_sorted(q.knots)) << knot;
     ASSERT_EQ(q.polys.size() + 1, q.knots.size()) << knot;

@@ -64,9 +64,9 @@ TEST(Svd, PseudoInverse) {
   const matrix p = pinv(golub_reinsch, 1e-12);
   expect_near(times(times(golub_reinsch, p), golub_reinsch), golub_reinsch, 5e-14, "A P A = A ");
   expect_near(transposed(times(p, golub_reinsch)), times(p, golub_reinsch), 5e-16, "P A is symmetric ");
-  expect_near(pinv(of(2, 2, {4, 0, 0, 0.5}), 0.5), of(2, 2, {0.25, 0, 0, 2}), 0, "a value equal to tol counts ");
+  expect_near(pinv(of(2, 2, {4, 0, 0, 0.5}), 0.5), of(2, 2, {0.25, 0, 0, 2}), 0, "a value equal to tol is kept ");
   expect_near(pinv(of(3, 3, {1, 0, 0, 0, 1e-15, 0, 0, 0, 1e-17})), of(3, 3, {1, 0, 0, 0, 1e15, 0, 0, 0, 0}), 1,
-              "the default is 2^-52 of the largest ");
+              "the default is 2^-52 of the largest element ");
 }
 
 TEST(Svd, EndsAndIsSafeForExtremeValues) {

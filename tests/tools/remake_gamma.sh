@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# remake_gamma.sh TOOL FOLDER: the shipped gamma files are those that the tool writes, but for the last bit of a power,
-# in which mathematical libraries differ.
+# remake_gamma.sh TOOL FOLDER: the shipped gamma files must be those that the tool writes, except for the last bit of
+# a power, in which mathematical libraries differ.
 set -euo pipefail
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT

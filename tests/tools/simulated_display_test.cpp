@@ -34,7 +34,7 @@ TEST(SimulatedDisplay, NeedNotAddUp) {
     double white, red;  // of the light
     const char* why;
   } rows[] = {{{.black_luminance = 0, .power_limit = 0.3}, 0.7, 0.9, "a channel is a third of the load"},
-              {{.black_luminance = 0, .crosstalk = {{.2, .2, .2}}}, 0.8, 1, "red alone has nothing to lose to"},
+              {{.black_luminance = 0, .crosstalk = {{.2, .2, .2}}}, 0.8, 1, "red alone loses nothing"},
               {{.black_luminance = 0, .dynamic_backlight = 0.3}, 1, 0.8, "red is a third of the picture"}};
   for (const auto& r : rows) {
     EXPECT_NEAR(shown(r.d, white)[1], r.white * shown(plain, white)[1], 1e-9) << r.why;
@@ -44,7 +44,7 @@ TEST(SimulatedDisplay, NeedNotAddUp) {
   const auto inverse = [&](const vec3& u) { return white - u; };
   EXPECT_NE(readings_table(plain, std::vector<vec3>{white, black}, inverse).find("\n0 0 0 237.614 250.000 "),
             std::string::npos)
-      << "drives as asked for, light as loaded";
+      << "the drives asked for, the light of the loaded ones";
 }
 
 TEST(SimulatedDisplay, ComplainsByName) {

@@ -13,7 +13,7 @@ TEST(ArrayHelpers, CountFromOneAndDownTheColumns) {
   EXPECT_EQ(find_vec({true, false, true}), (std::vector<int>{1, 3}));
   EXPECT_EQ(find_mat(mask), (std::vector<int>{2, 3}));
   EXPECT_EQ(risingedgetrigger(vec{5, 1, std::nan(""), 5, std::nan(""), 5}, 1, 3), 4)
-      << "a NaN begins and ends no run";
+      << "NaN neither begins nor ends a run";
   EXPECT_EQ(fallingedgetrigger(vec{0, 1, 2, 0, 0}, 1, 2), 4) << "strictly below";
   EXPECT_EQ(risingedgetrigger(vec(9, 1), 0), 0) << "ten in a row by default";
   EXPECT_EQ(risingedgetrigger(vec(10, 1), 0), 1);

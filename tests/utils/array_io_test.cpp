@@ -23,9 +23,9 @@ static std::string row_of(const std::vector<double>& v) {
 TEST(Print, FieldWidthFollowsTheData) {
   EXPECT_EQ(row_of({1.5, 0.25}), "   1.500000000000   0.250000000000\n") << "width 14: room for the zero";
   EXPECT_EQ(row_of({0.5, 0}), "   .500000000000   .000000000000\n") << "all below 1: width 13, no zeros";
-  EXPECT_EQ(row_of({0.5, -1e-20}), "   0.500000000000   -.000000000000\n") << "any negative entry asks for width 14";
+  EXPECT_EQ(row_of({0.5, -1e-20}), "   0.500000000000   -.000000000000\n") << "any negative entry needs width 14";
   EXPECT_EQ(row_of({0.5, -0.0}), "   .500000000000   *************\n") << "a negative zero does not";
-  EXPECT_EQ(row_of({nan, 0.5, nan}), "             NaN   .500000000000             NaN\n") << "nor does a NaN";
+  EXPECT_EQ(row_of({nan, 0.5, nan}), "             NaN   .500000000000             NaN\n") << "nor does NaN";
   EXPECT_EQ(row_of({}), "\n");
   int_matrix n(2, 2);
   n(1, 0) = -1000;
@@ -47,7 +47,7 @@ TEST(ArrayFiles, AreReadBackAndPackCellCorners) {
   for (const std::string text : {"7\n\n 7\r\n7", "7 7\n7 8\n7", "7\n7\n7\nend\n3\n"}) {
     write_file(name, text);
     EXPECT_TRUE(loadarray(name, v));
-    EXPECT_EQ(v, std::vector<double>(3, 7)) << "as many as lines that begin with one";
+    EXPECT_EQ(v, std::vector<double>(3, 7)) << "as many as there are lines that begin with a number";
   }
   write_file(name, "1 one\n2\n");
   EXPECT_FALSE(loadarray(name, v));

@@ -14,7 +14,7 @@ namespace corvantile {
 
 namespace fs = std::filesystem;
 
-// A directory of its own, with whatever the writes leave in it.
+// A directory for one test and everything that it writes.
 class FileOutput : public ::testing::Test {
  protected:
   void SetUp() override { fs::create_directories(dir_); }
@@ -45,20 +45,20 @@ TEST_F(FileOutput, ReplacesFilesWithoutATraceAndFollowsLinks) {
   const std::string large(100000, 'x');
   write_file(path("far"), large);
   write_file(path("dangling"), "made");
-  EXPECT_EQ(content("table.txt   "), large) << "trailing blanks of a name do not count in reading";
+  EXPECT_EQ(content("table.txt   "), large) << "reading ignores trailing blanks of a name";
   struct stat kept {};
   ASSERT_EQ(::stat(path("table.txt").c_str(), &kept), 0);
   EXPECT_EQ(kept.st_mode & 07777U, 02640U);
   EXPECT_EQ(kept.st_uid, given_away ? 65534U : ::getuid());
   EXPECT_EQ(kept.st_gid, given_away ? 65533U : ::getgid());
   EXPECT_EQ(content("old.txt") + content("not_yet.txt"), "one\nmade")
-      << "renamed into place: the old content was never written over";
+      << "renamed into place: the old content was never overwritten";
   for (const char* link : {"near", "far", "dangling"}) EXPECT_TRUE(fs::is_symlink(path(link))) << link;
   EXPECT_EQ(files(), 6) << "no temporary file";
   EXPECT_EQ(content("."), "cannot be read") << "a directory";
   ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
   const int reader = ::open(path("pipe").c_str(), O_RDONLY | O_NONBLOCK);
-  write_file(path("pipe"), large.substr(0, 9));  // must not block, nor replace what is no file
+  write_file(path("pipe"), large.substr(0, 9));  // must neither block nor replace the pipe
   EXPECT_TRUE(fs::is_fifo(path("pipe")));
   ::close(reader);
 }

@@ -13,9 +13,9 @@ static bool same(double a, double b) { return a == b || (std::isnan(a) && std::i
 
 TEST(Lut, IsBuiltOrSaysWhyNotOrIsRepaired) {
   const values up{1, 2, 4}, down{3, 2, 1}, one{1};
-  EXPECT_EQ(makelut_stat(up, down).table, (lut{up, down})) << "ordinates may do as they like";
-  EXPECT_EQ(makelut_stat(down, up).table, (lut{{1, 2, 3}, {4, 2, 1}})) << "falling: turned round";
-  EXPECT_EQ(makelut_stat(one, up).stat, 1) << "lengths are looked at first";
+  EXPECT_EQ(makelut_stat(up, down).table, (lut{up, down})) << "ordinates need not rise";
+  EXPECT_EQ(makelut_stat(down, up).table, (lut{{1, 2, 3}, {4, 2, 1}})) << "falling: reversed";
+  EXPECT_EQ(makelut_stat(one, up).stat, 1) << "lengths are checked first";
   EXPECT_EQ(makelut_stat(one, one).stat, 4);
   EXPECT_EQ(makelut_stat({}, {}).stat, 4);
   for (const values& x : {values{0, 1, 1, 2}, {2, 1, 1}, {0, 2, 1}, {0, nan, 2}})
@@ -32,7 +32,7 @@ TEST(Lut, IsBuiltOrSaysWhyNotOrIsRepaired) {
 
 TEST(Lut, AnInterpolatorGivesTheBitsOfTheScan) {
   for (const auto& [x, y] : {std::pair{-0.5, -5.}, {0., 0.}, {1., 10.}, {2., 12.}, {4., 16.}})
-    EXPECT_EQ(interp({{0, 1, 3}, {0, 10, 14}}, x), y) << "the end segments go on";
+    EXPECT_EQ(interp({{0, 1, 3}, {0, 10, 14}}, x), y) << "the end segments continue";
 
   const auto table = [](std::size_t n, auto abscissa) {
     lut t{values(n), values(n)};
@@ -42,12 +42,12 @@ TEST(Lut, AnInterpolatorGivesTheBitsOfTheScan) {
   };
   const std::pair<const char*, lut> tables[] = {
       {"even: by index", table(256, [](double i) { return -3.7 + i * 14.8 / 255; })},
-      {"nearly even: up to one segment off", table(256, [](double i) { return i + 0.24 * std::sin(7 * i); })},
-      {"wavy: too far off for an index", table(256, [](double i) { return i + 1.1 * std::sin(i / 255 * 31.4); })},
+      {"nearly even: the index is off by up to one", table(256, [](double i) { return i + 0.24 * std::sin(7 * i); })},
+      {"wavy: too uneven for an index", table(256, [](double i) { return i + 1.1 * std::sin(i / 255 * 31.4); })},
       {"rising: by bisection", table(90, [](double i) { return std::pow(i / 89, 2.2); })},
       {"up, down and ties: by scan", table(256, [](double i) { return i - std::fmod(i, 5) * 2; })},
       {"steps whose reciprocal overflows", table(5, [](double i) { return (i + 1) * 1e-320; })},
-      {"one point: no number, either way", table(1, [](double) { return 5; })}};
+      {"one point: NaN either way", table(1, [](double) { return 5; })}};
   for (const auto& [why, t] : tables) {
     const interpolator fast(t);
     for (const double x : t.x)
@@ -62,7 +62,7 @@ TEST(Grid, HasItsEndsExactAndItsPointsDirect) {
   const values g = linspace(0.1, 0.7, 50);
   EXPECT_EQ(g.back(), 0.7);
   for (std::size_t i = 0; i < 49; ++i) EXPECT_EQ(g[i], 0.1 + static_cast<double>(i) * (0.7 - 0.1) / 49);
-  // Smoothed flat samples: only the least slope is left, and normalisation makes of it the identity.
+  // With flat samples only the least slope is left, and normalisation turns that into the identity.
   const values x{0.5, 0.6, 0.7, 0.8, 1}, even = iba(x, values(5), 4, 0.2, 6);
   for (std::size_t i = 0; i < 6; ++i) EXPECT_NEAR(even[i], 0.5 + static_cast<double>(i) / 10, 1e-6);
 }

@@ -84,7 +84,7 @@ TEST(Text, ReadsRealsInEverySpellingAndItsOwnBitForBit) {
   EXPECT_EQ(read_all("1000 +1000. 1e3 .1e+4 1.0d3 1D+03 1q3 1.+3 10000000-4"), read_all("9*1000"));
   EXPECT_EQ(read_all("inf 1e999 1d999 1e99999999999999999999 1" + zeros), read_all("5*Infinity"));
   EXPECT_EQ(read_all("1e-999 0.00001e-99999999999999999999 -1d999 0." + zeros + "1"), " 0 0 -Infinity 0");
-  EXPECT_EQ(read_all("1" + zeros + "d-400 NaN"), " 1 NaN") << "longer than the buffer for odd exponents";
+  EXPECT_EQ(read_all("1" + zeros + "d-400 NaN"), " 1 NaN") << "longer than the buffer for unusual exponents";
   for (const char* s : {"", "+", "+-1", "++1", "--1", ".", "e5", "1e", "1d", "1d+", "1e5d3", "1d2.5", "inf+3", "infx",
                         "0x1p3", "1.2.3", "1_8", " 1", "1 "})
     EXPECT_EQ(parse_real(s), std::nullopt) << s;
@@ -102,7 +102,7 @@ TEST(NumberScanner, ListsLinesAndPositions) {
   EXPECT_EQ(read_all("1\n2\n3x 4"), " 1 2 | line 3: expected a number, found '3x'");
   EXPECT_EQ(read_all("1,\n,2"), " 1 | line 2: expected a number, found a comma without a value before it");
   for (const std::string s : {"2*", "0*1", "-2*1", "2*3*1", "99999999999999999999*1"})
-    EXPECT_EQ(read_all(s), " | line 1: expected a number, found '" + s + "'") << "no such count";
+    EXPECT_EQ(read_all(s), " | line 1: expected a number, found '" + s + "'") << "not a repeat count";
 
   using enum number_scanner::result;
   number_scanner s("; made by hand\r\n17 0.5 rest\n\n2000000000*1");
@@ -111,14 +111,14 @@ TEST(NumberScanner, ListsLinesAndPositions) {
   EXPECT_EQ(s.next_line(), "; made by hand");
   EXPECT_EQ(s.next(n), number);
   EXPECT_EQ(n, 17);
-  EXPECT_EQ(s.next(n), bad) << "0.5 is no integer";
+  EXPECT_EQ(s.next(n), bad) << "0.5 is not an integer";
   EXPECT_EQ(s.problem("an integer"), "line 2: expected an integer, found '0.5'");
   EXPECT_EQ(s.next(v), number);
   EXPECT_EQ(v, 0.5) << "but still a number";
   EXPECT_EQ(s.next_line(), " rest");
   EXPECT_EQ(s.next(v), number);
   EXPECT_EQ(s.next_line(), std::nullopt);
-  EXPECT_EQ(s.next(v), end) << "repeats go with their line";
+  EXPECT_EQ(s.next(v), end) << "repeats end with their line";
   EXPECT_EQ(s.problem(), "line 4: expected a number, found the end");
 }
 
