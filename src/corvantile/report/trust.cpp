@@ -76,8 +76,8 @@ std::string accuracy(const accuracy_figures& a) {
 }
 
 std::string data_table(const quality& q) {
-  const std::string ramps = q.known.ramps.empty() ? "The ramps of the file were taken as they are."
-                                                  : "Red, green and blue ramps: " + q.known.ramps + ".";
+  const std::string made_of = q.known.ramps.empty() ? "The ramps of the file were taken as they are."
+                                                    : "Red, green and blue ramps: " + q.known.ramps + ".";
   return html::table("The readings", {{"", false}, {""}, {"what it says", false}},
                      {{"additivity", html::percent(1 + q.additivity, 2),
                        "sum of the three channels over the white; the model takes 100&nbsp;% for granted"},
@@ -85,7 +85,7 @@ std::string data_table(const quality& q) {
                       {"repeatability", html::percent(q.repeat_spread.value_or(unknown), 2),
                        "spread of patches that were read more than once"}},
                      "words") +
-         html::paragraph(text(ramps));
+         html::paragraph(text(made_of));
 }
 
 }  // namespace
