@@ -1,29 +1,29 @@
 #!/usr/bin/env bash
-# Holds the documentation to what is built: README.md and docs/*.md.
-#   commands   every block fenced as ```sh runs, a page's blocks one after the other in a folder of their own. Blocks
-#              that need an instrument, a desktop or another machine are fenced as ```sh device and passed over.
-#   code       the page's blocks fenced as ```cpp compile against the library as installed. A block with a `main` is a
-#              program; the others, in their order, are the body of one, whose output is that of the blocks fenced as
-#              ```text.
-#   python     blocks fenced as ```python run where examples/two_table keeps its tables
-#   links      relative links lead to files that exist, and to headings in them
-#   pictures   docs/pictures is what scripts/pictures.sh makes today
-# A failing command is told with its page and line.
+# Checks the documentation against what is built: README.md, CONTRIBUTING.md, docs/*.md and the examples' README.md.
+#   commands   runs every block fenced as ```sh, the blocks of a page one after the other in their own folder. Blocks
+#              that need an instrument, a desktop or another machine are fenced as ```sh device and skipped.
+#   code       compiles the blocks fenced as ```cpp against the installed library. A block with a `main` is a program.
+#              The other blocks of a page form the body of one program, in order; it must print what the blocks fenced
+#              as ```text say.
+#   python     runs the blocks fenced as ```python in the folder with the tables of examples/two_table
+#   links      relative links must lead to files that exist, and to headings in them
+#   pictures   docs/pictures must be what scripts/pictures.sh makes today
+# If a command fails, the message names its page and line.
 # Usage: scripts/check_docs.sh [BIN [PAGE ...]]     BIN: the folder of the built programs, default build/release/bin
-# A page finds the files that its reader would have by then: see `prepare`.
+# A page finds the files that its reader would have by then: see `prepare_once`.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 top=$PWD
 bin=$(realpath "${1:-build/release/bin}")
 pages=("${@:2}")
-[ ${#pages[@]} -gt 0 ] || pages=(README.md docs/*.md)
+[ ${#pages[@]} -gt 0 ] || pages=(*.md docs/*.md examples/*/README.md)
 work=$(mktemp -d "${TMPDIR:-/tmp}/corvantile-docs-XXXXXX")
 trap 'rm -rf "$work"' EXIT
 export PATH=$bin:$PATH
 . tests/kit/instrument_files.sh
 
-# Readings of a simulated display, 17 levels a ramp and 60 further patches; and a second run behind the correction of
-# `make display.ti3`.
+# Readings of a simulated display: 17 levels per ramp and 60 further patches. Then a second run, through the correction
+# that `make display.ti3` computes.
 prepare_once() {
   local display=("white=0.305,0.325" "gamma=2.3,2.2,2.1")
   simulate_display "${display[@]}" noise=0.001 extra=60 >simulated
@@ -40,7 +40,7 @@ prepare_once() {
   cp -r "$top/examples" .
 }
 
-blocks() {  # PAGE LANGUAGE: the page with nothing left but its blocks of that language, each line where it was
+blocks() {  # PAGE LANGUAGE: the page with all lines blank except those of its blocks in that language
   awk -v fence="^ *\`\`\`$2 *\$" '
     /^ *```/ { inside = !inside; wanted = inside && $0 ~ fence; print ""; next }
     { print wanted ? $0 : "" }' "$1"
@@ -48,7 +48,7 @@ blocks() {  # PAGE LANGUAGE: the page with nothing left but its blocks of that l
 
 run_commands() {  # PAGE
   local name folder count
-  name=$(basename "$1" .md)
+  name=$(tr / - <<<"${1%.md}")
   count=$(grep -c '^ *```sh *$' "$1" || true)
   [ "$count" -gt 0 ] || return 0
   folder=$work/$name-commands
@@ -65,12 +65,12 @@ run_commands() {  # PAGE
   fi
 }
 
-# A sanitized library would want the same of its users; there the code stays unread.
+# Programs that use a sanitized library must be sanitized, too, so the code is not checked in that build.
 build=$(dirname "$bin")
 compiler=$(sed -n 's/^CMAKE_CXX_COMPILER:[A-Z]*=//p' "$build/CMakeCache.txt" 2>/dev/null || true)
 if [ -z "$compiler" ] || grep -q '^CMAKE_BUILD_TYPE:[A-Z]*=Debug' "$build/CMakeCache.txt"; then compiler=; fi
 
-compile() {  # SOURCE PROGRAM, against the library as installed
+compile() {  # SOURCE PROGRAM, against the installed library
   if ! [ -d "$work/usr" ]; then
     cmake --install "$build" --prefix "$work/usr" --component development >/dev/null
   fi
@@ -83,9 +83,9 @@ compile() {  # SOURCE PROGRAM, against the library as installed
 check_code() {  # PAGE
   grep -q '^ *```cpp' "$1" && [ -n "$compiler" ] || return 0
   local folder
-  folder=$work/$(basename "$1" .md)-code
+  folder=$work/$(tr / - <<<"${1%.md}")-code
   mkdir "$folder"
-  # Each block with a main into a file of its own, the others into the body of one.
+  # Each block with a main goes into its own file, the others into the body of one program.
   awk -v folder="$folder" -v page="$1" '
     /^ *```cpp *$/ { inside = 1; block = "#line " NR + 1 " \"" page "\"\n"; next }
     /^ *```/ {
@@ -104,13 +104,13 @@ check_code() {  # PAGE
     }' "$1"
   local source
   for source in "$folder"/*.cpp; do
-    compile "$source" "${source%.cpp}" || { echo "$1: code that does not compile"; return 1; }
+    compile "$source" "${source%.cpp}" || { echo "$1: the code does not compile"; return 1; }
     (cd "$work/prepared" && "${source%.cpp}" examples/*/measurements.txt) >"${source%.cpp}.said" ||
       { echo "$1: a program ended with status $?"; return 1; }
   done
   if [ -e "$folder/body" ]; then
     blocks "$1" text | grep -v '^$' | diff - <(grep -v '^$' "$folder/body.said") ||
-      { echo "$1: its code says something else (>)"; return 1; }
+      { echo "$1: the code prints something else (>)"; return 1; }
   fi
   echo "$1: $(find "$folder" -name '*.cpp' | wc -l) programs compiled and ran"
 }
@@ -118,10 +118,10 @@ check_code() {  # PAGE
 run_python() {  # PAGE
   grep -q '^ *```python' "$1" && command -v python3 >/dev/null || return 0
   blocks "$1" python | (cd examples/two_table/expected && python3 -) >/dev/null ||
-    { echo "$1: its Python fails"; return 1; }
+    { echo "$1: the Python code fails"; return 1; }
 }
 
-anchors() {  # PAGE: its headings as links name them
+anchors() {  # PAGE: its headings, as links to them are spelled
   awk '/^ *```/ { inside = !inside } !inside && /^#+ / { sub(/^#+ */, ""); print tolower($0) }' "$1" |
     sed 's/[^a-z0-9 _-]//g; s/ /-/g'
 }
