@@ -6,17 +6,15 @@
 #include <string_view>
 #include <vector>
 
+#include "corvantile/formats/writers/baked.hpp"
 #include "corvantile/formats/writers/cal.hpp"
 #include "corvantile/formats/writers/clf.hpp"
 #include "corvantile/formats/writers/cube.hpp"
-#include "corvantile/formats/writers/cube3d.hpp"
-#include "corvantile/formats/writers/hex.hpp"
-#include "corvantile/formats/writers/icc.hpp"
+#include "corvantile/formats/writers/icc_profile.hpp"
 #include "corvantile/formats/writers/kms.hpp"
+#include "corvantile/formats/writers/memory_files.hpp"
 #include "corvantile/formats/writers/mhc2.hpp"
-#include "corvantile/formats/writers/monitor_icc.hpp"
 #include "corvantile/formats/writers/text_form.hpp"
-#include "corvantile/formats/writers/threedl.hpp"
 #include "corvantile/utils/failure.hpp"
 
 namespace corvantile {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "corvantile/formats/writers/memory_words.hpp"
+#include "corvantile/formats/writers/memory_files.hpp"
 #include "corvantile/formats/writers/writer.hpp"
 #include "corvantile/kit/job.hpp"
 

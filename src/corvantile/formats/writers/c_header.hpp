@@ -1,7 +1,7 @@
 #pragma once
 // A header of C99 (and C++) with the tables as constants, whole and as float.
 
-#include "corvantile/formats/writers/memory_words.hpp"
+#include "corvantile/formats/writers/memory_files.hpp"
 
 namespace corvantile {
 

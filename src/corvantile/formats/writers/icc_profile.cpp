@@ -133,6 +133,19 @@ void require_display(std::string_view format, const profiled_display& display) {
     refuse_format(format, "the white has a component that is not above 0");
 }
 
+// Signature, reserved, kind 0 (a table), channels, entries, bytes an entry; then red, green, blue.
+raw_tag vcgt(const matrix& table) {
+  raw_tag tag{0x76636774, "vcgt"};
+  append_big_endian(tag.bytes, std::uint32_t{0});
+  append_big_endian(tag.bytes, std::uint32_t{0});
+  append_big_endian(tag.bytes, std::uint16_t{3});
+  append_big_endian(tag.bytes, static_cast<std::uint16_t>(table.rows()));
+  append_big_endian(tag.bytes, std::uint16_t{2});
+  quantiser code(16);
+  for (const double v : table.data()) append_big_endian(tag.bytes, static_cast<std::uint16_t>(code(v)));
+  return tag;
+}
+
 }  // namespace
 
 mat3 bradford_to_d50(const vec3& white) {
@@ -168,6 +181,26 @@ std::string icc_profile(std::string_view format, const profiled_display& display
   std::string bytes = serialised(profile);
   stamp(bytes, about.created);
   return bytes;
+}
+
+std::string icc_file(const device_tables& tables, const profiled_display& behind, const description& about,
+                     std::size_t entries) {
+  const matrix& table = require_one_table("icc", tables);
+  require_count("icc", "entries", entries, 2, most_vcgt_entries);
+  return icc_profile("icc", behind, about, {vcgt(resample(table, entries))});
+}
+
+profiled_display as_measured(const monitor& mon, std::size_t points) {
+  profiled_display display;
+  display.curves = inp2mon_mat(mon, in_all_channels(linspace(0.0, 1.0, points)));
+  for (double& v : display.curves.data()) v = std::clamp(v, 0.0, 1.0);
+  display.colorants = mon.RGB2XYZ;
+  display.white = mon.whitepoint;
+  return display;
+}
+
+std::string monitor_icc_file(const profiled_display& display, const description& about) {
+  return icc_profile("monitor-icc", display, about);
 }
 
 }  // namespace corvantile

@@ -4,12 +4,14 @@
 //
 // ICC.1:2001-04 (version 2.4) for the tags; the tag `chad` after ICC.1:2010, annex E.
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "corvantile/formats/writers/writer.hpp"
+#include "corvantile/monitor/monitor.hpp"
 #include "corvantile/numerics/matrix.hpp"
 
 namespace corvantile {
@@ -39,5 +41,21 @@ mat3 bradford_to_d50(const vec3& white);
 /// colorants or a white that are no colours of a display.
 std::string icc_profile(std::string_view format, const profiled_display& display, const description& about,
                         const std::vector<raw_tag>& tags = {});
+
+/// The length that every loader takes: some old ones pick entries instead of interpolating.
+inline constexpr std::size_t usual_vcgt_entries = 256, most_vcgt_entries = 4096;
+
+/// `behind` is the display behind the table: its curves are the target's, its white and colorants the corrected ones.
+/// The table is resampled to `entries`, 2 to 4096. A two-table correction is refused. The tag replaces a calibration
+/// that was in effect while measuring: compose it into the table before.
+std::string icc_file(const device_tables& tables, const profiled_display& behind, const description& about,
+                     std::size_t entries = usual_vcgt_entries);
+
+/// The display of a fitted model: its tone curves at `points` even drives, its primaries and white. Luminances are
+/// left out: only the caller knows whether the measurements were in cd/m2.
+profiled_display as_measured(const monitor& mon, std::size_t points = 1024);
+
+/// A profile without `vcgt`.
+std::string monitor_icc_file(const profiled_display& display, const description& about);
 
 }  // namespace corvantile

@@ -1,5 +1,6 @@
 #pragma once
-// A correction as words of memory, for the hex, mif, coe and c writers.
+// A correction as words of memory, and the files that hold them. The writer of C headers (c_header) uses the words,
+// too.
 
 #include <cstddef>
 #include <cstdint>
@@ -59,15 +60,14 @@ std::string hex_digits(std::uint64_t v, unsigned width);
 /// How many entries were clamped, as a sentence.
 std::string clamp_note(const memory_set& set);
 
-/// The description, the memory's meaning and the number of clamped entries, each as a line `PREFIX text`.
-std::string memory_comment(const description& about, const memory_set& set, const memory& m, std::string_view prefix);
+/// Memory files for `$readmemh` of Verilog: one hexadecimal word a line. `pre_lut.hex`, `matrix_q2_14.hex` (or
+/// `matrix_q15_16.hex`), `post_lut.hex`; of a gray-axis job only the last.
+memory_files hex_files(const device_tables& tables, const description& about, const memory_options& options = {});
 
-/// One file for each memory, its text made by `text_of`.
-template <class Text>
-memory_files one_file_each(const memory_set& set, std::string_view extension, const Text& text_of) {
-  memory_files out{{}, set.clamped};
-  for (const memory& m : set.memories) out.files.push_back({m.name + std::string(extension), text_of(m)});
-  return out;
-}
+/// Memory initialisation files of Intel (Altera) tools: the same names with `.mif`.
+memory_files mif_files(const device_tables& tables, const description& about, const memory_options& options = {});
+
+/// Coefficient files of AMD (Xilinx) tools: the same names with `.coe`.
+memory_files coe_files(const device_tables& tables, const description& about, const memory_options& options = {});
 
 }  // namespace corvantile

@@ -1,6 +1,6 @@
-#include "corvantile/formats/writers/memory_words.hpp"
+#include "corvantile/formats/writers/memory_files.hpp"
 
-#include <array>
+#include <bit>
 
 #include "corvantile/formats/writers/quantiser.hpp"
 #include "corvantile/formats/writers/text_form.hpp"
@@ -62,6 +62,23 @@ memory matrix_memory(const mat3& m, matrix_format format, std::size_t& clamped) 
   return out;
 }
 
+// The description, the memory's meaning and the number of clamped entries, each as a line `PREFIX text`.
+std::string memory_comment(const description& about, const memory_set& set, const memory& m,
+                           std::string_view prefix) {
+  description full = about;
+  full.comments.push_back(m.meaning);
+  full.comments.push_back(clamp_note(set));
+  return comment_lines(full, prefix);
+}
+
+// One file for each memory, its text made by `text_of`.
+template <class Text>
+memory_files one_file_each(const memory_set& set, std::string_view extension, const Text& text_of) {
+  memory_files out{{}, set.clamped};
+  for (const memory& m : set.memories) out.files.push_back({m.name + std::string(extension), text_of(m)});
+  return out;
+}
+
 }  // namespace
 
 memory_set memory_words(std::string_view format, const device_tables& tables, const memory_options& options) {
@@ -87,12 +104,39 @@ std::string clamp_note(const memory_set& set) {
   return std::to_string(set.clamped) + " entries of the correction had to be clamped to what their words hold";
 }
 
-std::string memory_comment(const description& about, const memory_set& set, const memory& m,
-                           std::string_view prefix) {
-  description full = about;
-  full.comments.push_back(m.meaning);
-  full.comments.push_back(clamp_note(set));
-  return comment_lines(full, prefix);
+memory_files hex_files(const device_tables& tables, const description& about, const memory_options& options) {
+  const memory_set set = memory_words("hex", tables, options);
+  return one_file_each(set, ".hex", [&](const memory& m) {
+    std::string out = memory_comment(about, set, m, "//");
+    for (const std::uint64_t word : m.words) out += hex_digits(word, m.width) + "\n";
+    return out;
+  });
+}
+
+memory_files mif_files(const device_tables& tables, const description& about, const memory_options& options) {
+  const memory_set set = memory_words("mif", tables, options);
+  return one_file_each(set, ".mif", [&](const memory& m) {
+    std::string out = memory_comment(about, set, m, "--") + "DEPTH = ";
+    append_integer_text(out, m.words.size());
+    out += ";\nWIDTH = ";
+    append_integer_text(out, m.width);
+    out += ";\nADDRESS_RADIX = HEX;\nDATA_RADIX = HEX;\nCONTENT BEGIN\n";
+    const auto address_width = static_cast<unsigned>(std::bit_width(m.words.size() - 1));
+    for (std::size_t i = 0; i < m.words.size(); ++i)
+      out += hex_digits(i, address_width) + " : " + hex_digits(m.words[i], m.width) + ";\n";
+    return out + "END;\n";
+  });
+}
+
+memory_files coe_files(const device_tables& tables, const description& about, const memory_options& options) {
+  const memory_set set = memory_words("coe", tables, options);
+  return one_file_each(set, ".coe", [&](const memory& m) {
+    std::string out =
+        memory_comment(about, set, m, ";") + "memory_initialization_radix=16;\nmemory_initialization_vector=\n";
+    for (std::size_t i = 0; i < m.words.size(); ++i)
+      out += hex_digits(m.words[i], m.width) + (i + 1 < m.words.size() ? ",\n" : ";\n");
+    return out;
+  });
 }
 
 }  // namespace corvantile
