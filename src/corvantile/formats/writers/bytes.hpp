@@ -1,5 +1,5 @@
 #pragma once
-// Whole numbers as bytes of either order.
+// Integers as bytes, in either order.
 
 #include <cmath>
 #include <concepts>

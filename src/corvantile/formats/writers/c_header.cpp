@@ -5,7 +5,7 @@
 namespace corvantile {
 namespace {
 
-// A list of rows of `width` items each; without a second dimension (`width` 0) as one list.
+// Rows of `width` items each, or one list if `width` is 0.
 template <class Items, class Text>
 void append_list(std::string& out, const Items& items, std::size_t width, const Text& text_of) {
   out += " = {\n";
@@ -22,43 +22,37 @@ void append_list(std::string& out, const Items& items, std::size_t width, const 
 }
 
 std::string dimensions(word_layout layout, std::size_t rows) {
-  const std::string n = std::to_string(rows);
   switch (layout) {
     case word_layout::planar:
-      return "[3][" + n + "]";
+      return fmt::format("[3][{}]", rows);
     case word_layout::interleaved:
-      return "[" + n + "][3]";
+      return fmt::format("[{}][3]", rows);
     case word_layout::packed:
       break;
   }
-  return "[" + n + "]";
+  return fmt::format("[{}]", rows);
 }
 
 std::string float_literal(double v) {
-  std::string s;
-  append_number(s, v);
-  if (s.find_first_of(".e") == std::string::npos) s += ".0";
-  return s + 'f';
+  const std::string s = fmt::format("{:.9g}", v);
+  return s + (s.find_first_of(".e") == std::string::npos ? ".0f" : "f");
 }
 
 std::string unsigned_literal(std::uint64_t word, unsigned width) {
-  return std::string("0x").append(hex_digits(word, width)).append(width > 32 ? "ULL" : "U");
+  return fmt::format("0x{}{}", hex_digits(word, width), width > 32 ? "ULL" : "U");
 }
 
-// Two's complement of 16 or 32 bits in decimal; the lowest number of all has no literal of its own in C.
+// Two's complement of 16 or 32 bits in decimal. C has no literal for the lowest number of all.
 std::string signed_literal(std::uint64_t word, unsigned width) {
   const auto value = static_cast<std::int64_t>(word) - (word >> (width - 1) != 0 ? std::int64_t{1} << width : 0);
-  return value == -(std::int64_t{1} << 31) ? "-2147483647 - 1" : std::to_string(value);
+  return value == -(std::int64_t{1} << 31) ? "-2147483647 - 1" : fmt::format("{}", value);
 }
 
 void append_words(std::string& out, const memory& m, const matrix& table, word_layout layout) {
   const bool packed = layout == word_layout::packed;
   const std::size_t width = packed ? 0 : layout == word_layout::planar ? table.rows() : 3;
-  out += std::string("static const ") +
-         (m.width > 32 ? "uint64_t "
-          : packed     ? "uint32_t "
-                       : "uint16_t ") +
-         m.name + dimensions(layout, table.rows());
+  const char* type = m.width > 32 ? "uint64_t" : packed ? "uint32_t" : "uint16_t";
+  append(out, "static const {} {}{}", type, m.name, dimensions(layout, table.rows()));
   append_list(out, m.words, width, [&](std::uint64_t word) { return unsigned_literal(word, m.width); });
 }
 
@@ -71,12 +65,12 @@ void append_floats(std::string& out, const std::string& name, const matrix& tabl
     for (std::size_t i = 0; i < table.rows(); ++i)
       for (std::size_t c = 0; c < 3; ++c) values.push_back(table(i, c));
   }
-  out += "static const float " + name + "_float" + dimensions(shape, table.rows());
+  append(out, "static const float {}_float{}", name, dimensions(shape, table.rows()));
   append_list(out, values, shape == word_layout::planar ? table.rows() : 3, float_literal);
 }
 
 void append_matrix(std::string& out, const memory& m, const mat3& mix) {
-  out += std::string("static const ") + (m.width > 16 ? "int32_t " : "int16_t ") + m.name + "[3][3]";
+  append(out, "static const {} {}[3][3]", m.width > 16 ? "int32_t" : "int16_t", m.name);
   append_list(out, m.words, 3, [&](std::uint64_t word) { return signed_literal(word, m.width); });
   std::vector<double> values;
   for (std::size_t i = 0; i < 9; ++i) values.push_back(mix(i / 3, i % 3));
@@ -91,10 +85,11 @@ memory_files c_header_files(const device_tables& tables, const description& abou
   description safe{c_comment(about.title), about.comments};
   safe.comments.push_back(clamp_note(set));
   for (std::string& line : safe.comments) line = c_comment(line);
-  std::string out = "/*\n" + comment_lines(safe, " *") +
-                    " */\n#ifndef CORRECTION_TABLES_H\n#define CORRECTION_TABLES_H\n\n#include <stdint.h>\n";
+  std::string out =
+      fmt::format("/*\n{} */\n#ifndef CORRECTION_TABLES_H\n#define CORRECTION_TABLES_H\n\n#include <stdint.h>\n",
+                  comment_lines(safe, " *"));
   for (const memory& m : set.memories) {
-    out += "\n/* " + m.meaning + " */\n";
+    append(out, "\n/* {} */\n", m.meaning);
     if (m.name.starts_with("matrix")) {
       append_matrix(out, m, tables.mix);
       continue;

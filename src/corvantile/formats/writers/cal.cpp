@@ -10,18 +10,15 @@ namespace {
 
 // One row for each input; outputs are clamped to 0..1.
 std::string cal_text(std::span<const double> inputs, const matrix& outputs, const description& about) {
-  std::string out =
-      "CAL    \n\nDESCRIPTOR \"Argyll Device Calibration Curves\"\nORIGINATOR \"Corvantile\"\nCREATED \"" +
-      date_text(about.created) + "\"\n" + comment_lines(about, "#") +
+  std::string out = fmt::format(
+      "CAL    \n\nDESCRIPTOR \"Argyll Device Calibration Curves\"\nORIGINATOR \"Corvantile\"\nCREATED \"{}\"\n{}"
       "DEVICE_CLASS \"DISPLAY\"\nCOLOR_REP \"RGB\"\n\nNUMBER_OF_FIELDS 4\nBEGIN_DATA_FORMAT\n"
-      "RGB_I RGB_R RGB_G RGB_B\nEND_DATA_FORMAT\n\nNUMBER_OF_SETS ";
-  append_integer_text(out, inputs.size());
-  out += "\nBEGIN_DATA\n";
+      "RGB_I RGB_R RGB_G RGB_B\nEND_DATA_FORMAT\n\nNUMBER_OF_SETS {}\nBEGIN_DATA\n",
+      date_text(about.created), comment_lines(about, "#"), inputs.size());
   for (std::size_t i = 0; i < inputs.size(); ++i) {
-    append_number(out, inputs[i]);
-    out += ' ';
     vec3 row = row3(outputs, i);
     for (double& v : row.v) v = std::clamp(v, 0.0, 1.0);
+    append(out, "{:.9g} ", inputs[i]);
     append_row(out, row);
   }
   return out + "END_DATA\n";

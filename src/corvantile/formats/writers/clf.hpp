@@ -7,7 +7,7 @@
 
 namespace corvantile {
 
-/// LUT1D, Matrix, LUT1D, or one LUT1D for a gray-axis job; 32f throughout, nine digits. Tables of 2 to 65536 rows.
+/// LUT1D, Matrix, LUT1D; for a gray-axis job one LUT1D. 32f throughout, nine digits. Tables of 2 to 65536 rows.
 std::string clf_file(const device_tables& tables, const description& about);
 
 }  // namespace corvantile

@@ -13,8 +13,6 @@
 #include "corvantile/formats/writers/quantiser.hpp"
 #include "corvantile/formats/writers/text_form.hpp"
 #include "corvantile/numerics/linsolv.hpp"
-#include "corvantile/utils/failure.hpp"
-#include "corvantile/utils/text.hpp"
 
 namespace corvantile {
 namespace {
@@ -32,7 +30,7 @@ using profile_handle = std::unique_ptr<void, releaser<cmsCloseProfile>>;
 using curve_handle = std::unique_ptr<cmsToneCurve, releaser<cmsFreeToneCurve>>;
 using text_handle = std::unique_ptr<cmsMLU, releaser<cmsMLUfree>>;
 
-// It fails for want of memory only: what it is given has been looked at.
+// Little CMS fails only if memory runs out: its input was checked before.
 template <class T>
 T* made(T* p) {
   if (p == nullptr) throw std::bad_alloc();
@@ -63,13 +61,13 @@ void write_curve(cmsContext context, void* profile, cmsTagSignature tag, std::sp
   write(profile, tag, curve.get());
 }
 
-// The colorants as the profile holds them: summing to the white, whatever the channels do, and adapted to D50.
+// The colorants for the profile: scaled so that they sum to the white, then adapted to D50.
 mat3 adapted_colorants(std::string_view format, const profiled_display& display, const mat3& adaptation) {
   const vec3 share = inv(display.colorants) * display.white;
   mat3 adapted;
   for (std::size_t c = 0; c < 3; ++c) {
     if (!(share[c] > 0) || !std::isfinite(share[c]))
-      refuse_format(format, "the white is no mixture of the three primaries: check the order of the measurements");
+      refuse_format(format, "the white is not a mixture of the three primaries: check the order of the measurements");
     adapted.col[c] = share[c] / display.white[1] * (adaptation * display.colorants.col[c]);
   }
   return adapted;
@@ -107,7 +105,7 @@ std::string serialised(void* profile) {
   return bytes;
 }
 
-// Little CMS stamps the present moment into bytes 24 to 35: the same tables should give the same bytes at any time.
+// Replaces the present time, which Little CMS writes into bytes 24 to 35: the same tables give the same bytes.
 void stamp(std::string& bytes, std::chrono::sys_seconds t) {
   const auto day = std::chrono::floor<std::chrono::days>(t);
   const std::chrono::year_month_day date(day);
@@ -124,16 +122,15 @@ void stamp(std::string& bytes, std::chrono::sys_seconds t) {
 void require_display(std::string_view format, const profiled_display& display) {
   require_count(format, "points of a tone curve", display.curves.rows(), 2, 4096);
   if (!std::ranges::all_of(display.curves.data(), [](double v) { return std::isfinite(v); }))
-    throw failure(fault::not_finite, "Format " + std::string(format) + ": a tone curve is not finite");
-  // Such a profile holds numbers below 32768.
+    refuse_not_finite(format, "a point of a tone curve");
   const double brightest = std::max(display.luminance, display.black_luminance);
-  if (!(brightest >= 0) || brightest > 32767)
-    refuse_format(format, "a luminance of" + free_format(brightest) + " cd/m2 has no place in a profile");
+  if (!(brightest >= 0) || brightest > 32767)  // an s15Fixed16Number holds no more
+    refuse_format(format, fmt::format("a profile cannot hold a luminance of {} cd/m2", brightest));
   if (!std::ranges::all_of(display.white.v, [](double v) { return v > 0 && std::isfinite(v); }))
-    refuse_format(format, "the white has a component that is not above 0");
+    refuse_format(format, "X, Y and Z of the white must be above 0");
 }
 
-// Signature, reserved, kind 0 (a table), channels, entries, bytes an entry; then red, green, blue.
+// Signature, reserved, kind 0 (a table), channels, entries, bytes per entry; then red, green, blue.
 raw_tag vcgt(const matrix& table) {
   raw_tag tag{0x76636774, "vcgt"};
   append_big_endian(tag.bytes, std::uint32_t{0});
@@ -170,7 +167,7 @@ std::string icc_profile(std::string_view format, const profiled_display& display
   cmsSetPCS(profile, cmsSigXYZData);
 
   std::string rights = "No copyright, use freely.";
-  for (const std::string& line : about.comments) rights.append(" ").append(ascii(line));
+  for (const std::string& line : about.comments) append(rights, " {}", ascii(line));
   write_text(context.get(), profile, cmsSigProfileDescriptionTag, ascii(about.title));
   write_text(context.get(), profile, cmsSigCopyrightTag, rights);
   write_colours(format, profile, display);

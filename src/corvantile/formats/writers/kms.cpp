@@ -31,7 +31,8 @@ std::string blob(const matrix& table, bool wide, std::size_t& clamped) {
 // S31.32: bit 63 is the sign, the rest the magnitude.
 std::uint64_t sign_magnitude(double v) {
   const double magnitude = std::round(std::ldexp(std::abs(v), 32));
-  if (!(magnitude < 0x1p63)) refuse_format("kms", "an entry of the matrix is beyond 31 bits");
+  if (!(magnitude < 0x1p63))
+    refuse_format("kms", "an entry of the matrix has more than 31 whole bits; take clf or spi");
   const std::uint64_t sign = v < 0 && magnitude > 0 ? std::uint64_t{1} << 63 : 0;
   return sign | static_cast<std::uint64_t>(magnitude);
 }
@@ -46,7 +47,7 @@ std::string ctm(const mat3& m, bool wide) {
   return out;
 }
 
-// What the two interfaces of the kernel call their parts.
+// The words of the kernel's two interfaces for the parts.
 struct interface_words {
   const char *parts, *degamma, *ctm, *gamma, *entry, *matrix, *full_scale, *advice;
 };
@@ -75,21 +76,19 @@ constexpr interface_words pipeline = {
 std::string readme(const device_tables& tables, const description& about, const kms_options& options,
                    std::size_t clamped) {
   const interface_words& words = options.wide ? pipeline : crtc;
-  std::string out = comment_lines(about, "#") + "\n" + words.parts + ", in the order in which they are applied:\n\n";
+  std::string out =
+      fmt::format("{}\n{}, in the order in which they are applied:\n\n", comment_lines(about, "#"), words.parts);
   const auto table = [&](const char* file, const char* part) {
-    out.append(file).append(": ").append(part).append(", ");
-    append_integer_text(out, options.entries);
-    out.append(" entries (").append(words.entry).append(": red, green, blue, 0)\n");
+    append(out, "{}: {}, {} entries ({}: red, green, blue, 0)\n", file, part, options.entries, words.entry);
   };
   if (tables.two_tables) {
     table("degamma_lut.bin", words.degamma);
-    out.append("ctm.bin: ").append(words.ctm).append(", row by row, S31.32 sign and magnitude (");
-    out.append(words.matrix).append(")\n");
+    append(out, "ctm.bin: {}, row by row, S31.32 sign and magnitude ({})\n", words.ctm, words.matrix);
   }
   table("gamma_lut.bin", words.gamma);
-  out.append("\nAll numbers are little-endian; full scale is ").append(words.full_scale).append(". ");
-  append_integer_text(out, clamped);
-  return out.append(" entries had to be clamped to 0..1.\n").append(words.advice);
+  append(out, "\nAll numbers are little-endian; full scale is {}. {} entries had to be clamped to 0..1.\n{}",
+         words.full_scale, clamped, words.advice);
+  return out;
 }
 
 }  // namespace

@@ -15,8 +15,9 @@ struct kms_options {
   bool wide = false;           ///< 32-bit entries and a 3 x 4 matrix, for plane colour pipelines
 };
 
-/// `degamma_lut.bin`, `ctm.bin`, `gamma_lut.bin`, little-endian, and a `README.txt` of their order; of a gray-axis
-/// job only the last two. Tables are resampled, and clamped to 0..1; the README says how many entries were.
+/// `degamma_lut.bin`, `ctm.bin`, `gamma_lut.bin`, little-endian, and a `README.txt` that tells their order; of a
+/// gray-axis job only the last two. Tables are resampled and clamped to 0..1; the README says how many entries were
+/// clamped.
 std::vector<file_content> kms_files(const device_tables& tables, const description& about,
                                     const kms_options& options = {});
 

@@ -8,7 +8,7 @@
 namespace corvantile {
 namespace {
 
-std::string_view in_words(word_layout layout) {
+std::string_view order_of(word_layout layout) {
   switch (layout) {
     case word_layout::packed:
       return "one word an entry, red in the most significant bits, then green, then blue";
@@ -38,13 +38,11 @@ memory table_memory(const char* name, const matrix& table, const memory_options&
   dense<std::uint64_t> codes(table.rows(), 3);
   for (std::size_t i = 0; i < table.data().size(); ++i) codes.data()[i] = code(table.data()[i]);
   clamped += code.clamped;
-  std::string meaning = std::string(name) + ": ";
-  append_integer_text(meaning, table.rows());
-  meaning += " entries of ";
-  append_integer_text(meaning, options.bits);
-  meaning.append(" bits a channel; ").append(in_words(options.layout));
   const unsigned width = options.layout == word_layout::packed ? 3 * options.bits : options.bits;
-  return {name, meaning, width, arranged(codes, options)};
+  return {name,
+          fmt::format("{}: {} entries of {} bits a channel; {}", name, table.rows(), options.bits,
+                      order_of(options.layout)),
+          width, arranged(codes, options)};
 }
 
 memory matrix_memory(const mat3& m, matrix_format format, std::size_t& clamped) {
@@ -53,8 +51,8 @@ memory matrix_memory(const mat3& m, matrix_format format, std::size_t& clamped) 
   const std::uint64_t mask = (std::uint64_t{1} << number.bits) - 1;
   memory out;
   out.name = narrow ? "matrix_q2_14" : "matrix_q15_16";
-  out.meaning = out.name + (narrow ? ": value * 16384" : ": value * 65536") +
-                ", two's complement; row by row, out_c = sum of m[c][k] in_k";
+  out.meaning = fmt::format("{}: value * {}, two's complement; row by row, out_c = sum of m[c][k] in_k", out.name,
+                            1U << number.fraction);
   out.width = number.bits;
   for (std::size_t i = 0; i < 3; ++i)
     for (std::size_t j = 0; j < 3; ++j) out.words.push_back(static_cast<std::uint64_t>(number(m(i, j))) & mask);
@@ -62,21 +60,21 @@ memory matrix_memory(const mat3& m, matrix_format format, std::size_t& clamped) 
   return out;
 }
 
-// The description, the memory's meaning and the number of clamped entries, each as a line `PREFIX text`.
-std::string memory_comment(const description& about, const memory_set& set, const memory& m,
-                           std::string_view prefix) {
-  description full = about;
-  full.comments.push_back(m.meaning);
-  full.comments.push_back(clamp_note(set));
-  return comment_lines(full, prefix);
-}
-
-// One file for each memory, its text made by `text_of`.
-template <class Text>
-memory_files one_file_each(const memory_set& set, std::string_view extension, const Text& text_of) {
-  memory_files out{{}, set.clamped};
-  for (const memory& m : set.memories) out.files.push_back({m.name + std::string(extension), text_of(m)});
-  return out;
+// One file for each memory. Comments begin with `prefix`; `append_words` writes the rest.
+template <class Words>
+memory_files one_file_each(std::string_view format, const device_tables& tables, const description& about,
+                           const memory_options& options, std::string_view prefix, const Words& append_words) {
+  const memory_set set = memory_words(format, tables, options);
+  memory_files made{{}, set.clamped};
+  for (const memory& m : set.memories) {
+    description full = about;
+    full.comments.push_back(m.meaning);
+    full.comments.push_back(clamp_note(set));
+    std::string text = comment_lines(full, prefix);
+    append_words(text, m);
+    made.files.push_back({fmt::format("{}.{}", m.name, format), std::move(text)});
+  }
+  return made;
 }
 
 }  // namespace
@@ -93,49 +91,34 @@ memory_set memory_words(std::string_view format, const device_tables& tables, co
   return set;
 }
 
-std::string hex_digits(std::uint64_t v, unsigned width) {
-  constexpr std::string_view digits = "0123456789abcdef";
-  std::string s;
-  for (unsigned shift = (width + 3) / 4 * 4; shift > 0; shift -= 4) s += digits[(v >> (shift - 4)) & 0xFU];
-  return s;
-}
+std::string hex_digits(std::uint64_t v, unsigned width) { return fmt::format("{:0{}x}", v, (width + 3) / 4); }
 
 std::string clamp_note(const memory_set& set) {
-  return std::to_string(set.clamped) + " entries of the correction had to be clamped to what their words hold";
+  return fmt::format("{} entries of the correction had to be clamped to what their words hold", set.clamped);
 }
 
 memory_files hex_files(const device_tables& tables, const description& about, const memory_options& options) {
-  const memory_set set = memory_words("hex", tables, options);
-  return one_file_each(set, ".hex", [&](const memory& m) {
-    std::string out = memory_comment(about, set, m, "//");
-    for (const std::uint64_t word : m.words) out += hex_digits(word, m.width) + "\n";
-    return out;
+  return one_file_each("hex", tables, about, options, "//", [](std::string& out, const memory& m) {
+    for (const std::uint64_t word : m.words) append(out, "{}\n", hex_digits(word, m.width));
   });
 }
 
 memory_files mif_files(const device_tables& tables, const description& about, const memory_options& options) {
-  const memory_set set = memory_words("mif", tables, options);
-  return one_file_each(set, ".mif", [&](const memory& m) {
-    std::string out = memory_comment(about, set, m, "--") + "DEPTH = ";
-    append_integer_text(out, m.words.size());
-    out += ";\nWIDTH = ";
-    append_integer_text(out, m.width);
-    out += ";\nADDRESS_RADIX = HEX;\nDATA_RADIX = HEX;\nCONTENT BEGIN\n";
+  return one_file_each("mif", tables, about, options, "--", [](std::string& out, const memory& m) {
+    append(out, "DEPTH = {};\nWIDTH = {};\nADDRESS_RADIX = HEX;\nDATA_RADIX = HEX;\nCONTENT BEGIN\n", m.words.size(),
+           m.width);
     const auto address_width = static_cast<unsigned>(std::bit_width(m.words.size() - 1));
     for (std::size_t i = 0; i < m.words.size(); ++i)
-      out += hex_digits(i, address_width) + " : " + hex_digits(m.words[i], m.width) + ";\n";
-    return out + "END;\n";
+      append(out, "{} : {};\n", hex_digits(i, address_width), hex_digits(m.words[i], m.width));
+    out += "END;\n";
   });
 }
 
 memory_files coe_files(const device_tables& tables, const description& about, const memory_options& options) {
-  const memory_set set = memory_words("coe", tables, options);
-  return one_file_each(set, ".coe", [&](const memory& m) {
-    std::string out =
-        memory_comment(about, set, m, ";") + "memory_initialization_radix=16;\nmemory_initialization_vector=\n";
+  return one_file_each("coe", tables, about, options, ";", [](std::string& out, const memory& m) {
+    out += "memory_initialization_radix=16;\nmemory_initialization_vector=\n";
     for (std::size_t i = 0; i < m.words.size(); ++i)
-      out += hex_digits(m.words[i], m.width) + (i + 1 < m.words.size() ? ",\n" : ";\n");
-    return out;
+      append(out, "{}{}\n", hex_digits(m.words[i], m.width), i + 1 < m.words.size() ? ',' : ';');
   });
 }
 

@@ -1,6 +1,6 @@
 #pragma once
-// A correction as words of memory, and the files that hold them. The writer of C headers (c_header) uses the words,
-// too.
+// A correction as words of memory, and the files that hold them: hex, mif and coe. The C header (c_header) takes the
+// same words.
 
 #include <cstddef>
 #include <cstdint>
@@ -14,7 +14,7 @@ namespace corvantile {
 
 /// How the three channels share a memory.
 enum class word_layout {
-  packed,      ///< one word an entry: red in the most significant bits, then green, then blue
+  packed,      ///< one word per entry: red in the most significant bits, then green, then blue
   planar,      ///< all words of red, then all of green, then all of blue
   interleaved  ///< red, green and blue of the first entry, then those of the next
 };
@@ -45,29 +45,30 @@ struct memory_set {
   std::size_t clamped = 0;
 };
 
-/// Entries are round(v (2^bits - 1)), halves away from zero. Refuses, in the name of `format`, other numbers of bits.
+/// Entries are round(v (2^bits - 1)), halves away from zero. Refuses other numbers of bits; the message names
+/// `format`.
 memory_set memory_words(std::string_view format, const device_tables& tables, const memory_options& options);
 
-/// The files made of a correction, and how many entries had to be clamped; the files say so, too.
-struct memory_files {
-  std::vector<file_content> files;
-  std::size_t clamped = 0;
-};
-
-/// `v` in lower-case hexadecimal with the digits that `width` bits need.
+/// `v` in lower-case hexadecimal, with as many digits as `width` bits need.
 std::string hex_digits(std::uint64_t v, unsigned width);
 
 /// How many entries were clamped, as a sentence.
 std::string clamp_note(const memory_set& set);
 
-/// Memory files for `$readmemh` of Verilog: one hexadecimal word a line. `pre_lut.hex`, `matrix_q2_14.hex` (or
+/// The files of a correction, and how many entries had to be clamped; the files say so, too.
+struct memory_files {
+  std::vector<file_content> files;
+  std::size_t clamped = 0;
+};
+
+/// For `$readmemh` of Verilog, one hexadecimal word per line: `pre_lut.hex`, `matrix_q2_14.hex` (or
 /// `matrix_q15_16.hex`), `post_lut.hex`; of a gray-axis job only the last.
 memory_files hex_files(const device_tables& tables, const description& about, const memory_options& options = {});
 
-/// Memory initialisation files of Intel (Altera) tools: the same names with `.mif`.
+/// Memory initialisation files of Intel (Altera) tools: the same memories as `.mif`.
 memory_files mif_files(const device_tables& tables, const description& about, const memory_options& options = {});
 
-/// Coefficient files of AMD (Xilinx) tools: the same names with `.coe`.
+/// Coefficient files of AMD (Xilinx) tools: the same memories as `.coe`.
 memory_files coe_files(const device_tables& tables, const description& about, const memory_options& options = {});
 
 }  // namespace corvantile

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fmt/core.h>
 
 #include "corvantile/colour/standards.hpp"
 #include "corvantile/formats/writers/bytes.hpp"
 #include "corvantile/matching/matching.hpp"
 #include "corvantile/numerics/linsolv.hpp"
-#include "corvantile/utils/text.hpp"
 
 namespace corvantile {
 namespace {
@@ -34,7 +34,7 @@ void append_header(std::string& out, std::size_t entries, const profiled_display
 void append_matrix(std::string& out, const mat3& m) {
   for (std::size_t i = 0; i < 3; ++i) {
     for (std::size_t j = 0; j < 3; ++j) append_s15fixed16(out, m(i, j));
-    append_s15fixed16(out, 0);  // not looked at
+    append_s15fixed16(out, 0);  // ignored
   }
 }
 
@@ -74,16 +74,19 @@ double distance_from_srgb(const matrix& pre) {
 std::string mhc2_file(const device_tables& tables, const profiled_display& behind, const description& about,
                       std::size_t entries) {
   require_tables("mhc2", tables);
-  if (!tables.two_tables)
+  if (!tables.two_tables) {
     refuse_format("mhc2",
-                  "a gray-axis correction has no pre-table; take icc, or solve with cvmode='CV2' and the sRGB "
-                  "curve as gamma file (make --for windows does)");
+                  "a gray-axis correction has no pre-table; take icc, or solve with cvmode='CV2' and the sRGB curve "
+                  "as gamma file (make --for windows does)");
+  }
   const double distance = distance_from_srgb(tables.pre);
-  if (!(distance <= srgb_tolerance))
-    refuse_format("mhc2", "Windows has the sRGB curve built in, and the pre-table is " + fixed_field(distance, 0, 1) +
-                              " codes of 255 away from it (at most " + free_format(srgb_tolerance).substr(1) +
-                              " are let pass); solve with cvmode='CV2' and the sRGB curve as gamma file "
-                              "(make --for windows does)");
+  if (!(distance <= srgb_tolerance)) {
+    refuse_format("mhc2",
+                  fmt::format("the sRGB curve is built into Windows, and the pre-table is up to {:.1f} codes of 255 "
+                              "away from it (the limit is {}); solve with cvmode='CV2' and the sRGB curve as gamma "
+                              "file (make --for windows does)",
+                              distance, srgb_tolerance));
+  }
   require_count("mhc2", "entries", entries, 2, 4096);
   return icc_profile("mhc2", behind, about, {mhc2_tag(tables, behind, entries)});
 }

@@ -1,6 +1,6 @@
 #pragma once
-// The Windows colour pipeline: an ICC profile with the tag `MHC2`, a matrix and one table a channel behind it.
-// Exact only where the pre-table is the sRGB curve, which that pipeline has built in.
+// The Windows colour pipeline: an ICC profile with the tag `MHC2`, a matrix followed by one table per channel.
+// Exact only if the pre-table is the sRGB curve, which is built into that pipeline.
 //
 // Pipeline: sRGB decode, RGB to XYZ, M, XYZ to RGB, sRGB encode, table. After "Windows hardware display color
 // calibration pipeline" (Microsoft, win32 documentation); the sRGB curve after IEC 61966-2-1.
@@ -18,14 +18,14 @@ double srgb_decode(double v);
 /// Linear light to drive value.
 double srgb_encode(double l);
 
-/// How far the pre-table is from the sRGB curve at worst, in codes of 255 of the drive value that it stands for.
+/// The largest distance of the pre-table from the sRGB curve, as drive values in codes of 255.
 double distance_from_srgb(const matrix& pre);
 
-/// Farther than this many codes of 255 from it the Windows pipeline shows other colours than the correction.
+/// Beyond this distance, in codes of 255, the Windows pipeline shows other colours than the correction.
 inline constexpr double srgb_tolerance = 3;
 
-/// M = S K S^-1 with the matrix S of sRGB; table_c(v) = post_c(decode(v)) at `entries` points, 2 to 4096. `behind` is
-/// the display behind the correction. Where its luminance is not known the tag says 80 cd/m2, that of sRGB.
+/// M = S K S^-1 with S the matrix of sRGB; table_c(v) = post_c(decode(v)) at `entries` points, 2 to 4096. `behind` is
+/// the display as the correction makes it. If its luminance is not known, the tag says 80 cd/m2, that of sRGB.
 /// Refuses one-table corrections and pre-tables farther than `srgb_tolerance` from the sRGB curve.
 std::string mhc2_file(const device_tables& tables, const profiled_display& behind, const description& about,
                       std::size_t entries = 1024);

@@ -1,5 +1,5 @@
 #pragma once
-// Real entries to whole codes.
+// Real entries to integer codes.
 
 #include <algorithm>
 #include <cmath>
@@ -22,7 +22,7 @@ struct quantiser {
   std::size_t clamped = 0;
 };
 
-/// A signed fixed-point number of `fraction` bits behind the point and `bits` in all, sign included; likewise.
+/// The same for signed fixed-point numbers: `bits` in all, sign included, `fraction` of them behind the point.
 struct fixed_point {
   std::int64_t operator()(double v) {
     const double most = std::ldexp(1.0, static_cast<int>(bits) - 1);

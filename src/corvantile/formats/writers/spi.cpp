@@ -6,9 +6,7 @@ namespace corvantile {
 namespace {
 
 std::string spi1d(const matrix& table) {
-  std::string out = "Version 1\nFrom 0.0 1.0\nLength ";
-  append_integer_text(out, table.rows());
-  out += "\nComponents 3\n{\n";
+  std::string out = fmt::format("Version 1\nFrom 0.0 1.0\nLength {}\nComponents 3\n{{\n", table.rows());
   append_rows(out, table);
   return out + "}\n";
 }
@@ -16,13 +14,7 @@ std::string spi1d(const matrix& table) {
 // Three rows of three factors and an offset.
 std::string spimtx(const mat3& m) {
   std::string out;
-  for (std::size_t i = 0; i < 3; ++i) {
-    for (std::size_t j = 0; j < 3; ++j) {
-      append_number(out, m(i, j));
-      out += ' ';
-    }
-    out += "0\n";
-  }
+  for (std::size_t i = 0; i < 3; ++i) append(out, "{:.9g} {:.9g} {:.9g} 0\n", m(i, 0), m(i, 1), m(i, 2));
   return out;
 }
 
@@ -39,7 +31,7 @@ std::string config(const std::vector<file_content>& steps, const description& ab
       "  - !<ColorSpace>\n    name: corrected\n    isdata: false\n"
       "    from_reference: !<GroupTransform>\n      children:\n";
   for (const file_content& step : steps)
-    out += "        - !<FileTransform> {src: " + step.name + ", interpolation: linear}\n";
+    append(out, "        - !<FileTransform> {{src: {}, interpolation: linear}}\n", step.name);
   return out;
 }
 

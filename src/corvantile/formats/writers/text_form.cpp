@@ -1,11 +1,7 @@
 #include "corvantile/formats/writers/text_form.hpp"
 
-#include <algorithm>
 #include <array>
-#include <charconv>
 #include <utility>
-
-#include "corvantile/utils/text.hpp"
 
 namespace corvantile {
 namespace {
@@ -18,6 +14,12 @@ std::string replaced(std::string s, std::string_view what, std::string_view by) 
 
 }  // namespace
 
+void append_row(std::string& out, const vec3& v) { append(out, "{:.9g} {:.9g} {:.9g}\n", v[0], v[1], v[2]); }
+
+void append_rows(std::string& out, const matrix& table) {
+  for (std::size_t i = 0; i < table.rows(); ++i) append_row(out, row3(table, i));
+}
+
 std::string xml_text(std::string_view text) {
   std::string s = replaced(ascii(text), "&", "&amp;");
   s = replaced(std::move(s), "<", "&lt;");
@@ -25,68 +27,38 @@ std::string xml_text(std::string_view text) {
   return replaced(std::move(s), "\"", "&quot;");
 }
 
-std::string plain_quoted(std::string_view text) {
-  return std::string("\"").append(replaced(ascii(text), "\"", "'")).append("\"");
-}
+std::string plain_quoted(std::string_view text) { return fmt::format("\"{}\"", replaced(ascii(text), "\"", "'")); }
 
 std::string yaml_quoted(std::string_view text) {
-  const std::string escaped = replaced(replaced(ascii(text), "\\", "\\\\"), "\"", "\\\"");
-  return std::string("\"").append(escaped).append("\"");
+  return fmt::format("\"{}\"", replaced(replaced(ascii(text), "\\", "\\\\"), "\"", "\\\""));
 }
 
 std::string c_comment(std::string_view text) {
-  // The trigraph is a backslash, of which compilers warn at the end of a comment's line.
+  // The trigraph is a backslash; compilers warn of one at the end of a comment's line.
   return replaced(replaced(replaced(ascii(text), "*/", "* /"), "/*", "/ *"), "?\?/", "?\? /");
 }
 
 std::string comment_lines_only(const description& about, std::string_view prefix) {
   std::string s;
-  for (const std::string& line : about.comments) s.append(prefix).append(" ").append(ascii(line)).append("\n");
+  for (const std::string& line : about.comments) append(s, "{} {}\n", prefix, ascii(line));
   return s;
 }
 
 std::string comment_lines(const description& about, std::string_view prefix) {
-  std::string s;
-  if (!about.title.empty()) s.append(prefix).append(" ").append(ascii(about.title)).append("\n");
-  return s + comment_lines_only(about, prefix);
-}
-
-void append_number(std::string& out, double v) {
-  std::array<char, 32> room;
-  const auto end = std::to_chars(room.data(), room.data() + room.size(), v, std::chars_format::general, 9);
-  out.append(room.data(), end.ptr);
-}
-
-void append_integer_text(std::string& out, std::size_t v) { append_integer(out, static_cast<std::int64_t>(v), 0); }
-
-void append_row(std::string& out, const vec3& v) {
-  for (std::size_t c = 0; c < 3; ++c) {
-    append_number(out, v[c]);
-    out += c < 2 ? ' ' : '\n';
-  }
-}
-
-void append_rows(std::string& out, const matrix& table) {
-  for (std::size_t i = 0; i < table.rows(); ++i) append_row(out, row3(table, i));
+  const std::string title = about.title.empty() ? "" : fmt::format("{} {}\n", prefix, ascii(about.title));
+  return title + comment_lines_only(about, prefix);
 }
 
 std::string date_text(std::chrono::sys_seconds t) {
-  constexpr std::string_view weekdays = "SunMonTueWedThuFriSat";
-  constexpr std::string_view months = "JanFebMarAprMayJunJulAugSepOctNovDec";
+  constexpr std::array weekdays{"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+  constexpr std::array months{"Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
   const auto day = std::chrono::floor<std::chrono::days>(t);
   const std::chrono::year_month_day date(day);
   const std::chrono::hh_mm_ss time(t - day);
-  const auto two = [](auto n, char fill) {
-    std::string s = integer_field(static_cast<std::int64_t>(n), 2);
-    std::ranges::replace(s, ' ', fill);
-    return s;
-  };
-  std::string s(weekdays.substr(std::chrono::weekday(day).c_encoding() * std::size_t{3}, 3));
-  s.append(" ").append(months.substr((static_cast<unsigned>(date.month()) - 1) * std::size_t{3}, 3));
-  s.append(" ").append(two(static_cast<unsigned>(date.day()), ' ')).append(" ");
-  s.append(two(time.hours().count(), '0')).append(":").append(two(time.minutes().count(), '0')).append(":");
-  s.append(two(time.seconds().count(), '0')).append(" ");
-  return s + integer_field(static_cast<int>(date.year()));
+  return fmt::format("{} {} {:2} {:02}:{:02}:{:02} {}", weekdays[std::chrono::weekday(day).c_encoding()],
+                     months[static_cast<unsigned>(date.month()) - 1], static_cast<unsigned>(date.day()),
+                     time.hours().count(), time.minutes().count(), time.seconds().count(),
+                     static_cast<int>(date.year()));
 }
 
 }  // namespace corvantile

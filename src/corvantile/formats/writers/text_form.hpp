@@ -1,9 +1,13 @@
 #pragma once
-// Texts and numbers as the writers put them into files.
+// How the writers put texts and numbers into files. Real numbers are `{:.9g}`: nine significant digits at most, as
+// many as a 32-bit float needs.
 
 #include <chrono>
+#include <fmt/core.h>
+#include <iterator>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "corvantile/formats/text_lines.hpp"  // ascii
 #include "corvantile/formats/writers/writer.hpp"
@@ -11,10 +15,21 @@
 
 namespace corvantile {
 
+/// Formats to the end of `out`.
+template <class... Values>
+void append(std::string& out, fmt::format_string<Values...> form, Values&&... values) {
+  fmt::format_to(std::back_inserter(out), form, std::forward<Values>(values)...);
+}
+
+/// Three numbers and a line end.
+void append_row(std::string& out, const vec3& v);
+/// The table, row by row.
+void append_rows(std::string& out, const matrix& table);
+
 /// ASCII for the content or a quoted attribute of an XML element.
 std::string xml_text(std::string_view text);
 
-/// ASCII between double quotes, for formats that have no way to write a quote inside: it becomes a single one.
+/// ASCII between double quotes, for formats that cannot escape a quote: it becomes a single one.
 std::string plain_quoted(std::string_view text);
 
 /// A double-quoted YAML scalar.
@@ -23,18 +38,10 @@ std::string yaml_quoted(std::string_view text);
 /// ASCII that neither opens nor ends a C comment.
 std::string c_comment(std::string_view text);
 
-/// The title, where there is one, and every comment as a line `PREFIX text`.
+/// The title, if there is one, and every comment as a line `PREFIX text`.
 std::string comment_lines(const description& about, std::string_view prefix);
 /// Without the title.
 std::string comment_lines_only(const description& about, std::string_view prefix);
-
-/// Nine significant digits at most: what a 32-bit float needs.
-void append_number(std::string& out, double v);
-void append_integer_text(std::string& out, std::size_t v);
-/// Three numbers and a line end.
-void append_row(std::string& out, const vec3& v);
-/// The table, row by row.
-void append_rows(std::string& out, const matrix& table);
 
 /// "Mon Aug  1 19:55:21 2022", UTC.
 std::string date_text(std::chrono::sys_seconds t);

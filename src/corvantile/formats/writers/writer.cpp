@@ -2,26 +2,22 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fmt/core.h>
 #include <span>
 
 #include "corvantile/utils/failure.hpp"
-#include "corvantile/utils/text.hpp"
 
 namespace corvantile {
 namespace {
 
-std::string count_text(std::size_t n) { return integer_field(static_cast<std::int64_t>(n)); }
-
 void require_table(std::string_view format, std::string_view name, const matrix& table) {
   if (table.rows() < 2 || table.cols() != 3)
-    refuse_format(format, "the " + std::string(name) + " has " + count_text(table.rows()) +
-                              " entries: a table needs at least two");
+    refuse_format(format, fmt::format("the {} has {} entries: a table needs at least two", name, table.rows()));
 }
 
 void require_finite(std::string_view format, std::string_view name, std::span<const double> entries) {
-  if (std::ranges::all_of(entries, [](double v) { return std::isfinite(v); })) return;
-  throw failure(fault::not_finite, "Format " + std::string(format) + ": the " + std::string(name) +
-                                       " holds an entry that is not a finite number");
+  if (!std::ranges::all_of(entries, [](double v) { return std::isfinite(v); }))
+    refuse_not_finite(format, fmt::format("an entry of the {}", name));
 }
 
 }  // namespace
@@ -45,9 +41,13 @@ std::string calibration_note(calibration_use use) {
 }
 
 format_refusal::format_refusal(std::string_view format, std::string_view why_)
-    : failure(fault::inexpressible, std::string("Format ").append(format).append(": ").append(why_)), why(why_) {}
+    : failure(fault::inexpressible, fmt::format("Format {}: {}", format, why_)), why(why_) {}
 
 void refuse_format(std::string_view format, std::string_view why) { throw format_refusal(format, why); }
+
+void refuse_not_finite(std::string_view format, std::string_view what) {
+  throw failure(fault::not_finite, fmt::format("Format {}: {} is not a finite number", format, what));
+}
 
 void require_tables(std::string_view format, const device_tables& tables) {
   require_table(format, "post-table", tables.post);
@@ -62,16 +62,15 @@ const matrix& require_one_table(std::string_view format, const device_tables& ta
   require_tables(format, tables);
   if (tables.two_tables)
     refuse_format(format,
-                  "it holds one table a channel, but this correction has two and a matrix between them; clf, spi and "
-                  "kms hold all of it, cube3d approximates it");
+                  "it holds one table per channel, but this correction has two with a matrix between them; clf, spi "
+                  "and kms hold all of it, cube3d approximates it");
   return tables.post;
 }
 
 void require_count(std::string_view format, std::string_view what, std::size_t count, std::size_t least,
                    std::size_t most) {
   if (least <= count && count <= most) return;
-  refuse_format(format, std::string(what) + " = " + count_text(count) + ": choose from " + count_text(least) +
-                            " to " + count_text(most));
+  refuse_format(format, fmt::format("{} = {}: choose from {} to {}", what, count, least, most));
 }
 
 void require_bakeable(std::string_view format, const device_tables& tables) {
@@ -79,8 +78,9 @@ void require_bakeable(std::string_view format, const device_tables& tables) {
   constexpr std::size_t enough = 4096;
   const std::size_t rows = tables.two_tables ? std::min(tables.pre.rows(), tables.post.rows()) : tables.post.rows();
   if (rows < enough)
-    refuse_format(format, "tables of " + count_text(rows) +
-                              " rows are too coarse to be baked: solve again with tlen=4096, or take clf");
+    refuse_format(format,
+                  fmt::format("tables of {} rows are too coarse to be baked: solve again with tlen={}, or take clf",
+                              rows, enough));
 }
 
 }  // namespace corvantile

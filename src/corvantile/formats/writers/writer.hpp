@@ -1,10 +1,9 @@
 #pragma once
-// What the writers share: what a file says about itself, how it treats a calibration, and the refusals that several
-// formats have in common.
+// What the writers share: what a file says about itself, how it treats a calibration, and common refusals.
 //
-// A writer takes plain records and returns bytes; it opens no file. What a format cannot hold is refused by a
-// `failure` of kind `fault::inexpressible`, whose message names the format, the reason and the way out; tables with
-// entries that are not finite by `fault::not_finite`.
+// A writer takes plain records and returns bytes; it opens no file. It refuses what its format cannot hold by a
+// `failure` of kind `fault::inexpressible`, whose message names the format, the reason and the way out, and entries
+// that are not finite by `fault::not_finite`.
 
 #include <array>
 #include <chrono>
@@ -20,7 +19,7 @@
 
 namespace corvantile {
 
-/// What a file says about itself. Every writer takes the texts through `ascii` and escapes them as its format asks.
+/// What a file says about itself. Every writer passes the texts through `ascii` and escapes them as its format asks.
 struct description {
   std::string title;
   std::vector<std::string> comments;      ///< one line each
@@ -33,13 +32,13 @@ struct file_content {
   std::string bytes;
 };
 
-/// cal(table(x)), entry by entry: for formats that replace the calibration through which the display was measured.
-/// Resample first, compose then.
+/// cal(table(x)), entry by entry: for formats that replace the calibration in effect while the display was measured.
+/// Resample first, then compose.
 matrix compose_calibration(const std::array<lut, 3>& cal, matrix table);
 
-/// How a file's entries stand to a calibration that was in effect while the display was measured.
+/// How a file's entries relate to a calibration that was in effect while the display was measured.
 enum class calibration_use {
-  none,      ///< there was none, it was the identity, or it is to be left out of account
+  none,      ///< there was none, it was the identity, or it is to be ignored
   composed,  ///< the entries are cal(table(x))
   in_force   ///< the entries are the table alone
 };
@@ -58,18 +57,21 @@ struct format_refusal : failure {
 /// Throws a `format_refusal`.
 [[noreturn]] void refuse_format(std::string_view format, std::string_view why);
 
-/// Refuses tables of fewer than two rows or not of three columns, and entries that are not finite.
+/// Throws `fault::not_finite`: "Format NAME: WHAT is not a finite number".
+[[noreturn]] void refuse_not_finite(std::string_view format, std::string_view what);
+
+/// Refuses tables with fewer than two rows or without three columns, and entries that are not finite.
 void require_tables(std::string_view format, const device_tables& tables);
 
-/// As `require_tables`, and refuses a two-table correction; returns the one table.
+/// As `require_tables`; also refuses a two-table correction. Returns the one table.
 const matrix& require_one_table(std::string_view format, const device_tables& tables);
 
-/// Refuses a count, named in the message as `what`, that is not from `least` to `most`.
+/// Refuses a count that is not from `least` to `most`; the message calls it `what`.
 void require_count(std::string_view format, std::string_view what, std::size_t count, std::size_t least,
                    std::size_t most);
 
-/// As `require_tables`, and refuses to bake a three-dimensional table from tables of fewer than 4096 rows: between
-/// the rows of short ones the dark end is too coarse.
+/// As `require_tables`; also refuses tables of fewer than 4096 rows, which are too coarse in the dark to be baked
+/// into a three-dimensional table.
 void require_bakeable(std::string_view format, const device_tables& tables);
 
 }  // namespace corvantile
