@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fmt/compile.h>
 
 #include "corvantile/formats/writers/quantiser.hpp"
 #include "corvantile/formats/writers/text_form.hpp"
@@ -52,7 +53,7 @@ std::string threedl_file(const drive_map& map, std::size_t size, const descripti
       for (const double b : grid) {
         const vec3 v = mapped("3dl", map, {{r, g, b}});
         const std::uint64_t codes[] = {code(v[0]), code(v[1]), code(v[2])};
-        append(out, "{} {} {}\n", codes[0], codes[1], codes[2]);
+        fmt::format_to(std::back_inserter(out), FMT_COMPILE("{} {} {}\n"), codes[0], codes[1], codes[2]);
         largest = std::max({largest, codes[0], codes[1], codes[2]});
       }
   if (largest < 2048) {
