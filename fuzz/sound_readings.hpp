@@ -23,8 +23,8 @@ inline void expect_sound(const readings& found, std::size_t size) {
     for (const double v : row.xyz.v) expect(std::isfinite(v), "X, Y, Z are finite");
     expect(row.line >= 1 && row.line <= size, "a row comes from a line of the file");
   }
-  expect(found.notes.size() <= 60, "no more notes than people read");
-  for (const std::string& note : found.notes) expect_printable(note);
+  expect(found.notes.sentences().size() <= 26, "no more notes than people read");
+  for (const std::string& note : found.notes.sentences()) expect_printable(note);
   for (const std::string* text : {&found.instrument, &found.originator, &found.date, &found.display})
     expect_printable(*text);
   if (!found.calibration) return;

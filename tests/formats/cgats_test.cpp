@@ -73,8 +73,8 @@ TEST(Cgats, KeepsWhatTheFileTells) {
   EXPECT_FALSE(r.absolute);
   EXPECT_EQ(notes_of(r),
             "X, Y, Z stay relative: the file does not tell the white's luminance.\n"
-            "Line 11 promises 4 rows; there are 3.\n"
-            "The display was measured through a calibration of 3 entries (line 20).\n");
+            "Line 11: NUMBER_OF_SETS promises 4 rows; there are 3.\n"
+            "Line 20: the display was measured through a calibration of 3 entries.\n");
   ASSERT_TRUE(r.calibration);
   EXPECT_EQ((*r.calibration)[2], (lut{{0, 0.5, 1}, {0, 0.6, 0.8}}));
   EXPECT_EQ(read_calibration("b.cal", calibration_file(*r.calibration, {.title = "B\xFCro \"1\"", .comments = {}})),
@@ -93,7 +93,7 @@ TEST(Cgats, DropsFailedReadingsByName) {
       notes_of(r),
       "Dropped line 11: the reading 0 0 0 of drive 100 100 100 failed.\n"
       "Dropped line 13: the reading -99999.992188 -99999.992188 -99999.992188 of drive 0 0 50 was not measured.\n"
-      "Dropped line 14: the reading NaN 1 1 of drive 50 50 50 is no measurable light.\n");
+      "Dropped line 14: the reading nan 1 1 of drive 50 50 50 is not measurable light.\n");
 }
 
 TEST(Cgats, RefusesWithLineAndValue) {
@@ -111,8 +111,8 @@ TEST(Cgats, RefusesWithLineAndValue) {
       {whole + cal.substr(0, 60), "before END_DATA"},
       {whole + "CAL\n" + data("RGB_I RGB_R RGB_G", "0 0 0\n"), "line 14: the calibration has no column RGB_B"},
       {whole + cal.substr(0, cal.find("0.5")) + "0 1 1 1\nEND_DATA", "line 20: the calibration's inputs must rise"},
-      {ti3(absolute, fields, "1 1 1 1 1\n"), "line 10: expected 6 values, one a field, found 5"},
-      {ti3(absolute, fields, "1 1 1 1 1 1 1\n"), "line 10: expected 6 values, one a field, found 7"},
+      {ti3(absolute, fields, "1 1 1 1 1\n"), "line 10: expected 6 values, one per field, found 5"},
+      {ti3(absolute, fields, "1 1 1 1 1 1 1\n"), "line 10: expected 6 values, one per field, found 7"},
       {ti3(absolute, fields, "1 1 1 1 1 1e\n"), "line 10: expected a number as XYZ_Z, found '1e'"},
       {ti3(absolute, fields, "100 0 0 1 1 1\n0 -5 0 1 1 1\n"), "line 11: expected a drive from 0 to 100, found '-5'"},
       {ti3(absolute, fields, "70000 0 0 1 1 1\n"),

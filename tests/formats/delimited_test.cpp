@@ -49,8 +49,8 @@ TEST(Delimited, UnitsAndWhatWasNotMeasured) {
   EXPECT_TRUE(r.absolute);
   EXPECT_EQ(rows_of(r), " 1 1 1 = 95 100 109;");
   EXPECT_EQ(notes_of(r),
-            "Drive values are taken as 0 to 255: the largest is 255 (line 2).\n"
-            "Dropped line 3: the reading NaN NaN NaN of drive 0 0 255 is no measurable light.\n");
+            "Line 2: drive values are taken as 0 to 255: the largest is 255.\n"
+            "Dropped line 3: the reading nan nan nan of drive 0 0 255 is not measurable light.\n");
 }
 
 TEST(Delimited, TakesTwelveColumnsAsFourRamps) {
@@ -73,23 +73,23 @@ TEST(Delimited, TakesTwelveColumnsAsFourRamps) {
 TEST(Delimited, RefusesWithLineAndValue) {
   const struct {
     std::string text, message;
-  } refused[] = {
-      {"R,G,B\n1,1,1\n", "line 1: no columns named X, Y, Z, or x, y, Y"},
-      {"R,G,B,x,y\n1,1,1,.3,.3\n", "line 1: no columns named X, Y, Z, or x, y, Y"},
-      {"X,Y,Z\n1,1,1\n", "line 1: no columns named R, G, B"},
-      {"R,G,B,X,Y,Z,R\n1,1,1,1,1,1,1\n", "line 1: the column R stands twice"},
-      {"\nhello world\n", "line 2: no columns named R, G, B: expected a header that names"},
-      {"R,G,B,X,Y,Z\n", "line 1: no rows behind the header"},
-      {"R,G,B,X,Y,Z\n1,1,1,1,1,1\n1,1,1,1,1,x\x01\n", "line 3: expected a number as Z, found 'x?'"},
-      {"R,G,B,X,Y,Z\n1,1,1,1,1\n", "line 2: expected a number as Z, found nothing"},
-      {"R,G,B,X,Y,Z\n0,5,0,5,0,5,9,0,9,0,9,0\n", "line 2: expected 6 cells, found 12; where commas separate, write"},
-      {"1 2 3 4 5\n", "line 1: a row of 5 numbers"},
-      {"1 2 3 4 5 6 7 8 9 10 11 12\n1 2\n", "line 2: expected 12 numbers, as in the first row, found 2"},
-      {"1 2 3 4 5 6 7 8 9 10 11 12\n", "one row only"},
-      {"1 1 1 1 1 1 1 1 1 1 1 1\n1 1 1 1 1 1 1 1 1 1 1 1\n", "name their order by a layout such as rgbw"},
-      {std::string(2000000, 'a'), "line 1: a line of more than a million characters"},
-      {std::string(20000, ';'), "line 1: more than 4096 cells in one line"},
-      {"# only a comment\n", "no rows; expected a header"}};
+  } refused[] = {{"R,G,B\n1,1,1\n", "line 1: no columns named X, Y, Z, or x, y, Y"},
+                 {"R,G,B,x,y\n1,1,1,.3,.3\n", "line 1: no columns named X, Y, Z, or x, y, Y"},
+                 {"X,Y,Z\n1,1,1\n", "line 1: no columns named R, G, B"},
+                 {"R,G,B,X,Y,Z,R\n1,1,1,1,1,1,1\n", "line 1: the column R stands twice"},
+                 {"\nhello world\n", "line 2: no columns named R, G, B: expected a header that names"},
+                 {"R,G,B,X,Y,Z\n", "line 1: no rows after the header"},
+                 {"R,G,B,X,Y,Z\n1,1,1,1,1,1\n1,1,1,1,1,x\x01\n", "line 3: expected a number as Z, found 'x?'"},
+                 {"R,G,B,X,Y,Z\n1,1,1,1,1\n", "line 2: expected a number as Z, found nothing"},
+                 {"R,G,B,X,Y,Z\n0,5,0,5,0,5,9,0,9,0,9,0\n",
+                  "line 2: expected 6 cells, found 12; if commas separate the cells, write"},
+                 {"1 2 3 4 5\n", "line 1: a row of 5 numbers"},
+                 {"1 2 3 4 5 6 7 8 9 10 11 12\n1 2\n", "line 2: expected 12 numbers, as in the first row, found 2"},
+                 {"1 2 3 4 5 6 7 8 9 10 11 12\n", "only one row"},
+                 {"1 1 1 1 1 1 1 1 1 1 1 1\n1 1 1 1 1 1 1 1 1 1 1 1\n", "give their order as a layout such as rgbw"},
+                 {std::string(2000000, 'a'), "line 1: a line of more than a million characters"},
+                 {std::string(20000, ';'), "line 1: more than 4096 cells in one line"},
+                 {"# only a comment\n", "no rows; expected a header"}};
   for (const auto& r : refused) {
     const std::string message = refusal([&] { read_delimited("a.csv", r.text); });
     EXPECT_NE(message.find(r.message), std::string::npos) << message << "\ninstead of " << r.message;

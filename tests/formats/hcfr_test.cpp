@@ -33,7 +33,7 @@ TEST(Hcfr, JoinsGrayScaleAndPrimariesInEitherOrder) {
   older.replace(older.find("\"95\""), 4, "\"70\"");
   const readings appended = read_hcfr({"Gray.csv", gray_header + older + gray_series}, primaries);
   EXPECT_EQ(rows_of(appended), ramp + rest) << "the last series";
-  EXPECT_EQ(notes_of(appended).substr(0, 65), "Gray.csv: The sheet holds 2 series; the last is taken (line 10).\n");
+  EXPECT_EQ(notes_of(appended).substr(0, 54), "Gray.csv: Line 10: the last of 2 series is taken.\nPrim");
 }
 
 TEST(Hcfr, ReadsTheDriveFromNamesOfPatches) {
@@ -46,8 +46,7 @@ TEST(Hcfr, ReadsTheDriveFromNamesOfPatches) {
   ASSERT_EQ(r.rows.size(), 3U);
   EXPECT_EQ(r.rows[1].drive, (vec3{{137.0 / 219, 0, 0}})) << "rounded to a percentage, back to the video code";
   EXPECT_EQ(r.rows[2].drive, (vec3{{0.1, 0, 110.0 / 219}})) << "10 % is no code, and stays";
-  EXPECT_EQ(notes_of(r).substr(0, 78),
-            "Checker.csv: 1 of 5 patches are passed over: their names do not state a drive.");
+  EXPECT_EQ(notes_of(r).substr(0, 74), "Checker.csv: 1 of 5 patches are skipped: their names do not state a drive.");
   for (const char* name : {"W", "W x", "W 101", "W -1", "W 1 2", "RGB 1 2", "RGB 1 2 3 4", "Y 50", ""})
     EXPECT_FALSE(drive_of_hcfr_name(name)) << name;
 }

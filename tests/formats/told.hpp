@@ -20,7 +20,7 @@ inline std::string rows_of(const readings& r) {
 
 inline std::string notes_of(const readings& r) {
   std::string s;
-  for (const std::string& note : r.notes) s += note + "\n";
+  for (const std::string& note : r.notes.sentences()) s += note + "\n";
   return s;
 }
 

@@ -31,15 +31,15 @@ struct repeat_spread {
 struct white_drift {
   double change = 0;                ///< of Y from the first white to the last, along the line of least squares
   std::size_t first = 0, last = 0;  ///< positions of these whites among the readings, counted from 1
-  std::size_t of = 0;               ///< readings in all
+  std::size_t of = 0;               ///< all readings
   friend bool operator==(const white_drift&, const white_drift&) = default;
 };
 
-/// What the repeats of a run tell; absent where a patch was read only once.
+/// What the repeats of a run tell; absent for a patch that was read once.
 struct repeatability {
   std::optional<repeat_spread> white;
   std::optional<repeat_spread> dark;
-  std::optional<repeat_spread> ramps;  ///< the worst patch of the four ramps with 1 % of the white's light or more
+  std::optional<repeat_spread> ramps;  ///< the worst patch of the four ramps with at least 1 % of the white's light
   std::optional<white_drift> drift;
   friend bool operator==(const repeatability&, const repeatability&) = default;
 };

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <fmt/core.h>
 
 #include "corvantile/formats/text_lines.hpp"
 #include "corvantile/utils/failure.hpp"
-#include "corvantile/utils/text.hpp"
 
 namespace corvantile {
 namespace {
@@ -19,7 +19,7 @@ calibration_curves read_calibration(std::string_view name, std::string_view text
   const std::vector<cgats_table> tables = parse_cgats(name, text);
   const auto table = std::ranges::find(tables, std::string_view("CAL"), &cgats_table::identifier);
   if (table == tables.end())
-    refuse_line(name, 1, expected_found("a calibration, which begins with CAL", tables[0].identifier));
+    refuse_line(name, 1, expected_found("a calibration that begins with CAL", tables[0].identifier));
   return calibration_from(name, *table);
 }
 
@@ -28,9 +28,9 @@ calibration_curves calibration_from(std::string_view name, const cgats_table& ta
   for (std::size_t i = 0; i < columns.size(); ++i) {
     const auto at = find_field(table, column_names[i]);
     if (!at) {
-      refuse_line(name, table.line,
-                  "the calibration has no column " + std::string(column_names[i]) +
-                      "; expected RGB_I, RGB_R, RGB_G and RGB_B");
+      refuse_line(
+          name, table.line,
+          fmt::format("the calibration has no column {}; expected RGB_I, RGB_R, RGB_G and RGB_B", column_names[i]));
     }
     columns[i] = *at;
   }
@@ -40,12 +40,12 @@ calibration_curves calibration_from(std::string_view name, const cgats_table& ta
     const auto values = rows.values();
     for (const double v : values) {
       if (!(v >= 0 && v <= 1))
-        refuse_line(name, rows.line(), expected_found("calibration values from 0 to 1", number_text(v)));
+        refuse_line(name, rows.line(), expected_found("calibration values from 0 to 1", fmt::format("{}", v)));
     }
     if (!curves[0].x.empty() && !(values[0] > curves[0].x.back())) {
-      refuse_line(name, rows.line(),
-                  "the calibration's inputs must rise, but " + number_text(values[0]) + " follows " +
-                      number_text(curves[0].x.back()));
+      refuse_line(
+          name, rows.line(),
+          fmt::format("the calibration's inputs must rise, but {} follows {}", values[0], curves[0].x.back()));
     }
     for (std::size_t c = 0; c < 3; ++c) {
       curves[c].x.push_back(values[0]);
@@ -54,7 +54,7 @@ calibration_curves calibration_from(std::string_view name, const cgats_table& ta
   }
   if (curves[0].x.size() < 2) {
     refuse_line(name, table.line,
-                "the calibration has " + std::to_string(curves[0].x.size()) + " rows, expected at least 2");
+                fmt::format("the calibration has {} rows, expected at least 2", curves[0].x.size()));
   }
   return curves;
 }

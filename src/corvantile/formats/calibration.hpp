@@ -10,14 +10,14 @@
 
 namespace corvantile {
 
-/// The curves of a .cal file. Throws `fault::content` where the text is none, is cut short, or where its curves are
-/// not at least two rows from 0 to 1 with rising inputs.
+/// The curves of a .cal file. Throws `fault::content` if the text is not one, if it is cut short, or if its curves
+/// are not at least two rows from 0 to 1 with rising inputs.
 calibration_curves read_calibration(std::string_view name, std::string_view text);
 
-/// The same for one table of a text, for files that bring their calibration along.
+/// The same for one table of a text: a .ti3 may hold the calibration that it was measured through.
 calibration_curves calibration_from(std::string_view name, const cgats_table& table);
 
-/// Whether the curves change no drive by more than 1e-4, the rounding of such tables.
+/// Whether the curves change every drive by 1e-4 at most, the rounding of such tables.
 bool is_identity(const calibration_curves& curves);
 
 }  // namespace corvantile

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <fmt/core.h>
 #include <optional>
 #include <string>
 #include <vector>
@@ -37,14 +38,15 @@ std::optional<std::array<std::size_t, 3>> find_three(const cgats_table& table,
   const bool spectral = std::ranges::any_of(
       table.fields, [](std::string_view f) { return f.starts_with("SPEC") || f.starts_with("nm"); });
   if (find_field(table, "LAB_L")) {
-    refuse_line(name, table.line,
-                "the readings are CIELAB (COLOR_REP \"RGB_LAB\"), which no longer tells the display's white; measure "
-                "or export again with X, Y, Z (columns XYZ_X, XYZ_Y, XYZ_Z)");
+    refuse_line(
+        name, table.line,
+        "the readings are CIELAB (COLOR_REP \"RGB_LAB\"), which does not tell the display's white; measure or "
+        "export again with X, Y, Z (columns XYZ_X, XYZ_Y, XYZ_Z)");
   }
   refuse_line(name, table.line,
-              std::string("there are no columns XYZ_X, XYZ_Y, XYZ_Z; ") +
-                  (spectral ? "these are spectra only: let ArgyllCMS's spec2cie compute X, Y, Z from them"
-                            : "export the readings with X, Y, Z"));
+              fmt::format("there are no columns XYZ_X, XYZ_Y, XYZ_Z; {}",
+                          spectral ? "these are spectra only: let ArgyllCMS's spec2cie compute X, Y, Z from them"
+                                   : "export the readings with X, Y, Z"));
 }
 
 colour_columns find_columns(std::string_view name, const cgats_table& table) {
@@ -60,11 +62,11 @@ colour_columns find_columns(std::string_view name, const cgats_table& table) {
   return {{(*rgb)[0], (*rgb)[1], (*rgb)[2], light[0], light[1], light[2]}, !xyz};
 }
 
-void refuse_what_is_no_display(std::string_view name, const cgats_table& table) {
+void require_display(std::string_view name, const cgats_table& table) {
   if (table.identifier == "CTI1" || table.identifier == "CTI2") {
     refuse_line(name, table.line,
-                expected_found("readings", table.identifier) +
-                    ", a chart that is still to be measured; give the .ti3 that dispread makes of it");
+                fmt::format("{}, a chart that is still to be measured; give the .ti3 that dispread makes of it",
+                            expected_found("readings", table.identifier)));
   }
   const cgats_keyword* device = find_keyword(table, "DEVICE_CLASS");
   if (device && !same_word(device->value, "DISPLAY")) {
@@ -72,7 +74,7 @@ void refuse_what_is_no_display(std::string_view name, const cgats_table& table) 
   }
 }
 
-// What X, Y, Z are to be multiplied by, to be in cd/m2; nothing where the file does not tell.
+// The factor that turns X, Y, Z into cd/m2; nothing if the file does not tell.
 std::optional<double> to_absolute(readings& into, const cgats_table& table) {
   if (same_word(keyword_value(table, "NORMALIZED_TO_Y_100"), "NO")) return 1.0;
   if (const cgats_keyword* white = find_keyword(table, "LUMINANCE_XYZ_CDM2")) {
@@ -80,20 +82,20 @@ std::optional<double> to_absolute(readings& into, const cgats_table& table) {
     cells.next();
     const auto luminance = cell_number(cells.next().value_or(""));
     if (luminance && *luminance > 0 && *luminance < 1e6) {
-      into.notes.push_back("X, Y, Z are converted to cd/m2 with the white's " + number_text(*luminance) +
-                           " cd/m2 (line " + std::to_string(white->line) + ").");
+      into.notes.add(
+          {fmt::format("X, Y, Z are converted to cd/m2: the white has {} cd/m2.", *luminance), white->line});
       return *luminance / 100;
     }
-    into.notes.push_back(
-        "X, Y, Z stay relative: " + expected_found("a luminance in LUMINANCE_XYZ_CDM2", white->value) + " (line " +
-        std::to_string(white->line) + ").");
+    into.notes.add(
+        {fmt::format("X, Y, Z stay relative: {}.", expected_found("a luminance in LUMINANCE_XYZ_CDM2", white->value)),
+         white->line});
     return std::nullopt;
   }
-  into.notes.emplace_back("X, Y, Z stay relative: the file does not tell the white's luminance.");
+  into.notes.add({"X, Y, Z stay relative: the file does not tell the white's luminance."});
   return std::nullopt;
 }
 
-// DisplayCAL leaves the display's name in the options that it hands to colprof: -M "DELL U2718Q".
+// DisplayCAL writes the display's name into the options for colprof: -M "DELL U2718Q".
 std::string display_in_remarks(const cgats_table& table) {
   constexpr std::string_view option = "-M \"";
   for (const std::string_view remark : table.remarks) {
@@ -119,8 +121,7 @@ void note_counts(readings& into, const cgats_table& table, std::size_t rows) {
   const cgats_keyword* sets = find_keyword(table, "NUMBER_OF_SETS");
   const auto promised = sets ? cell_number(sets->value) : std::nullopt;
   if (promised && *promised != static_cast<double>(rows)) {
-    into.notes.push_back("Line " + std::to_string(sets->line) + " promises " + number_text(*promised) +
-                         " rows; there are " + std::to_string(rows) + ".");
+    into.notes.add({fmt::format("NUMBER_OF_SETS promises {} rows; there are {}.", *promised, rows), sets->line});
   }
 }
 
@@ -143,13 +144,12 @@ void read_rows(readings& into, const cgats_table& table) {
 
 void read_calibration_of(readings& into, const cgats_table& table) {
   calibration_curves curves = calibration_from(into.source, table);
-  const std::string at = " (line " + std::to_string(table.line) + ").";
   if (is_identity(curves)) {
-    into.notes.push_back("The calibration that was in effect changes nothing, and is left out" + at);
+    into.notes.add({"the calibration in effect while measuring changes nothing and is ignored.", table.line});
     return;
   }
-  into.notes.push_back("The display was measured through a calibration of " + std::to_string(curves[0].x.size()) +
-                       " entries" + at);
+  into.notes.add(
+      {fmt::format("the display was measured through a calibration of {} entries.", curves[0].x.size()), table.line});
   into.calibration = std::move(curves);
 }
 
@@ -162,7 +162,7 @@ readings read_cgats(std::string_view name, std::string_view text) {
   if (measured == tables.end()) {
     refuse_line(name, 1, "a calibration (CAL) holds no readings; give the .ti3 that was measured with it");
   }
-  refuse_what_is_no_display(name, *measured);
+  require_display(name, *measured);
 
   readings found;
   found.source = name;
@@ -173,9 +173,7 @@ readings read_cgats(std::string_view name, std::string_view text) {
     if (is_calibration(table) && !found.calibration) {
       read_calibration_of(found, table);
     } else {
-      found.notes.push_back("The table in line " + std::to_string(table.line) +
-                            " is passed over: only the first with "
-                            "readings is read.");
+      found.notes.add({"this table is skipped: only the first one with readings is read.", table.line});
     }
   }
   return found;

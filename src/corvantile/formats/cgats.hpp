@@ -7,14 +7,14 @@
 
 namespace corvantile {
 
-/// The readings of the first table that is no calibration. Columns go by their names, in any order and case: RGB_R,
-/// RGB_G, RGB_B, and XYZ_X, XYZ_Y, XYZ_Z or XYY_X, XYY_Y, XYY_CAPY; others, such as spectra, are passed over.
+/// The readings of the first table that is not a calibration. Columns are found by name, in any order and case:
+/// RGB_R, RGB_G, RGB_B, and XYZ_X, XYZ_Y, XYZ_Z or XYY_X, XYY_Y, XYY_CAPY; others, such as spectra, are skipped.
 ///
-/// X, Y, Z are in cd/m2 where the file says so (NORMALIZED_TO_Y_100 "NO") or tells the luminance of white
-/// (LUMINANCE_XYZ_CDM2), else as they stand. A table CAL becomes `calibration` unless it is the identity.
+/// X, Y, Z are in cd/m2 if the file says so (NORMALIZED_TO_Y_100 "NO") or gives the luminance of white
+/// (LUMINANCE_XYZ_CDM2), else relative. A table CAL becomes `calibration` unless it is the identity.
 ///
-/// Throws `fault::content` with line and value where the text is cut short, has no such columns (only CIELAB, or only
-/// spectra), is a chart still to be measured, or was not read from a display.
+/// Throws `fault::content` with line and value if the text is cut short, lacks these columns (it may have only CIELAB
+/// or spectra), is a chart still to be measured, or was not read from a display.
 readings read_cgats(std::string_view name, std::string_view text);
 
 }  // namespace corvantile

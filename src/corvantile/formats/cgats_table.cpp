@@ -1,6 +1,7 @@
 #include "corvantile/formats/cgats_table.hpp"
 
 #include <algorithm>
+#include <fmt/core.h>
 #include <string>
 #include <utility>
 
@@ -10,7 +11,6 @@
 namespace corvantile {
 namespace {
 
-// Takes a text apart, line after line.
 class cgats_parser {
  public:
   cgats_parser(std::string_view name, std::string_view text) : name_(name), lines_(text) {}
@@ -26,7 +26,7 @@ class cgats_parser {
   }
 
  private:
-  // No program writes more of them into one table.
+  // No program writes more tables, keywords or fields.
   static constexpr std::size_t most_names = 100000;
 
   // The first cell of the next line that has any; `line_` then holds the whole line.
@@ -41,7 +41,7 @@ class cgats_parser {
 
   [[noreturn]] void cut_short(const std::string& missing) const {
     refuse_line(name_, lines_.number(),
-                "the file ends here, before " + missing + ": it was cut short; copy or export it again");
+                fmt::format("the file ends here, before {}: it was cut short; copy or export it again", missing));
   }
 
   std::optional<cgats_table> next_table() {
@@ -95,17 +95,17 @@ class cgats_parser {
         table.fields.push_back(*field);
         if (table.fields.size() > most_names) refuse_line(name_, lines_.number(), "too many fields for a CGATS text");
       }
-      if (!next_word()) cut_short("END_DATA_FORMAT (the format begins in line " + std::to_string(begin) + ")");
+      if (!next_word()) cut_short(fmt::format("END_DATA_FORMAT (the format begins in line {})", begin));
       cells = blank_cells(line_);
     }
   }
 
-  // What stands in such a block is not ours to read: it may hold quotes, `#`, or words that look like keywords.
+  // Not parsed: such a block may hold quotes, `#`, or words that look like keywords.
   void skip_block(cgats_table& table, std::string_view block) {
     const std::size_t begin = lines_.number();
     const std::string end = "END_" + std::string(block);
     const auto inside = lines_.skip_to(end);
-    if (!inside) cut_short(ascii(end.substr(0, 60)) + " (the block begins in line " + std::to_string(begin) + ")");
+    if (!inside) cut_short(fmt::format("{} (the block begins in line {})", ascii(end.substr(0, 60)), begin));
     table.remarks.push_back(*inside);
   }
 
@@ -114,8 +114,8 @@ class cgats_parser {
     const auto data = lines_.skip_to("END_DATA");
     if (!data) {
       const std::string_view promised = keyword_value(table, "NUMBER_OF_SETS");
-      cut_short("END_DATA, with " + std::to_string(lines_.number() + 1 - table.data_line) + " rows" +
-                (promised.empty() ? "" : " of " + ascii(promised.substr(0, 20))));
+      cut_short(fmt::format("END_DATA, with {} rows{}", lines_.number() + 1 - table.data_line,
+                            promised.empty() ? "" : " of " + ascii(promised.substr(0, 20))));
     }
     table.data = *data;
   }
@@ -167,14 +167,14 @@ bool cgats_rows::next() {
       const auto v = cell_number(*cell);
       if (!v) {
         refuse_line(name_, lines_.number(),
-                    expected_found("a number as " + ascii(table_.fields[column].substr(0, 40)), *cell));
+                    expected_found(fmt::format("a number as {}", ascii(table_.fields[column].substr(0, 40))), *cell));
       }
       values_[slot_[column]] = *v;
     }
   }
   if (column != slot_.size()) {
     refuse_line(name_, lines_.number(),
-                "expected " + std::to_string(slot_.size()) + " values, one a field, found " + std::to_string(column));
+                fmt::format("expected {} values, one per field, found {}", slot_.size(), column));
   }
   return true;
 }

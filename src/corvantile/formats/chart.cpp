@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
+#include <fmt/core.h>
+#include <iterator>
 #include <numeric>
 
 #include "corvantile/formats/hcfr.hpp"
 #include "corvantile/formats/text_lines.hpp"
 #include "corvantile/utils/failure.hpp"
-#include "corvantile/utils/text.hpp"
 
 namespace corvantile {
 namespace {
@@ -23,7 +23,7 @@ chart_patch in_codes(const vec3& drive) {
   return patch;
 }
 
-// Element `index` of the sequence that mirrors the digits of the index at the point: evenly spread at any length.
+// The digits of `index`, mirrored at the point: evenly spread for any number of indices.
 double mirrored_digits(std::size_t index, std::size_t base) {
   double sum = 0;
   double place = 1;
@@ -43,16 +43,16 @@ bool on_a_ramp(const vec3& d) {
   return dark >= 2 || (d[0] == d[1] && d[1] == d[2]);
 }
 
-chart_patch anywhere(const vec3& point) { return in_codes(point); }
+chart_patch patch_anywhere(const vec3& point) { return in_codes(point); }
 
-chart_patch near_gray(const vec3& point) {
+chart_patch patch_near_gray(const vec3& point) {
   constexpr double off_gray = 0.04;
   constexpr double margin = 0.05;  // the ends of the gray axis say little about colours beside it
   const double gray = margin + (1 - 2 * margin) * point[0];
   return in_codes({{gray + off_gray * (2 * point[1] - 1), gray, gray + off_gray * (2 * point[2] - 1)}});
 }
 
-// Appends `count` patches, made of successive points of the sequence, that no ramp holds.
+// Appends `count` patches that are on no ramp, made of successive points of the sequence.
 void append_spread(std::vector<chart_patch>& patches, std::size_t count, chart_patch (*make)(const vec3&)) {
   const std::size_t end = patches.size() + count;
   for (std::size_t index = 1; patches.size() < end; ++index) {
@@ -61,7 +61,7 @@ void append_spread(std::vector<chart_patch>& patches, std::size_t count, chart_p
   }
 }
 
-// All but white and black.
+// The ramps without white and black.
 std::vector<chart_patch> ramp_patches(std::size_t levels, chart_ramps ramps) {
   std::vector<chart_patch> patches;
   for (std::size_t i = 1; i < levels; ++i) {
@@ -75,7 +75,7 @@ std::vector<chart_patch> ramp_patches(std::size_t levels, chart_ramps ramps) {
   return patches;
 }
 
-// Neighbours end up far apart: patch i is measured at the time i times the golden ratio, modulo the whole.
+// Puts neighbours far apart: patch i comes at the fraction of (i + 1) times the golden ratio.
 std::vector<chart_patch> scattered(const std::vector<chart_patch>& patches) {
   constexpr double golden = 0.6180339887498949;
   const auto time = [](std::size_t i) { return std::fmod(static_cast<double>(i + 1) * golden, 1.0); };
@@ -99,11 +99,11 @@ vec3 expected_xyz(const vec3& drive) {
 std::vector<chart_patch> make_chart(std::size_t levels, chart_ramps ramps, std::size_t verify) {
   constexpr std::size_t between_whites = 20;
   constexpr std::size_t most_verify = 10000;
-  if (levels < 5 || levels > 256) refuse_setting("levels", std::to_string(levels), "expected 5 to 256");
-  if (verify > most_verify) refuse_setting("verify", std::to_string(verify), "expected at most 10000");
+  if (levels < 5 || levels > 256) refuse_setting("levels", fmt::format("{}", levels), "expected 5 to 256");
+  if (verify > most_verify) refuse_setting("verify", fmt::format("{}", verify), "expected at most 10000");
   std::vector<chart_patch> patches = ramp_patches(levels, ramps);
-  append_spread(patches, verify - verify / 3, anywhere);
-  append_spread(patches, verify / 3, near_gray);
+  append_spread(patches, verify - verify / 3, patch_anywhere);
+  append_spread(patches, verify / 3, patch_near_gray);
 
   std::vector<chart_patch> chart;
   std::size_t since = between_whites;
@@ -120,21 +120,16 @@ std::vector<chart_patch> make_chart(std::size_t levels, chart_ramps ramps, std::
 }
 
 std::string write_chart_ti1(std::span<const chart_patch> chart, std::string_view date) {
-  std::string out =
-      "CTI1   \n\nDESCRIPTOR \"Argyll Calibration Target chart information 1\"\nORIGINATOR \"corvantile-kit\"\n";
-  if (!date.empty()) out.append("CREATED \"").append(ascii(date)).append("\"\n");
-  out += "APPROX_WHITE_POINT \"95.050000 100.000000 108.900000\"\nCOLOR_REP \"RGB\"\n\n";
-  out += "NUMBER_OF_FIELDS 7\nBEGIN_DATA_FORMAT\nSAMPLE_ID RGB_R RGB_G RGB_B XYZ_X XYZ_Y XYZ_Z\nEND_DATA_FORMAT\n\n";
-  out += "NUMBER_OF_SETS " + std::to_string(chart.size()) + "\nBEGIN_DATA\n";
+  std::string out = fmt::format(
+      "CTI1   \n\nDESCRIPTOR \"Argyll Calibration Target chart information 1\"\nORIGINATOR \"corvantile-kit\"\n{}"
+      "APPROX_WHITE_POINT \"95.050000 100.000000 108.900000\"\nCOLOR_REP \"RGB\"\n\n"
+      "NUMBER_OF_FIELDS 7\nBEGIN_DATA_FORMAT\nSAMPLE_ID RGB_R RGB_G RGB_B XYZ_X XYZ_Y XYZ_Z\nEND_DATA_FORMAT\n\n"
+      "NUMBER_OF_SETS {}\nBEGIN_DATA\n",
+      date.empty() ? "" : fmt::format("CREATED \"{}\"\n", ascii(date)), chart.size());
   for (std::size_t i = 0; i < chart.size(); ++i) {
-    append_integer(out, static_cast<std::int64_t>(i + 1));
-    for (const vec3& v : {100.0 * chart[i].drive, expected_xyz(chart[i].drive)}) {
-      for (const double number : v.v) {
-        out += ' ';
-        append_fixed(out, number, 9, 5);
-      }
-    }
-    out += '\n';
+    const vec3 rgb = 100.0 * chart[i].drive, xyz = expected_xyz(chart[i].drive);
+    fmt::format_to(std::back_inserter(out), "{} {:9.5f} {:9.5f} {:9.5f} {:9.5f} {:9.5f} {:9.5f}\n", i + 1, rgb[0],
+                   rgb[1], rgb[2], xyz[0], xyz[1], xyz[2]);
   }
   return out + "END_DATA\n";
 }
@@ -142,11 +137,8 @@ std::string write_chart_ti1(std::span<const chart_patch> chart, std::string_view
 std::string write_chart_csv(std::span<const chart_patch> chart) {
   std::string out = "R,G,B,X (cd/m2),Y (cd/m2),Z (cd/m2)\n";
   for (const chart_patch& patch : chart) {
-    for (const double d : patch.drive.v) {
-      append_integer(out, std::lround(d * codes));
-      out += ',';
-    }
-    out += ",,\n";
+    const vec3 code = codes * patch.drive;
+    fmt::format_to(std::back_inserter(out), "{:.0f},{:.0f},{:.0f},,,\n", code[0], code[1], code[2]);
   }
   return out;
 }
@@ -154,14 +146,10 @@ std::string write_chart_csv(std::span<const chart_patch> chart) {
 std::string write_chart_hcfr(std::span<const chart_patch> chart) {
   std::string out;
   for (const chart_patch& patch : chart) {
-    vec3 shown;
-    for (std::size_t c = 0; c < 3; ++c) {
-      const auto above_black = std::lround(patch.drive[c] * 219);
-      shown[c] = static_cast<double>(above_black) / 219;
-      append_integer(out, 16 + above_black);
-      out += ',';
-    }
-    out += hcfr_patch_name(shown) + ",\n";
+    vec3 above_black;
+    for (std::size_t c = 0; c < 3; ++c) above_black[c] = std::round(patch.drive[c] * 219);
+    fmt::format_to(std::back_inserter(out), "{},{},{},{},\n", 16 + above_black[0], 16 + above_black[1],
+                   16 + above_black[2], hcfr_patch_name(above_black / 219));
   }
   return out;
 }

@@ -11,7 +11,7 @@
 
 namespace corvantile {
 
-/// Drives from 0 to 1. All are multiples of 1/255, so that eight bits show them exactly.
+/// Drives from 0 to 1, all multiples of 1/255: eight bits show them exactly.
 struct chart_patch {
   vec3 drive;
   friend bool operator==(const chart_patch&, const chart_patch&) = default;
@@ -20,27 +20,27 @@ struct chart_patch {
 /// Which ramps a chart holds besides the white one.
 enum class chart_ramps {
   measured,  ///< red, green and blue ramps of the same levels
-  derived    ///< the three full primaries: the ramps are to be computed from white
+  derived    ///< the three full primaries: the ramps are computed from white later
 };
 
 /// A chart of 5 to 256 even `levels` (17 levels: 65 patches, derived 20) and `verify` further patches, at most 10000,
-/// that no ramp holds: two in three spread over the cube, one in three within 0.04 of gray.
+/// that are on no ramp: two in three spread over the cube, one in three within 0.04 of gray.
 ///
-/// Drift is made visible: white and black come first, again after every 20 patches, and last; the patches between
-/// them do not follow their ramps, so that a slow change scatters the readings instead of bending a curve. The same
-/// arguments give the same chart. Throws `fault::setting` outside the bounds.
+/// It shows drift: white and black come first, after every 20 patches, and last. The patches between them are in
+/// mixed order, so that a slow change scatters the readings instead of bending a curve. The same arguments give the
+/// same chart. Throws `fault::setting` outside the bounds.
 ///
 /// The further patches are points of Halton's sequence: J. H. Halton, Numerische Mathematik 2 (1960).
 std::vector<chart_patch> make_chart(std::size_t levels, chart_ramps ramps, std::size_t verify = 0);
 
-/// For ArgyllCMS's dispread and fakeread. Their X, Y, Z are those of an sRGB display. `date` may be empty.
+/// For ArgyllCMS's dispread and fakeread. X, Y, Z are those of an sRGB display. `date` may be empty.
 std::string write_chart_ti1(std::span<const chart_patch> chart, std::string_view date);
 
-/// A table of codes 0 to 255 whose columns X, Y, Z in cd/m2 wait to be filled in.
+/// A table of codes 0 to 255 with empty columns X, Y, Z in cd/m2 to fill in.
 std::string write_chart_csv(std::span<const chart_patch> chart);
 
-/// HCFR's list of user patches: video codes 16 to 235, nearest to the drive, and a name that states the drive of
-/// these codes (`hcfr_patch_name`).
+/// HCFR's list of user patches: the nearest video codes 16 to 235, and a name that states their drive
+/// (`hcfr_patch_name`).
 std::string write_chart_hcfr(std::span<const chart_patch> chart);
 
 }  // namespace corvantile

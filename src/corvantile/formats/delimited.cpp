@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
+#include <fmt/core.h>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,7 +26,7 @@ bool is_comment(std::string_view line) {
   return line.starts_with(';') && (line.size() == 1 || line[1] == ' ' || line.find(';', 1) == std::string_view::npos);
 }
 
-// The lines that are no comments, cell by cell.
+// The lines that are not comments, cell by cell.
 class table_reader {
  public:
   table_reader(std::string_view name, std::string_view text) : name_(name), lines_(text) {}
@@ -43,13 +43,13 @@ class table_reader {
       if (take_separator(row)) continue;
       if (separator_ == '\0') separator_ = separator_of(row);
       split_cells(*text, separator_, cells);
-      if (cells.size() > most_cells) refuse("more than " + std::to_string(most_cells) + " cells in one line");
+      if (cells.size() > most_cells) refuse(fmt::format("more than {} cells in one line", most_cells));
       if (!cells.empty()) return true;
     }
     return false;
   }
 
-  // The names in the comment right before the first row, as some programs write them.
+  // Some programs write the names into the last comment before the first row.
   std::vector<std::string_view> names_in_comment() const {
     std::vector<std::string_view> names;
     if (comment_.size() > 1) split_cells(comment_.substr(1), separator_of(comment_.substr(1)), names);
@@ -59,7 +59,7 @@ class table_reader {
   double number(std::size_t column, std::string_view what) const {
     const std::string_view cell = column < cells.size() ? cells[column] : std::string_view{};
     const auto v = cell_number(cell);
-    if (!v) refuse(expected_found("a number as " + std::string(what), cell));
+    if (!v) refuse(expected_found(fmt::format("a number as {}", what), cell));
     return *v;
   }
 
@@ -93,8 +93,10 @@ raw_reading reading_in_row(const table_reader& table, const table_columns& colum
   static constexpr std::array xyz_names{"X", "Y", "Z"};
   static constexpr std::array xyy_names{"x", "y", "Y"};
   if (table.cells.size() > columns.width) {
-    table.refuse("expected " + std::to_string(columns.width) + " cells, found " + std::to_string(table.cells.size()) +
-                 "; where commas separate, write numbers with a decimal point or in quotes");
+    table.refuse(
+        fmt::format("expected {} cells, found {}; if commas separate the cells, write numbers with a decimal "
+                    "point or in quotes",
+                    columns.width, table.cells.size()));
   }
   raw_reading row;
   row.line = table.line();
@@ -116,7 +118,7 @@ void read_rows(readings& into, table_reader& table, const table_columns& columns
   while (table.next());
   into.absolute = columns.absolute;
   append_rows(into, rows, columns.percent ? drive_scale{0, 100} : guess_drive_scale(into, rows));
-  if (!columns.absolute) into.notes.emplace_back("X, Y, Z stay relative: the header does not tell their unit.");
+  if (!columns.absolute) into.notes.add({"X, Y, Z stay relative: the header does not tell their unit."});
 }
 
 // ---- Four ramps side by side ----
@@ -128,8 +130,8 @@ struct ramp_row {
 
 double total(const ramp_row& row) { return row.xyz[0][1] + row.xyz[1][1] + row.xyz[2][1] + row.xyz[3][1]; }
 
-// The ramps' letters by their colours at full drive: white is the brightest, and of the others each primary has the
-// largest share of its own X, Y or Z. Anything but four different letters is no answer.
+// The ramps' letters by their colours at full drive: white is the brightest; of the others, red has the largest share
+// of X, green of Y and blue of Z. If one ramp wins twice, the result is not a layout.
 std::string layout_by_colour(const std::array<vec3, 4>& full) {
   std::size_t white = 0;
   for (std::size_t i = 1; i < 4; ++i)
@@ -156,13 +158,13 @@ std::vector<ramp_row> ramp_rows(table_reader& table) {
   std::vector<ramp_row> rows;
   do {
     if (table.cells.size() != 12) {
-      table.refuse("expected 12 numbers, as in the first row, found " + std::to_string(table.cells.size()));
+      table.refuse(fmt::format("expected 12 numbers, as in the first row, found {}", table.cells.size()));
     }
     ramp_row row{{}, table.line()};
     for (std::size_t i = 0; i < 12; ++i) row.xyz[i / 3][i % 3] = table.number(i, "X, Y or Z");
     rows.push_back(row);
   } while (table.next());
-  if (rows.size() < 2) table.refuse("one row only; expected one for each level, from dark to full drive");
+  if (rows.size() < 2) table.refuse("only one row; expected one for each level, from dark to full drive");
   return rows;
 }
 
@@ -174,8 +176,8 @@ void read_four_ramps(readings& into, table_reader& table, std::string layout) {
   if (guessed) layout = layout_by_colour((rising ? ramps[last] : ramps[0]).xyz);
   if (!is_layout(layout)) {
     refuse_content(into.source,
-                   "the colours of the four ramps do not tell which is which; name their order by a "
-                   "layout such as rgbw");
+                   "the colours of the four ramps do not tell which is which; give their order as a layout such as "
+                   "rgbw");
   }
   std::vector<raw_reading> rows;
   for (std::size_t i = 0; i <= last; ++i) {
@@ -183,11 +185,12 @@ void read_four_ramps(readings& into, table_reader& table, std::string layout) {
     for (std::size_t ramp = 0; ramp < 4; ++ramp)
       rows.push_back({drive_of(layout[ramp], level), ramps[i].xyz[ramp], ramps[i].line});
   }
-  into.notes.push_back("The 12 columns are taken as X, Y, Z of four ramps in the order " + layout +
-                       (guessed ? " (told by their colours)" : "") + ", at " + std::to_string(ramps.size()) +
-                       " even levels, " + (rising ? "dark first." : "full drive first."));
+  into.notes.add(
+      {fmt::format("The 12 columns are taken as X, Y, Z of four ramps in the order {}{}, at {} even levels, {} "
+                   "first.",
+                   layout, guessed ? " (told by their colours)" : "", ramps.size(), rising ? "dark" : "full drive")});
   append_rows(into, rows, {0, 1});
-  into.notes.emplace_back("X, Y, Z stay relative: the file does not tell their unit.");
+  into.notes.add({"X, Y, Z stay relative: the file does not tell their unit."});
 }
 
 }  // namespace
@@ -203,13 +206,13 @@ readings read_delimited(std::string_view name, std::string_view text, std::strin
   found.source = name;
   found.kind = "CSV";
   table_reader table(name, text);
-  if (!table.next()) refuse_content(name, "no rows; expected " + std::string(expected_table));
+  if (!table.next()) refuse_content(name, fmt::format("no rows; expected {}", expected_table));
 
   std::string problem;
   if (!all_numbers(table.cells)) {
     const auto columns = read_table_header(table.cells, problem);
-    if (!columns) table.refuse(problem + ": " + expected_found(expected_table, table.cells[0]));
-    if (!table.next()) table.refuse("no rows behind the header");
+    if (!columns) table.refuse(fmt::format("{}: {}", problem, expected_found(expected_table, table.cells[0])));
+    if (!table.next()) table.refuse("no rows after the header");
     read_rows(found, table, *columns);
     return found;
   }
@@ -217,13 +220,13 @@ readings read_delimited(std::string_view name, std::string_view text, std::strin
   if (const auto columns = read_table_header(names, problem); columns && columns->width == table.cells.size()) {
     read_rows(found, table, *columns);
   } else if (table.cells.size() == 6) {
-    found.notes.emplace_back("Without a header the six columns are taken as R, G, B, X, Y, Z.");
+    found.notes.add({"Without a header the six columns are taken as R, G, B, X, Y, Z."});
     read_rows(found, table, {{0, 1, 2}, {3, 4, 5}, 6});
   } else if (table.cells.size() == 12) {
     read_four_ramps(found, table, std::string(layout));
   } else {
-    table.refuse("a row of " + std::to_string(table.cells.size()) +
-                 " numbers: " + expected_found(expected_table, table.cells[0]));
+    table.refuse(
+        fmt::format("a row of {} numbers: {}", table.cells.size(), expected_found(expected_table, table.cells[0])));
   }
   return found;
 }

@@ -25,7 +25,7 @@ std::size_t end_of_cell(std::string_view line, std::size_t begin, char separator
 }  // namespace
 
 char separator_of(std::string_view line) {
-  constexpr std::size_t enough = 65536;  // no line of names is longer
+  constexpr std::size_t enough = 65536;  // longer than any line of names
   line = line.substr(0, enough);
   for (const char c : {';', '\t'})
     if (line.find(c) != std::string_view::npos) return c;

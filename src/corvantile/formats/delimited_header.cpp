@@ -22,7 +22,7 @@ std::string_view without_prefix(std::string_view name) {
   return name;
 }
 
-// A cell that is nothing but a unit belongs to the name before it: blanks had separated them.
+// A cell with only a unit belongs to the name before it: a blank has separated them.
 std::vector<column_name> taken_apart(std::span<const std::string_view> cells) {
   std::vector<column_name> columns;
   for (const std::string_view cell : cells) {
@@ -42,7 +42,7 @@ class name_search {
  public:
   name_search(std::span<const column_name> columns, std::string& problem) : columns_(columns), problem_(problem) {}
 
-  // The column that has one of these names: the letters' case counts where `exact`.
+  // The column with one of these names. The letters' case counts if `exact`.
   const column_name* find(std::initializer_list<std::string_view> names, bool exact) {
     const column_name* found = nullptr;
     for (const column_name& column : columns_) {
@@ -63,7 +63,7 @@ class name_search {
 using three_columns = std::array<const column_name*, 3>;
 bool complete(const three_columns& columns) { return std::ranges::find(columns, nullptr) == columns.end(); }
 
-// In upper case X, Y, Z; else x, y with a luminance; else X, Y, Z in any case, when no Y stands beside x, y, z.
+// X, Y, Z in upper case; else x, y with a luminance; else X, Y, Z in any case: there is no Y beside x, y, z then.
 three_columns find_light(name_search& search, bool& chromaticity) {
   chromaticity = false;
   const three_columns upper{search.find({"X"}, true), search.find({"Y"}, true), search.find({"Z"}, true)};

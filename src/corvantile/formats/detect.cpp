@@ -15,8 +15,8 @@
 namespace corvantile {
 namespace {
 
-// Files that people take for readings, and what to do with them instead.
-void refuse_what_is_no_text(const source& from) {
+// Refuses files that people mistake for readings, and says what to do.
+void require_text(const source& from) {
   constexpr std::size_t look_at = 4096;
   const std::string_view head = std::string_view(from.text).substr(0, look_at);
   if (from.text.find_first_not_of(" \t\r\n") == std::string::npos) refuse_content(from.name, "the file is empty");
@@ -52,12 +52,12 @@ source_kind kind_of(std::string_view text) {
 }
 
 readings read_readings(const source& first, const std::optional<source>& second, const reading_options& options) {
-  refuse_what_is_no_text(first);
-  if (second) refuse_what_is_no_text(*second);
+  require_text(first);
+  if (second) require_text(*second);
   const source_kind kind = options.from.value_or(kind_of(first.text));
   if (kind == source_kind::hcfr) return read_hcfr(first, second);
   if (second) {
-    refuse_content(second->name, "a second file goes with HCFR's sheets only; everything else stands in one file");
+    refuse_content(second->name, "a second file goes with HCFR's sheets only; all other readings are in one file");
   }
   if (kind == source_kind::csv) return read_delimited(first.name, first.text, options.layout);
   if (kind == source_kind::corvantile) return read_own_file(first.name, first.text);

@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <fmt/core.h>
 #include <vector>
 
 #include "corvantile/formats/delimited_cells.hpp"
 #include "corvantile/formats/raw_readings.hpp"
 #include "corvantile/formats/text_lines.hpp"
 #include "corvantile/utils/failure.hpp"
-#include "corvantile/utils/text.hpp"
 
 namespace corvantile {
 namespace {
@@ -38,7 +38,7 @@ std::vector<sheet_row> rows_of(const source& from) {
 
 bool names_delta_e(std::string_view cell) { return same_word(cell.substr(0, 5), "delta"); }
 
-// X, Y, Z stand in three rows of these labels; `x_row` is the first.
+// Whether `x_row` begins three rows labelled X, Y, Z.
 bool is_series(const std::vector<sheet_row>& rows, std::size_t x_row) {
   static constexpr std::array labels{"X", "Y", "Z"};
   for (std::size_t k = 0; k < 3; ++k) {
@@ -50,11 +50,11 @@ bool is_series(const std::vector<sheet_row>& rows, std::size_t x_row) {
 double number_in(const source& from, const sheet_row& row, std::size_t column) {
   const std::string_view cell = column < row.cells.size() ? row.cells[column] : std::string_view{};
   const auto v = cell_number(cell);
-  if (!v) refuse_line(from.name, row.line, expected_found("a number in cell " + std::to_string(column + 1), cell));
+  if (!v) refuse_line(from.name, row.line, expected_found(fmt::format("a number in cell {}", column + 1), cell));
   return *v;
 }
 
-// Where the last series of X, Y, Z begins. Each save has appended one.
+// Row of the last series of X, Y, Z: each save appends one.
 std::size_t last_series(readings& into, const source& from, const std::vector<sheet_row>& rows) {
   std::size_t found = 0;
   std::size_t count = 0;
@@ -70,8 +70,7 @@ std::size_t last_series(readings& into, const source& from, const std::vector<sh
   if (count == 0)
     refuse_line(from.name, rows.empty() ? 1 : rows.back().line, "the sheet ends without the rows X, Y and Z");
   if (count > 1) {
-    into.notes.push_back("The sheet holds " + std::to_string(count) + " series; the last is taken (line " +
-                         std::to_string(rows[found].line) + ").");
+    into.notes.add({fmt::format("the last of {} series is taken.", count), rows[found].line});
   }
   return found;
 }
@@ -82,7 +81,7 @@ vec3 xyz_in_column(const source& from, const std::vector<sheet_row>& rows, std::
   return xyz;
 }
 
-// The row above X holds a label, in the user's language, and the levels in percent.
+// The row above X has a label in the user's language, then the levels in percent.
 std::vector<raw_reading> gray_scale(readings& into, const source& from) {
   const std::vector<sheet_row> rows = rows_of(from);
   const std::size_t x = last_series(into, from, rows);
@@ -125,8 +124,8 @@ std::vector<raw_reading> color_checker(readings& into, const source& from) {
                 "corvantile-kit writes for HCFR");
   }
   if (nameless > 0) {
-    into.notes.push_back(std::to_string(nameless) + " of " + std::to_string(nameless + found.size()) +
-                         " patches are passed over: their names do not state a drive.");
+    into.notes.add({fmt::format("{} of {} patches are skipped: their names do not state a drive.", nameless,
+                                nameless + found.size())});
   }
   return found;
 }
@@ -134,22 +133,18 @@ std::vector<raw_reading> color_checker(readings& into, const source& from) {
 void append_sheet(readings& into, const source& from, hcfr_sheet sheet) {
   readings part;
   part.source = from.name;
+  part.notes = std::move(into.notes);
+  part.notes.begin_file(ascii(from.name));
   const std::vector<raw_reading> rows = sheet == hcfr_sheet::gray_scale  ? gray_scale(part, from)
                                         : sheet == hcfr_sheet::primaries ? primaries(part, from)
                                                                          : color_checker(part, from);
   append_rows(part, rows, {0, 100});
   into.rows.insert(into.rows.end(), part.rows.begin(), part.rows.end());
-  for (const std::string& note : part.notes) into.notes.push_back(ascii(from.name) + ": " + note);
+  into.notes = std::move(part.notes);
   into.source += (into.source.empty() ? "" : " + ") + from.name;
 }
 
-std::string percent(double drive) {
-  std::string text;
-  append_fixed(text, 100 * drive, 0, 3);
-  return text.starts_with('.') ? "0" + text : text;
-}
-
-// Three decimals of a percentage are enough to tell the video codes 16 to 235 apart, but do not spell them.
+// Three decimals of a percentage tell the video codes 16 to 235 apart, but are not exact.
 double exact_drive(double in_percent) {
   constexpr double codes = 219;
   constexpr double rounding = 0.0006;
@@ -201,10 +196,11 @@ readings read_hcfr(const source& first, const std::optional<source>& second) {
 }
 
 std::string hcfr_patch_name(const vec3& drive) {
-  if (drive[0] == drive[1] && drive[1] == drive[2]) return "W " + percent(drive[0]);
+  const vec3 percent = 100.0 * drive;
+  if (drive[0] == drive[1] && drive[1] == drive[2]) return fmt::format("W {:.3f}", percent[0]);
   for (std::size_t c = 0; c < 3; ++c)
-    if (drive[(c + 1) % 3] == 0 && drive[(c + 2) % 3] == 0) return std::string(1, "RGB"[c]) + " " + percent(drive[c]);
-  return "RGB " + percent(drive[0]) + " " + percent(drive[1]) + " " + percent(drive[2]);
+    if (drive[(c + 1) % 3] == 0 && drive[(c + 2) % 3] == 0) return fmt::format("{} {:.3f}", "RGB"[c], percent[c]);
+  return fmt::format("RGB {:.3f} {:.3f} {:.3f}", percent[0], percent[1], percent[2]);
 }
 
 std::optional<vec3> drive_of_hcfr_name(std::string_view name) {

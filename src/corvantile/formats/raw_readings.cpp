@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <optional>
+#include <fmt/core.h>
 
 #include "corvantile/formats/text_lines.hpp"
 #include "corvantile/utils/failure.hpp"
@@ -11,59 +11,31 @@
 namespace corvantile {
 namespace {
 
-constexpr double stray = 0.001;  // of full drive: rounding, and the -0.001 that a percentage can be printed as
+constexpr double stray = 0.001;  // of full drive: rounding; some programs print a percentage of -0.001
 
-std::string triple(const vec3& v) { return number_text(v[0]) + " " + number_text(v[1]) + " " + number_text(v[2]); }
-
-std::string in_line(std::size_t line) { return "line " + std::to_string(line); }
+std::string triple(const vec3& v) { return fmt::format("{} {} {}", v[0], v[1], v[2]); }
 
 double brought_to_unit(const readings& into, const raw_reading& row, std::size_t channel, const drive_scale& scale) {
   const double d = (row.drive[channel] - scale.off) / (scale.full - scale.off);
   if (!(d >= -stray && d <= 1 + stray)) {
     refuse_line(into.source, row.line,
-                expected_found("a drive from " + number_text(scale.off) + " to " + number_text(scale.full),
-                               number_text(row.drive[channel])));
+                expected_found(fmt::format("a drive from {} to {}", scale.off, scale.full),
+                               fmt::format("{}", row.drive[channel])));
   }
   return std::clamp(d, 0.0, 1.0);
 }
 
-// Why a row is no reading; nothing where it is one.
-std::optional<std::string> failing(const vec3& drive, const vec3& xyz) {
+// Why a row cannot be used; null if it can.
+const char* fault_of(const vec3& drive, const vec3& xyz) {
   constexpr double not_measured = -99999;
   constexpr double surely_lit = 0.2;
-  constexpr double brightest = 1e12;  // the sun's disc is some 1.6e9 cd/m2
-  if (!std::ranges::all_of(xyz.v, [](double v) { return std::abs(v) <= brightest; })) return "is no measurable light";
+  constexpr double brightest = 1e12;  // the sun's disc has some 1.6e9 cd/m2
+  if (!std::ranges::all_of(xyz.v, [](double v) { return std::abs(v) <= brightest; }))
+    return "is not measurable light";
   if (std::ranges::min(xyz.v) < not_measured || xyz == vec3{{-1, -1, -1}}) return "was not measured";
   if (xyz == vec3{} && std::ranges::max(drive.v) >= surely_lit) return "failed";
-  return std::nullopt;
+  return nullptr;
 }
-
-// One note a row, up to a number that people still read.
-class dropped_notes {
- public:
-  explicit dropped_notes(readings& into) : into_(into) {}
-  void add(const raw_reading& row, const std::string& why) {
-    constexpr std::size_t most = 12;
-    if (++count_ <= most) {
-      into_.notes.push_back("Dropped " + in_line(row.line) + ": the reading " + triple(row.xyz) + " of drive " +
-                            triple(row.drive) + " " + why + ".");
-    } else {
-      last_line_ = row.line;
-    }
-    if (count_ > most) over_ = count_ - most;
-  }
-  void close() {
-    if (over_ > 0)
-      into_.notes.push_back("Dropped " + std::to_string(over_) + " more rows like these, up to " +
-                            in_line(last_line_) + ".");
-  }
-
- private:
-  readings& into_;
-  std::size_t count_ = 0;
-  std::size_t over_ = 0;
-  std::size_t last_line_ = 0;
-};
 
 }  // namespace
 
@@ -89,28 +61,29 @@ drive_scale guess_drive_scale(readings& into, std::span<const raw_reading> rows,
     scale = std::ranges::find_if(plain, [&](const drive_scale& s) { return most <= s.full * (1 + stray); });
     if (scale == plain.end() || !(most > 0)) {
       refuse_line(into.source, largest->line,
-                  expected_found("a largest drive above 0 and up to 65535", number_text(most)));
+                  expected_found("a largest drive above 0 and up to 65535", fmt::format("{}", most)));
     }
   }
   if (*scale == usual) return usual;
-  into.notes.push_back("Drive values are taken as " + number_text(scale->off) + " to " + number_text(scale->full) +
-                       ": the largest is " + number_text(most) + " (" + in_line(largest->line) + ").");
+  into.notes.add(
+      {fmt::format("drive values are taken as {} to {}: the largest is {}.", scale->off, scale->full, most),
+       largest->line});
   return *scale;
 }
 
 void append_rows(readings& into, std::span<const raw_reading> rows, const drive_scale& scale) {
-  dropped_notes dropped(into);
   into.rows.reserve(into.rows.size() + rows.size());
   for (const raw_reading& row : rows) {
     reading r{{}, row.xyz, row.line};
     for (std::size_t c = 0; c < 3; ++c) r.drive[c] = brought_to_unit(into, row, c, scale);
-    if (const auto why = failing(r.drive, r.xyz)) {
-      dropped.add(row, *why);
+    if (const char* why = fault_of(r.drive, r.xyz)) {
+      into.notes.drop(row.line, [&] {
+        return fmt::format("the reading {} of drive {} {}.", triple(row.xyz), triple(row.drive), why);
+      });
     } else {
       into.rows.push_back(r);
     }
   }
-  dropped.close();
   if (into.rows.empty()) refuse_content(into.source, "none of its rows holds a reading; measure the patches first");
 }
 

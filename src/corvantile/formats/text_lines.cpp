@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdint>
+#include <fmt/core.h>
 #include <limits>
 
 #include "corvantile/utils/failure.hpp"
@@ -18,7 +18,7 @@ constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c
 // The letters of Latin-1 from 0xC0 on without their accents.
 constexpr std::string_view bare_letters = "AAAAAAACEEEEIIIIDNOOOOOxOUUUUYPsaaaaaaaceeeeiiiidnooooo?ouuuuypy";
 
-// How many bytes the UTF-8 character at the start of `s` takes; 1 where there is none.
+// Bytes of the UTF-8 character at the start of `s`; 1 if it is not UTF-8.
 std::size_t utf8_length(std::string_view s) {
   const auto first = static_cast<unsigned char>(s[0]);
   const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : first >= 0xC2 ? 2 : 1;
@@ -129,19 +129,13 @@ std::string ascii(std::string_view s) {
   return plain;
 }
 
-std::string number_text(double v) { return free_format(v).substr(1); }
-
 void refuse_line(std::string_view name, std::size_t line, std::string_view what) {
-  std::string message = "line " + integer_field(static_cast<std::int64_t>(line)) + ": ";
-  message += what;
-  refuse_content(name, message);
+  refuse_content(name, fmt::format("line {}: {}", line, what));
 }
 
 std::string expected_found(std::string_view expected, std::string_view found) {
-  std::string s = "expected ";
-  s += expected;
-  s += ", found ";
-  return s + (without_margins(found).empty() ? "nothing" : in_quotes(ascii(cut(found, 80))));
+  return fmt::format("expected {}, found {}", expected,
+                     without_margins(found).empty() ? "nothing" : in_quotes(ascii(cut(found, 80))));
 }
 
 }  // namespace corvantile

@@ -31,11 +31,12 @@ ramp_choice ramps_or_reason(const readings& all, ramp_source how) {
   try {
     return ramps(all, how);
   } catch (const failure& wrong) {
-    // From behind: what was dropped comes after what was guessed.
-    const auto note = std::find_if(all.notes.rbegin(), all.notes.rend(),
-                                   [](const std::string& n) { return n.find("line ") != std::string::npos; });
-    if (note == all.notes.rend()) throw;
-    throw failure(wrong.kind, fmt::format("{} ({})", wrong.message, *note));
+    // From the end: lines are dropped after guesses are made.
+    const std::vector<note>& notes = all.notes.kept();
+    const auto about_line =
+        std::find_if(notes.rbegin(), notes.rend(), [](const note& n) { return n.line.has_value(); });
+    if (about_line == notes.rend()) throw;
+    throw failure(wrong.kind, fmt::format("{} ({})", wrong.message, sentence(*about_line)));
   }
 }
 

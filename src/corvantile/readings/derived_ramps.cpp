@@ -7,9 +7,9 @@
 namespace corvantile {
 namespace {
 
-// Indices of a longest rising run of values of `v` above 0 that ends with the last one: what stays when the fewest
-// are given up. The last is the top of a ramp and stays whatever it is.
-// By patience sorting; `tails[k]` ends the lowest-ending run of length k + 1.
+// Indices of a longest rising subsequence of the values of `v` above 0 that ends with the last one: dropping the rest
+// drops the fewest. The last value is the top of a ramp and always stays.
+// By patience sorting; `tails[k]` ends the subsequence of length k + 1 with the lowest end.
 std::vector<std::size_t> longest_rising(std::span<const double> v) {
   std::vector<std::size_t> tails, before(v.size());
   const std::size_t top = v.size() - 1;
@@ -30,8 +30,8 @@ std::vector<std::size_t> longest_rising(std::span<const double> v) {
   return kept;
 }
 
-// Replaces what breaks the rise of `m` by values between the neighbours that do not, as far from one to the other as
-// `light` is there; 0 at light 0 comes before the first. Returns how many.
+// Replaces the values that break the rise of `m`: each divides the way between its sound neighbours as `light` does.
+// Before the first stands 0 at light 0. Returns how many were replaced.
 std::size_t repair(std::span<double> m, std::span<const double> light) {
   const std::vector<std::size_t> sound = longest_rising(m);
   std::size_t next = 0;  // index into sound, which ends with the last of m

@@ -1,9 +1,8 @@
 #include "corvantile/readings/patches.hpp"
 
 #include <algorithm>
+#include <fmt/core.h>
 #include <utility>
-
-#include "corvantile/utils/text.hpp"
 
 namespace corvantile {
 namespace {
@@ -12,7 +11,7 @@ constexpr std::size_t none = 4, dark = 5;  // beside the numbers of the ramps: w
 
 bool off(double drive) { return drive <= same_drive; }
 
-// The ramp on which a drive stands, or `dark`, or `none`.
+// The ramp that a drive is on, or `dark`, or `none`.
 std::size_t ramp_of(const vec3& d) {
   if (off(d[0]) && off(d[1]) && off(d[2])) return dark;
   if (std::max({d[0], d[1], d[2]}) - std::min({d[0], d[1], d[2]}) <= same_drive) return 0;
@@ -22,22 +21,22 @@ std::size_t ramp_of(const vec3& d) {
   return none;
 }
 
-double level(const vec3& d) { return std::max({d[0], d[1], d[2]}); }
-
 bool without_light(const vec3& xyz) { return xyz[0] == 0 && xyz[1] == 0 && xyz[2] == 0; }
 
-void drop(const readings& all, std::size_t row, const std::string& why, sorted_readings& sorted) {
+template <class Why>
+void drop(const readings& all, std::size_t row, sorted_readings& sorted, const Why& why) {
   sorted.dropped.push_back(row);
-  sorted.notes.push_back("line " + std::to_string(all.rows[row].line) + ": " + why + ": left out");
+  sorted.notes.drop(all.rows[row].line, why);
 }
 
-// Takes the failed readings out of `rows`, all of one patch. A patch without any light in all of them stays: it is
-// dark, or the file is not for us to mend.
+// Takes the failed readings out of `rows`, all of one patch. If no reading of it has any light, all stay: the patch
+// is dark, or the whole file is wrong.
 void drop_failed(const readings& all, std::vector<std::size_t>& rows, sorted_readings& sorted) {
   const auto failed = [&](std::size_t row) { return without_light(all.rows[row].xyz); };
   if (std::ranges::all_of(rows, failed)) return;
   for (const std::size_t row : rows) {
-    if (failed(row)) drop(all, row, "reading 0 0 0 where others of the same patch are brighter, failed", sorted);
+    if (!failed(row)) continue;
+    drop(all, row, sorted, [] { return "the reading 0 0 0 failed: others of the same patch are brighter."; });
   }
   std::erase_if(rows, failed);
 }
@@ -47,7 +46,7 @@ void drop_failed_mixtures(const readings& all, sorted_readings& sorted) {
     return without_light(all.rows[row].xyz) && level(all.rows[row].drive) > 0.2;
   };
   for (const std::size_t row : sorted.others) {
-    if (failed(row)) drop(all, row, "reading 0 0 0 of a bright patch, failed", sorted);
+    if (failed(row)) drop(all, row, sorted, [] { return "the reading 0 0 0 of a bright patch failed."; });
   }
   std::erase_if(sorted.others, failed);
 }
@@ -65,7 +64,7 @@ patch averaged(const readings& all, std::vector<std::size_t> rows) {
   return p;
 }
 
-// Whether level i stands out of a ramp that rises without it.
+// Whether level i stands out of a ramp that would rise without it.
 bool is_stray(const std::vector<patch>& ramp, std::size_t i) {
   const auto y = [&](std::size_t k) { return ramp[k].xyz[1]; };
   const double least = 0.01 * ramp.back().xyz[1];
@@ -82,9 +81,11 @@ void drop_strays(const readings& all, std::vector<patch>& ramp, sorted_readings&
       ++i;
       continue;
     }
-    const std::string why = "luminance " + decimal(ramp[i].xyz[1], 3) +
-                            " stands out of its ramp, the next level has " + decimal(ramp[i + 1].xyz[1], 3);
-    for (const std::size_t row : ramp[i].rows) drop(all, row, why, sorted);
+    const auto why = [&] {
+      return fmt::format("the luminance {:.3f} does not fit its ramp: the next level has {:.3f}.", ramp[i].xyz[1],
+                         ramp[i + 1].xyz[1]);
+    };
+    for (const std::size_t row : ramp[i].rows) drop(all, row, sorted, why);
     ramp.erase(ramp.begin() + static_cast<std::ptrdiff_t>(i));
   }
 }
@@ -113,6 +114,8 @@ std::optional<white_drift> drift_of(const readings& all, const patch& white) {
 
 }  // namespace
 
+double level(const vec3& drive) { return std::max({drive[0], drive[1], drive[2]}); }
+
 bool is_full(const patch& p) { return level(p.drive) >= 1 - same_drive; }
 
 sorted_readings sort_readings(const readings& all) {
@@ -132,7 +135,7 @@ sorted_readings sort_readings(const readings& all) {
     const auto level_of = [&](std::size_t row) { return level(all.rows[row].drive); };
     std::ranges::stable_sort(rows[r], {}, level_of);
     for (std::size_t i = 0, end = 0; i < rows[r].size(); i = end) {
-      // From the lowest of the level on, so that a chain of close drives does not grow into one.
+      // Compared with the lowest of the level, so that a chain of close drives does not become one level.
       while (end < rows[r].size() && level_of(rows[r][end]) - level_of(rows[r][i]) <= same_drive) ++end;
       const auto from = rows[r].begin() + static_cast<std::ptrdiff_t>(i);
       sorted.ramp[r].push_back(take({from, rows[r].begin() + static_cast<std::ptrdiff_t>(end)}));

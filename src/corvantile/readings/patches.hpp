@@ -4,7 +4,6 @@
 #include <array>
 #include <cstddef>
 #include <optional>
-#include <string>
 #include <vector>
 
 #include "corvantile/documents/measurement_file.hpp"
@@ -12,7 +11,7 @@
 
 namespace corvantile {
 
-/// Drives no further apart than this are one level, of full drive 1. Real charts hold grays only 3e-4 apart.
+/// Drives this close are one level; full drive is 1. Real charts have grays only 3e-4 apart.
 inline constexpr double same_drive = 1e-4;
 
 /// All readings of one colour.
@@ -22,22 +21,27 @@ struct patch {
   std::vector<std::size_t> rows;  ///< indices into `readings::rows`, in the order of measuring; never empty
 };
 
-/// White, red, green and blue ramp, the dark, and whatever stands on none of them.
+/// The drive of the channel with the most.
+double level(const vec3& drive);
+
+/// White, red, green and blue ramp, the dark, and the rest.
 struct sorted_readings {
-  std::array<std::vector<patch>, 4> ramp;  ///< levels above 0, rising; empty where the chart has none
+  std::array<std::vector<patch>, 4> ramp;  ///< levels above 0, rising; empty if the chart has none
   std::optional<patch> dark;               ///< zero drive in all channels
-  std::vector<std::size_t> others;         ///< indices of the remaining rows, in file order
-  std::vector<std::size_t> dropped;        ///< indices of rows that are not to be used at all
-  std::vector<std::string> notes;          ///< a sentence about each of these, with its line
+  std::vector<std::size_t> others;         ///< indices of the rows on no ramp, in file order
+  std::vector<std::size_t> dropped;        ///< indices of the rows that must not be used
+  note_list notes;                         ///< why those were dropped
 };
 
-/// Sorts the rows. Dropped, and said: a reading without any light among brighter ones of the same patch, or of a
-/// mixture above a fifth of full drive, which has failed; and a level that stands out of a ramp, by a fifth and 1 %
-/// of its top or more, brighter than the next level or darker than the one before: something else was on the screen.
-/// Not the top.
+/// Sorts the rows. Drops, with a note:
+/// - a reading without any light if other readings of the same patch have some, or if it is of a mixture above a
+/// fifth
+///   of full drive: it failed;
+/// - a level below the top of a ramp that is brighter than the next level or darker than the one before, by a fifth
+///   and by 1 % of the top: something else was on the screen.
 sorted_readings sort_readings(const readings& all);
 
-/// Whether a patch shows full drive: the last of a ramp must, or the ramp has no top.
+/// Whether a patch shows full drive, as the last of a ramp must.
 bool is_full(const patch& p);
 
 /// What repeated readings tell about the run.

@@ -15,7 +15,7 @@ difference_figures summarize(std::vector<double> differences) {
   std::ranges::sort(differences);
   for (const double d : differences) f.mean += d;
   f.mean /= static_cast<double>(f.n);
-  f.p95 = differences[(95 * f.n + 99) / 100 - 1];  // rank: 0.95 n rounded up, counted from 1
+  f.p95 = differences[(95 * f.n + 99) / 100 - 1];  // rank 0.95 n, rounded up, counted from 1
   f.max = differences.back();
   return f;
 }

@@ -17,7 +17,7 @@ struct difference_figures {
   friend bool operator==(const difference_figures&, const difference_figures&) = default;
 };
 
-/// What is not finite, as samples beyond all bounds give, is left out.
+/// Leaves out differences that are not finite, as wild samples give.
 difference_figures summarize(std::vector<double> differences);
 
 /// One patch, predicted.
@@ -28,13 +28,13 @@ struct prediction {
   double difference = 0;
 };
 
-/// Whether a drive is near the gray axis: its channels lie no further than 0.15 of full drive apart.
+/// Whether a drive is near the gray axis: its channels are at most 0.15 of full drive apart.
 bool near_gray(const vec3& drive);
 
 /// Predicts each row of `samples` (n x 6: R, G, B from 0 to 1, X, Y, Z). L*a*b* is taken against `white`.
 std::vector<prediction> predict(const monitor& mon, const matrix& samples, const vec3& white);
 
-/// Figures of a set of predictions, and of those among them that are near gray.
+/// Figures of a set of predictions, and of its part near gray.
 struct prediction_figures {
   difference_figures all;
   difference_figures near_gray;

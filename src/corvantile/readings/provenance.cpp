@@ -15,8 +15,8 @@ provenance provenance_of(const readings& all, const ramp_choice& choice) {
   p.ramps = (choice.taken == ramp_source::derived ? "derived (" : "measured (") + choice.why + ")";
   p.repeated = choice.repeated;
   p.calibration = all.calibration;
-  p.notes = all.notes;
-  p.notes.insert(p.notes.end(), choice.notes.begin(), choice.notes.end());
+  p.notes = all.notes.sentences();
+  for (std::string& note : choice.notes.sentences()) p.notes.push_back(std::move(note));
   return p;
 }
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fmt/core.h>
+#include <tuple>
 #include <utility>
 
 #include "corvantile/numerics/linsolv.hpp"
@@ -12,20 +14,20 @@
 namespace corvantile {
 namespace {
 
-constexpr std::size_t least_levels = 5;     // of a ramp: fewer carry no curve
-constexpr std::size_t enough_levels = 9;    // of measured ramps, to prefer them without further evidence
-constexpr std::size_t least_unseen = 10;    // patches on which two ways are compared
+constexpr std::size_t least_levels = 5;     // of a ramp: fewer make no curve
+constexpr std::size_t enough_levels = 9;    // of measured ramps, to prefer them without unseen patches
+constexpr std::size_t least_unseen = 10;    // patches to compare the two ways on
 constexpr std::size_t least_near_gray = 5;  // of them, for a mean of their own
-constexpr double tolerated = 0.01;          // of additivity and of repeats, where there is no further evidence
+constexpr double tolerated = 0.01;          // error of additivity and of repeats, without unseen patches
 constexpr int pieces = 5;                   // of the models that predict: the default of a fit
 
-// One drive value in all its digits but those that a conversion from percent and back has added.
+// Rounds away the digits that a conversion from percent and back has added.
 double in_percent(double drive) { return std::round(drive * 1e11) / 1e9; }
 
-// Ramps to be: which patches they are made of, and their samples as rows R, G, B, X, Y, Z with drives 0..1.
 struct ramp_set {
   std::size_t levels;
-  std::vector<bool> seen;  // rows of the readings that these ramps are made of, or that nothing may use
+  std::vector<bool> seen;  // per reading: the ramps are made of it, or it must not be used
+  // R, G, B (0..1), X, Y, Z
   std::vector<std::array<double, 6>> samples = {};  // white, red, green, blue; each from full drive down to zero
   std::size_t repaired = 0;
 };
@@ -50,12 +52,12 @@ vec3 one_channel(std::size_t c, double drive) {
   return d;
 }
 
-double level(const patch& p) { return std::max({p.drive[0], p.drive[1], p.drive[2]}); }
+double level_of(const patch& p) { return level(p.drive); }
 
-[[noreturn]] void refuse(const readings& all, const std::string& what) { refuse_content(all.source, what); }
-
-[[noreturn]] void refuse_for_chart(const readings& all, const std::string& what) {
-  refuse(all, what + ". These patches will do: corvantile-kit chart --ramps derived -o chart.ti1");
+// For readings that lack patches.
+[[noreturn]] void refuse_chart(const readings& all, std::string_view what) {
+  refuse_content(all.source,
+                 fmt::format("{}. This chart will do: corvantile-kit chart --ramps derived -o chart.ti1", what));
 }
 
 mat3 full_primaries(const sorted_readings& sorted) {
@@ -71,29 +73,31 @@ bool span_a_gamut(const mat3& primaries) {
     largest = std::max(largest, std::abs(primaries(i / 3, i % 3)));
     sum_of_inverse += std::abs(inverse(i / 3, i % 3));
   }
-  return largest * sum_of_inverse < 1e9;  // real displays have some 10; false for what is not a number
+  return largest * sum_of_inverse < 1e9;  // real displays have some 10; false for NaN
 }
 
 void require_grays(const readings& all, const sorted_readings& sorted) {
   const auto& gray = sorted.ramp[0];
-  if (all.rows.empty()) refuse(all, "holds no readings");
+  if (all.rows.empty()) refuse_content(all.source, "holds no readings");
   if (gray.size() < 2) {
-    refuse_for_chart(all, "holds no gray ramp: measure at least five gray levels (R = G = B) from black to white");
+    refuse_chart(all, "holds no gray ramp: measure at least five gray levels (R = G = B) from black to white");
   }
   if (!is_full(gray.back())) {
-    refuse_for_chart(all, "the brightest gray has a drive of " + percent(level(gray.back()), 2) +
-                              ", expected a white at full drive: measure it too");
+    refuse_chart(all, fmt::format("the brightest gray has a drive of {:.2f} %: measure a white at full drive, too",
+                                  100 * level_of(gray.back())));
   }
-  if (!sorted.dark) refuse_for_chart(all, "holds no reading at zero drive: measure black (R = G = B = 0) too");
-  if (!(gray.back().xyz[1] > sorted.dark->xyz[1])) {
-    refuse(all, "white reads Y = " + decimal(gray.back().xyz[1], 3) + " and black " +
-                    decimal(sorted.dark->xyz[1], 3) +
-                    ", expected a white that is brighter than the black: look at the order of the columns, and "
-                    "whether the patches were shown");
+  if (!sorted.dark) refuse_chart(all, "holds no reading at zero drive: measure black (R = G = B = 0), too");
+  const double white = gray.back().xyz[1], black = sorted.dark->xyz[1];
+  if (!(white > black)) {
+    refuse_content(all.source, fmt::format("white reads Y = {:.3f}, which is not brighter than black with {:.3f}: "
+                                           "check the order of the columns, and that the patches were shown",
+                                           white, black));
   }
   if (gray.size() + 1 < least_levels) {
-    refuse_for_chart(all, "the gray ramp has " + std::to_string(gray.size() + 1) +
-                              " levels with black and white, expected at least five: measure more grays (R = G = B)");
+    refuse_chart(all,
+                 fmt::format("the gray ramp has {} levels with black and white, and needs at least five: measure "
+                             "more grays (R = G = B)",
+                             gray.size() + 1));
   }
 }
 
@@ -102,34 +106,36 @@ void require_primaries(const readings& all, const sorted_readings& sorted) {
   for (std::size_t c = 0; c < 3; ++c) {
     const auto& ramp = sorted.ramp[c + 1];
     if (ramp.empty() || !is_full(ramp.back()))
-      missing += (missing.empty() ? "" : ", ") + std::string(channel_names[c]);
+      missing += fmt::format("{}{}", missing.empty() ? "" : ", ", channel_names[c]);
   }
   if (missing.empty()) {
     if (span_a_gamut(full_primaries(sorted))) return;
-    refuse(all, "full red, green and blue lie on one line of the chromaticity diagram: no ramps follow from them");
+    refuse_content(all.source,
+                   "full red, green and blue lie on one line of the chromaticity diagram: no ramps follow "
+                   "from them");
   }
-  const bool alone = std::ranges::all_of(std::span(sorted.ramp).subspan(1), [](const auto& r) { return r.empty(); });
-  if (alone && sorted.others.empty()) {
-    refuse_for_chart(
-        all,
-        "holds a gray ramp alone: add full red, green and blue, for HCFR from the sheet of primaries as a "
-        "second file");
+  const bool gray_alone = sorted.others.empty() && std::ranges::all_of(std::span(sorted.ramp).subspan(1),
+                                                                       [](const auto& r) { return r.empty(); });
+  if (gray_alone) {
+    refuse_chart(all,
+                 "holds a gray ramp alone: add full red, green and blue (for HCFR, give the sheet of primaries as a "
+                 "second file)");
   }
-  refuse_for_chart(all,
-                   "no reading of full " + missing + ": measure each primary at full drive with the others at zero");
+  refuse_chart(
+      all, fmt::format("no reading of full {}: measure each primary at full drive with the others at zero", missing));
 }
 
 using shared_level = std::array<const patch*, 4>;  // white, red, green, blue
 
-// The shared levels of all four ramps, rising, without the dark; empty where a ramp is missing.
+// The levels that all four ramps share, rising, without the dark; empty if a ramp is missing.
 std::vector<shared_level> shared_levels(const sorted_readings& sorted) {
   std::vector<shared_level> shared;
   for (const patch& white : sorted.ramp[0]) {
     shared_level row{&white};
     bool all = true;
     for (std::size_t c = 1; c < 4; ++c) {
-      const auto at = std::ranges::lower_bound(sorted.ramp[c], level(white) - same_drive, {}, level);
-      if (at == sorted.ramp[c].end() || level(*at) > level(white) + same_drive) {
+      const auto at = std::ranges::lower_bound(sorted.ramp[c], level_of(white) - same_drive, {}, level_of);
+      if (at == sorted.ramp[c].end() || level_of(*at) > level_of(white) + same_drive) {
         all = false;
         break;
       }
@@ -154,8 +160,8 @@ ramp_set measured_ramps(const readings& all, const sorted_readings& sorted, cons
   return set;
 }
 
-// The grays to derive from: the shared levels where they are enough, so that the other grays can tell how well they
-// are predicted (more levels make no better model: they only bring more noise near black); else all there are.
+// The grays to derive from: the shared levels if there are enough, so that the other grays can test the prediction
+// (more levels do not make a better model, they only add noise near black); else all.
 std::vector<const patch*> grays_to_derive_from(const sorted_readings& sorted,
                                                const std::vector<shared_level>& shared) {
   std::vector<const patch*> gray;
@@ -181,14 +187,15 @@ ramp_set ramps_from_gray(const readings& all, const sorted_readings& sorted, con
       if (r == 0) {
         add(set.samples, gray[i]->drive, gray[i]->xyz);
       } else {
-        add(set.samples, one_channel(r - 1, level(*gray[i])), dark + derived.share(i, r - 1) * primaries.col[r - 1]);
+        add(set.samples, one_channel(r - 1, level_of(*gray[i])),
+            dark + derived.share(i, r - 1) * primaries.col[r - 1]);
       }
     }
     add(set.samples, {}, dark);
   }
   for (const patch* p : gray) mark(set.seen, *p);
   mark(set.seen, *sorted.dark);
-  // The primaries are seen where the derived tops meet them; where they do not, they tell by how much.
+  // A primary that the derived top meets is seen; the others stay unseen and tell by how much it is missed.
   for (std::size_t c = 0; c < 3; ++c) {
     if (std::abs(derived.share(gray.size() - 1, c) - 1) < 1e-9) mark(set.seen, sorted.ramp[c + 1].back());
   }
@@ -211,7 +218,7 @@ measurements assemble(const readings& all, const ramp_set& set) {
   return m;
 }
 
-// The readings that neither of two ways of making ramps has seen, as rows R, G, B (0..1), X, Y, Z.
+// The readings that neither of two sets of ramps has seen, as rows R, G, B (0..1), X, Y, Z.
 matrix unseen_samples(const readings& all, const std::vector<bool>& a, const std::vector<bool>& b) {
   std::vector<std::size_t> rows;
   for (std::size_t i = 0; i < all.rows.size(); ++i) {
@@ -232,12 +239,12 @@ double sum_of_channels_less_1(const sorted_readings& sorted) {
   return (p(1, 0) + p(1, 1) + p(1, 2)) / (sorted.ramp[0].back().xyz[1] - sorted.dark->xyz[1]) - 1;
 }
 
-// What decides between two ways: grays count twice, since they are in both means.
+// The lower score wins. Grays count twice, since they are in both means.
 double score(const prediction_figures& f) {
   return f.near_gray.n >= least_near_gray ? (f.near_gray.mean + f.all.mean) / 2 : f.all.mean;
 }
 
-// How ramps predict the unseen; nothing where no model fits them, of which the job that takes them will say why.
+// Prediction error on unseen patches; nothing if no model fits. (A job with these ramps then says why.)
 std::optional<prediction_figures> tried(const measurements& m, const matrix& unseen, const vec3& white) {
   try {
     return summarize(predict(makemonitor(m, pieces), unseen, white));
@@ -247,54 +254,44 @@ std::optional<prediction_figures> tried(const measurements& m, const matrix& uns
 }
 
 std::string compared(const prediction_figures& taken, const prediction_figures& other) {
-  std::string text = "over " + std::to_string(taken.all.n) + " unseen patches CIEDE2000 is " +
-                     decimal(taken.all.mean, 2) + " on average against " + decimal(other.all.mean, 2);
-  if (taken.near_gray.n >= least_near_gray) {
-    text += ", near gray " + decimal(taken.near_gray.mean, 2) + " against " + decimal(other.near_gray.mean, 2);
-  }
+  std::string text = fmt::format("over {} unseen patches CIEDE2000 is {:.2f} on average against {:.2f}", taken.all.n,
+                                 taken.all.mean, other.all.mean);
+  if (taken.near_gray.n >= least_near_gray)
+    text += fmt::format(", near gray {:.2f} against {:.2f}", taken.near_gray.mean, other.near_gray.mean);
   return text;
 }
 
-// Fills in what `automatic` takes, and why.
-void decide(ramp_choice& choice) {
-  const auto take = [&](ramp_source source, std::string why) {
-    choice.taken = source;
-    choice.why = std::move(why);
-  };
-  if (choice.measured_levels < least_levels) {
-    return take(ramp_source::derived,
-                choice.measured_levels == 0
-                    ? "red, green and blue ramps at the levels of the gray ramp were not measured"
-                    : "the four ramps share only " + std::to_string(choice.measured_levels) + " levels");
-  }
+// What `automatic` takes, and why.
+std::pair<ramp_source, std::string> decide(const ramp_choice& choice) {
+  using enum ramp_source;
+  const std::string few = fmt::format("the four ramps share only {} levels", choice.measured_levels);
+  if (choice.measured_levels == 0)
+    return {derived, "red, green and blue ramps at the levels of the gray ramp were not measured"};
+  if (choice.measured_levels < least_levels) return {derived, few};
   if (choice.measured_predicts && choice.derived_predicts) {
-    const auto &measured = *choice.measured_predicts, &derived = *choice.derived_predicts;
-    return score(derived) < score(measured) ? take(ramp_source::derived, compared(derived, measured))
-                                            : take(ramp_source::measured, compared(measured, derived));
+    const auto &m = *choice.measured_predicts, &d = *choice.derived_predicts;
+    if (score(d) < score(m)) return {derived, compared(d, m)};
+    return {measured, compared(m, d)};
   }
-  if (choice.measured_predicts) return take(ramp_source::measured, "no model fits ramps derived from the gray ramp");
-  if (choice.derived_predicts) return take(ramp_source::derived, "no model fits the measured ramps");
+  if (choice.measured_predicts) return {measured, "no model fits ramps derived from the gray ramp"};
+  if (choice.derived_predicts) return {derived, "no model fits the measured ramps"};
   const std::string blind = "no unseen patches to judge by, and ";
-  if (choice.measured_levels < enough_levels) {
-    return take(ramp_source::derived,
-                blind + "the four ramps share only " + std::to_string(choice.measured_levels) + " levels");
-  }
+  if (choice.measured_levels < enough_levels) return {derived, blind + few};
   if (std::abs(choice.additivity) > tolerated) {
-    return take(ramp_source::derived,
-                blind + "the channels' sum is off the white by " + percent(choice.additivity, 1) + ", more than 1 %");
+    return {derived, fmt::format("{}the channels' sum differs from the white by {:.1f} %, more than 1 %", blind,
+                                 100 * choice.additivity)};
   }
   if (choice.repeated.ramps && choice.repeated.ramps->spread > tolerated) {
-    return take(ramp_source::derived, blind + "repeated readings lie " + percent(choice.repeated.ramps->spread, 1) +
-                                          " apart, more than 1 %");
+    return {derived, fmt::format("{}repeated readings are {:.1f} % apart, more than 1 %", blind,
+                                 100 * choice.repeated.ramps->spread)};
   }
-  take(ramp_source::measured, blind + "the channels add up to the white within 1 %");
+  return {measured, blind + "the channels add up to the white within 1 %"};
 }
 
 }  // namespace
 
 ramp_choice ramps(const readings& all, ramp_source how) {
   const sorted_readings sorted = sort_readings(all);
-  // What no way of making ramps can do without.
   require_grays(all, sorted);
   require_primaries(all, sorted);
   const auto shared = shared_levels(sorted);
@@ -306,8 +303,10 @@ ramp_choice ramps(const readings& all, ramp_source how) {
   choice.notes = sorted.notes;
   const bool possible = choice.measured_levels >= least_levels;
   if (how == ramp_source::measured && !possible) {
-    refuse(all, "the gray, red, green and blue ramps share " + std::to_string(choice.measured_levels) +
-                    " levels, expected at least five: measure all four at the same levels, or take derived ramps");
+    refuse_content(all.source,
+                   fmt::format("the gray, red, green and blue ramps share {} levels and need at least five: "
+                               "measure all four at the same levels, or take derived ramps",
+                               choice.measured_levels));
   }
 
   const ramp_set derived_set = ramps_from_gray(all, sorted, grays_to_derive_from(sorted, shared));
@@ -324,7 +323,7 @@ ramp_choice ramps(const readings& all, ramp_source how) {
   }
 
   if (how == ramp_source::automatic) {
-    decide(choice);
+    std::tie(choice.taken, choice.why) = decide(choice);
   } else {
     choice.taken = how;
     choice.why = "as asked for";
@@ -335,9 +334,10 @@ ramp_choice ramps(const readings& all, ramp_source how) {
     choice.data = std::move(derived);
     choice.repaired = derived_set.repaired;
     if (choice.repaired > 0) {
-      choice.notes.push_back(std::to_string(choice.repaired) +
-                             " values of the derived ramps, which noise had made fall or go below zero, were "
-                             "interpolated between their neighbours");
+      choice.notes.add(
+          {fmt::format("Noise made {} values of the derived ramps fall or go below zero; they were "
+                       "interpolated between their neighbours.",
+                       choice.repaired)});
     }
   }
   return choice;

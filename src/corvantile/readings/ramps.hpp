@@ -3,7 +3,6 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "corvantile/monitor/monitor.hpp"
 #include "corvantile/readings/patches.hpp"
@@ -15,44 +14,44 @@ namespace corvantile {
 enum class ramp_source {
   measured,  ///< read one by one; the levels that all four ramps share
   derived,   ///< computed from the gray ramp and the full primaries: grays are right by construction
-  automatic  ///< whichever predicts the patches better that neither of them is made of
+  automatic  ///< whichever predicts unseen patches better
 };
 
-/// What `ramps` made of the readings, and what that rests on.
+/// What `ramps` made of the readings, and why.
 struct ramp_choice {
   measurements data;  ///< version 2, drives in percent, shared white and dark; then every other reading
   ramp_source taken = ramp_source::measured;  ///< never `automatic`
   std::string why;                            ///< one clause for people
 
-  std::size_t measured_levels = 0;  ///< levels that all four ramps share, the dark included; 0 where any is missing
-  std::size_t gray_levels = 0;      ///< of the gray ramp, the dark included
+  std::size_t measured_levels = 0;  ///< levels that all four ramps share, with the dark; 0 if a ramp is missing
+  std::size_t gray_levels = 0;      ///< of the gray ramp, with the dark
   double additivity = 0;            ///< Y of the three full primaries over that of white, each less the dark, less 1
-  std::size_t repaired = 0;         ///< derived values that noise had made fall or go below 0
+  std::size_t repaired = 0;         ///< derived values that fell or were below 0, from noise
 
-  /// Both ways tried on the same patches: those that neither is made of. Absent where there are fewer than 10 such
-  /// patches, or no four measured ramps, or no model that fits. The models have 5 pieces; L*a*b* is taken against the
-  /// measured white.
+  /// Both ways tried on the same unseen patches: those that neither is made of. Absent if there are fewer than 10, if
+  /// a measured ramp is missing, or if no model fits. The models have 5 pieces; L*a*b* is taken against the measured
+  /// white.
   std::optional<prediction_figures> measured_predicts, derived_predicts;
 
   repeatability repeated;
-  std::vector<std::string> notes;  ///< what was dropped or repaired: one sentence each
+  note_list notes;  ///< what was dropped or repaired
 };
 
-/// Makes measurements of `all`. Repeated readings of a patch become their mean, and readings on no ramp extra
-/// samples. With derived ramps the measured channels are among those too.
+/// Makes measurements of `all`. Repeated readings of a patch become their mean; readings on no ramp become extra
+/// samples. With derived ramps the measured channels are extra samples, too.
 ///
-/// `automatic` compares the mean CIEDE2000 over at least 10 unseen patches: the mean of near gray (where there are at
-/// least 5) and overall, so that grays count twice; the lower one wins. Without such patches it takes derived ramps
-/// where measured ones are missing or shorter than 9 levels, where the channels' sum is off the white by more than
-/// 1 %, or repeats lie apart by more than 1 %; else measured ones.
+/// `automatic` compares the mean CIEDE2000 over at least 10 unseen patches: the average of near gray (if there are at
+/// least 5) and overall, so that grays count twice. The lower one wins. Without such patches it takes derived ramps
+/// if measured ones are missing or shorter than 9 levels, if the channels' sum differs from the white by more than 1
+/// %, or if repeats are more than 1 % apart; else measured ones.
 ///
-/// Throws `fault::content`, with what to do, where there is no dark, no gray ramp of at least five levels up to full
-/// drive, or no full primary, or the primaries span no gamut; and where `measured` finds fewer than five shared
-/// levels.
+/// Throws `fault::content`, with what to do, if there is no dark, no gray ramp of at least five levels up to full
+/// drive, or a full primary is missing; if the primaries span no gamut; and if `measured` finds fewer than five
+/// shared levels.
 ramp_choice ramps(const readings& all, ramp_source how);
 
-/// Whether the coloured ramps of `m` were derived from its gray ramp: their tops add up to the white to 13 digits, as
-/// no readings do.
+/// Whether the coloured ramps of `m` were derived from its gray ramp: their tops add up to the white to 13 digits,
+/// which readings never do.
 bool has_derived_ramps(const measurements& m);
 
 }  // namespace corvantile
