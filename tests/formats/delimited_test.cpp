@@ -76,7 +76,7 @@ TEST(Delimited, RefusesWithLineAndValue) {
   } refused[] = {{"R,G,B\n1,1,1\n", "line 1: no columns named X, Y, Z, or x, y, Y"},
                  {"R,G,B,x,y\n1,1,1,.3,.3\n", "line 1: no columns named X, Y, Z, or x, y, Y"},
                  {"X,Y,Z\n1,1,1\n", "line 1: no columns named R, G, B"},
-                 {"R,G,B,X,Y,Z,R\n1,1,1,1,1,1,1\n", "line 1: the column R stands twice"},
+                 {"R,G,B,X,Y,Z,R\n1,1,1,1,1,1,1\n", "line 1: the column R appears twice"},
                  {"\nhello world\n", "line 2: no columns named R, G, B: expected a header that names"},
                  {"R,G,B,X,Y,Z\n", "line 1: no rows after the header"},
                  {"R,G,B,X,Y,Z\n1,1,1,1,1,1\n1,1,1,1,1,x\x01\n", "line 3: expected a number as Z, found 'x?'"},

@@ -34,7 +34,7 @@ class cgats_parser {
     while (const auto line = lines_.next()) {
       line_ = *line;
       const auto word = blank_cells(line_).next();
-      if (word && *word != "\x1A") return word;  // some editors of old end a file with this character
+      if (word && *word != "\x1A") return word;  // some old editors end a file with this character
     }
     return std::nullopt;
   }

@@ -1,6 +1,7 @@
 #include "corvantile/formats/delimited_header.hpp"
 
 #include <algorithm>
+#include <fmt/core.h>
 #include <initializer_list>
 #include <vector>
 
@@ -49,7 +50,7 @@ class name_search {
       const bool fits = std::ranges::any_of(
           names, [&](std::string_view n) { return exact ? n == column.name : same_word(n, column.name); });
       if (!fits) continue;
-      if (found && problem_.empty()) problem_ = "the column " + ascii(column.name) + " stands twice";
+      if (found && problem_.empty()) problem_ = fmt::format("the column {} appears twice", ascii(column.name));
       found = &column;
     }
     return found;
@@ -63,7 +64,7 @@ class name_search {
 using three_columns = std::array<const column_name*, 3>;
 bool complete(const three_columns& columns) { return std::ranges::find(columns, nullptr) == columns.end(); }
 
-// X, Y, Z in upper case; else x, y with a luminance; else X, Y, Z in any case: there is no Y beside x, y, z then.
+// X, Y, Z in upper case; else x, y with a luminance; else, if there is no other Y, X, Y, Z in any case.
 three_columns find_light(name_search& search, bool& chromaticity) {
   chromaticity = false;
   const three_columns upper{search.find({"X"}, true), search.find({"Y"}, true), search.find({"Z"}, true)};

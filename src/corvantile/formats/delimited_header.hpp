@@ -19,7 +19,7 @@ struct table_columns {
   bool percent = false;                ///< the unit of the drives is %
 };
 
-/// Finds the columns by their names. If some are missing or stand twice: nothing, and `problem` says which.
+/// Finds the columns by their names. If some are missing or appear twice: nothing, and `problem` says which.
 std::optional<table_columns> read_table_header(std::span<const std::string_view> names, std::string& problem);
 
 }  // namespace corvantile

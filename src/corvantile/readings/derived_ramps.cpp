@@ -31,7 +31,7 @@ std::vector<std::size_t> longest_rising(std::span<const double> v) {
 }
 
 // Replaces the values that break the rise of `m`: each divides the way between its sound neighbours as `light` does.
-// Before the first stands 0 at light 0. Returns how many were replaced.
+// Below the first value, the neighbour is 0 at light 0. Returns how many were replaced.
 std::size_t repair(std::span<double> m, std::span<const double> light) {
   const std::vector<std::size_t> sound = longest_rising(m);
   std::size_t next = 0;  // index into sound, which ends with the last of m

@@ -43,7 +43,7 @@ void drop_failed(const readings& all, std::vector<std::size_t>& rows, sorted_rea
 
 void drop_failed_mixtures(const readings& all, sorted_readings& sorted) {
   const auto failed = [&](std::size_t row) {
-    return without_light(all.rows[row].xyz) && level(all.rows[row].drive) > 0.2;
+    return without_light(all.rows[row].xyz) && largest_drive(all.rows[row].drive) > 0.2;
   };
   for (const std::size_t row : sorted.others) {
     if (failed(row)) drop(all, row, sorted, [] { return "the reading 0 0 0 of a bright patch failed."; });
@@ -114,9 +114,9 @@ std::optional<white_drift> drift_of(const readings& all, const patch& white) {
 
 }  // namespace
 
-double level(const vec3& drive) { return std::max({drive[0], drive[1], drive[2]}); }
+double largest_drive(const vec3& drive) { return std::max({drive[0], drive[1], drive[2]}); }
 
-bool is_full(const patch& p) { return level(p.drive) >= 1 - same_drive; }
+bool is_full(const patch& p) { return largest_drive(p.drive) >= 1 - same_drive; }
 
 sorted_readings sort_readings(const readings& all) {
   sorted_readings sorted;
@@ -132,7 +132,7 @@ sorted_readings sort_readings(const readings& all) {
   };
   if (!rows[dark].empty()) sorted.dark = take(std::move(rows[dark]));
   for (std::size_t r = 0; r < 4; ++r) {
-    const auto level_of = [&](std::size_t row) { return level(all.rows[row].drive); };
+    const auto level_of = [&](std::size_t row) { return largest_drive(all.rows[row].drive); };
     std::ranges::stable_sort(rows[r], {}, level_of);
     for (std::size_t i = 0, end = 0; i < rows[r].size(); i = end) {
       // Compared with the lowest of the level, so that a chain of close drives does not become one level.

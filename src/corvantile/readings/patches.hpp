@@ -21,8 +21,8 @@ struct patch {
   std::vector<std::size_t> rows;  ///< indices into `readings::rows`, in the order of measuring; never empty
 };
 
-/// The drive of the channel with the most.
-double level(const vec3& drive);
+/// The largest of the three drives.
+double largest_drive(const vec3& drive);
 
 /// White, red, green and blue ramp, the dark, and the rest.
 struct sorted_readings {
@@ -34,9 +34,9 @@ struct sorted_readings {
 };
 
 /// Sorts the rows. Drops, with a note:
-/// - a reading without any light if other readings of the same patch have some, or if it is of a mixture above a
-/// fifth
-///   of full drive: it failed;
+/// - a reading without any light, if other readings of the patch have some or if it is a mixture above a fifth of
+/// full
+///   drive: it failed;
 /// - a level below the top of a ramp that is brighter than the next level or darker than the one before, by a fifth
 ///   and by 1 % of the top: something else was on the screen.
 sorted_readings sort_readings(const readings& all);

@@ -27,8 +27,8 @@ double in_percent(double drive) { return std::round(drive * 1e11) / 1e9; }
 struct ramp_set {
   std::size_t levels;
   std::vector<bool> seen;  // per reading: the ramps are made of it, or it must not be used
-  // R, G, B (0..1), X, Y, Z
-  std::vector<std::array<double, 6>> samples = {};  // white, red, green, blue; each from full drive down to zero
+  // Rows R, G, B (0..1), X, Y, Z of white, red, green and blue, each from full drive down to zero.
+  std::vector<std::array<double, 6>> samples = {};
   std::size_t repaired = 0;
 };
 
@@ -52,9 +52,9 @@ vec3 one_channel(std::size_t c, double drive) {
   return d;
 }
 
-double level_of(const patch& p) { return level(p.drive); }
+double level_of(const patch& p) { return largest_drive(p.drive); }
 
-// For readings that lack patches.
+// For readings that lack patches: names a chart that has them.
 [[noreturn]] void refuse_chart(const readings& all, std::string_view what) {
   refuse_content(all.source,
                  fmt::format("{}. This chart will do: corvantile-kit chart --ramps derived -o chart.ti1", what));

@@ -41,9 +41,9 @@ struct ramp_choice {
 /// samples. With derived ramps the measured channels are extra samples, too.
 ///
 /// `automatic` compares the mean CIEDE2000 over at least 10 unseen patches: the average of near gray (if there are at
-/// least 5) and overall, so that grays count twice. The lower one wins. Without such patches it takes derived ramps
-/// if measured ones are missing or shorter than 9 levels, if the channels' sum differs from the white by more than 1
-/// %, or if repeats are more than 1 % apart; else measured ones.
+/// least 5) and overall, so that grays count twice. The lower one wins. With fewer unseen patches it takes derived
+/// ramps if measured ones are missing or shorter than 9 levels, if the sum of the channels differs from the white by
+/// more than 1 %, or if repeats are more than 1 % apart; else measured ones.
 ///
 /// Throws `fault::content`, with what to do, if there is no dark, no gray ramp of at least five levels up to full
 /// drive, or a full primary is missing; if the primaries span no gamut; and if `measured` finds fewer than five

@@ -22,7 +22,7 @@ enum class word_layout {
 /// Two's complement; the whole bits include the sign.
 enum class matrix_format {
   q2_14,  ///< 16 bits, from -2 to below 2
-  q15_16  ///< 32 bits, from -32768 to below 32768: a sign, 15 whole bits, 16 behind the point
+  q15_16  ///< 32 bits, from -32768 to below 32768: a sign, 15 whole bits, 16 after the point
 };
 
 struct memory_options {

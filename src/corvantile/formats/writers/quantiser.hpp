@@ -22,7 +22,7 @@ struct quantiser {
   std::size_t clamped = 0;
 };
 
-/// The same for signed fixed-point numbers: `bits` in all, sign included, `fraction` of them behind the point.
+/// The same for signed fixed-point numbers: `bits` in all, sign included, `fraction` of them after the point.
 struct fixed_point {
   std::int64_t operator()(double v) {
     const double most = std::ldexp(1.0, static_cast<int>(bits) - 1);
