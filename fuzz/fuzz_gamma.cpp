@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "corvantile/documents/gamma_file.hpp"
+#include "corvantile/documents/point_files.hpp"
 #include "fuzz/expect.hpp"
 #include "fuzz/number_mutator.hpp"
 

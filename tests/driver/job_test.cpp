@@ -11,7 +11,7 @@
 #include <unistd.h>
 
 #include "corvantile/colour/color_metrics.hpp"
-#include "corvantile/documents/gamma_file.hpp"
+#include "corvantile/documents/point_files.hpp"
 #include "corvantile/documents/measurement_file.hpp"
 #include "corvantile/documents/table_files.hpp"
 #include "corvantile/driver/exit_status.hpp"

@@ -6,7 +6,7 @@
 #include "corvantile/documents/table_files.hpp"
 #include "corvantile/driver/exit_status.hpp"
 #include "corvantile/driver/run.hpp"
-#include "corvantile/driver/standard_input.hpp"
+#include "corvantile/driver/standard_streams.hpp"
 
 namespace corvantile {
 namespace {

@@ -1,7 +1,6 @@
 #include "corvantile/documents/measurement_file.hpp"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdint>
 #include <span>
 #include <utility>
@@ -15,11 +14,11 @@ namespace corvantile {
 namespace {
 
 constexpr std::size_t columns = 6;
-constexpr std::size_t longest_header = 1024;  // characters; what follows them on that line does not count
+constexpr std::size_t longest_header = 1024;  // characters; the rest of that line is ignored
 
 // ---- Comment lines ----
 
-// The texts of the record by the word that their comment line begins with.
+// How the comment line for each field begins.
 constexpr std::array<std::pair<std::string_view, std::string provenance::*>, 7> texts{{
     {"Source: ", &provenance::source},
     {"Kind: ", &provenance::kind},
@@ -38,18 +37,13 @@ constexpr std::string_view readings_key = "Readings: ", units_key = "Units: ", d
                            curves_key = "Calibration in effect: ", note_key = "Note: ";
 constexpr std::string_view absolute_units = "cd/m2", relative_units = "relative";
 
-// One comment line. Readers of such files take lines of up to 1024 characters.
+// Adds one comment line. Readers of such files accept up to 1024 characters in a line.
 void add_line(std::string& out, std::string_view key, std::string_view text) {
   std::string line = "; ";
   line.append(key).append(text.substr(0, 900));
   std::ranges::replace_if(
       line, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; }, ' ');
   out.append(trim(line)).push_back('\n');
-}
-
-std::string three_digits(double v) {
-  std::array<char, 32> buf{};
-  return {buf.data(), std::to_chars(buf.data(), buf.data() + buf.size(), v, std::chars_format::general, 3).ptr};
 }
 
 // The inputs at which any of the curves has a point.
@@ -67,7 +61,7 @@ void add_curves(std::string& out, const calibration_curves& curves) {
   for (const double in : inputs) {
     out += "; " + shortest(in);
     for (const lut& curve : curves) {
-      // A point's own value, not one computed from it.
+      // If the curve has a point here, take its value as it is.
       const auto at = std::ranges::lower_bound(curve.x, in);
       const bool own = at != curve.x.end() && *at == in;
       out += ' ' + shortest(own ? curve.y[static_cast<std::size_t>(at - curve.x.begin())] : interp(curve, in));
@@ -76,7 +70,7 @@ void add_curves(std::string& out, const calibration_curves& curves) {
   }
 }
 
-// The numbers in a line of words, in their order.
+// The numbers among the words of a line.
 std::vector<double> numbers_in(std::string_view line) {
   std::vector<double> numbers;
   while (!line.empty()) {
@@ -87,7 +81,7 @@ std::vector<double> numbers_in(std::string_view line) {
   return numbers;
 }
 
-// A count that a double holds; nothing for anything else.
+// `v` as a count, if it is one.
 std::optional<std::size_t> count_of(double v) {
   if (!(v >= 0 && v < 1e15)) return std::nullopt;
   return static_cast<std::size_t>(v);
@@ -105,29 +99,23 @@ std::optional<white_drift> drift_in(std::string_view line) {
   return white_drift{v[0] / 100, *count_of(v[1]), *count_of(v[2]), *count_of(v[3])};
 }
 
-// The comment lines of a file, one by one, without `;` and the blank behind it.
-class comment_lines {
- public:
-  explicit comment_lines(std::span<const std::string_view> lines) : rest_(lines) {}
+using comment_lines = std::span<const std::string_view>;
 
-  std::optional<std::string_view> next() {
-    if (rest_.empty()) return std::nullopt;
-    std::string_view line = rest_.front().substr(1);
-    rest_ = rest_.subspan(1);
-    if (line.starts_with(' ')) line.remove_prefix(1);
-    return line;
-  }
+// Takes the next comment line, without `;` and the blank after it.
+std::optional<std::string_view> take_line(comment_lines& lines) {
+  if (lines.empty()) return std::nullopt;
+  std::string_view line = lines.front().substr(1);
+  lines = lines.subspan(1);
+  if (line.starts_with(' ')) line.remove_prefix(1);
+  return line;
+}
 
- private:
-  std::span<const std::string_view> rest_;
-};
-
-std::optional<calibration_curves> curves_in(comment_lines& lines, std::string_view heading) {
+std::optional<calibration_curves> take_curves(comment_lines& lines, std::string_view heading) {
   const auto announced = numbers_in(heading);
   if (announced.empty()) return std::nullopt;
   calibration_curves curves;
   for (double i = 0; i < announced[0]; ++i) {
-    const auto line = lines.next();
+    const auto line = take_line(lines);
     const auto row = line ? numbers_in(*line) : std::vector<double>{};
     if (row.size() != 4) return std::nullopt;
     for (std::size_t c = 0; c < 3; ++c) {
@@ -138,7 +126,7 @@ std::optional<calibration_curves> curves_in(comment_lines& lines, std::string_vi
   return curves[0].x.size() >= 2 && isvalid_lut(curves[0]) ? std::optional(curves) : std::nullopt;
 }
 
-// The rest of `line` behind `key`, where it begins so.
+// What follows `key` if `line` begins with it.
 std::optional<std::string_view> behind(std::string_view key, std::string_view line) {
   if (!line.starts_with(key)) return std::nullopt;
   return line.substr(key.size());
@@ -153,12 +141,12 @@ std::string comments_of(const provenance& p) {
   if (p.absolute) add_line(out, units_key, *p.absolute ? absolute_units : relative_units);
   for (const auto& [key, member] : spreads) {
     if (const auto& s = p.repeated.*member) {
-      add_line(out, key, std::to_string(s->n) + " readings, spread " + three_digits(100 * s->spread) + " %");
+      add_line(out, key, std::to_string(s->n) + " readings, spread " + short_percent(s->spread));
     }
   }
   if (const auto& d = p.repeated.drift) {
     add_line(out, drift_key,
-             three_digits(100 * d->change) + " % from reading " + std::to_string(d->first) + " to " +
+             short_percent(d->change) + " from reading " + std::to_string(d->first) + " to " +
                  std::to_string(d->last) + " of " + std::to_string(d->of));
   }
   for (const std::string& note : p.notes) add_line(out, note_key, note);
@@ -166,10 +154,9 @@ std::string comments_of(const provenance& p) {
   return out;
 }
 
-provenance provenance_in(std::span<const std::string_view> comments) {
+provenance provenance_in(comment_lines lines) {
   provenance p;
-  comment_lines lines(comments);
-  while (const auto line = lines.next()) {
+  while (const auto line = take_line(lines)) {
     for (const auto& [key, member] : texts) {
       if (const auto value = behind(key, *line)) p.*member = *value;
     }
@@ -185,14 +172,14 @@ provenance provenance_in(std::span<const std::string_view> comments) {
     }
     if (const auto value = behind(drift_key, *line)) p.repeated.drift = drift_in(*value);
     if (const auto value = behind(note_key, *line)) p.notes.emplace_back(*value);
-    if (const auto value = behind(curves_key, *line)) p.calibration = curves_in(lines, *value);
+    if (const auto value = behind(curves_key, *line)) p.calibration = take_curves(lines, *value);
   }
   return p;
 }
 
 // ---- Samples ----
 
-// Reads the samples, and the comment lines before them into `comments` if that is given.
+// Also collects the comment lines before the samples if `comments` is given.
 measurements read_samples(const std::string& filename, std::string_view text,
                           std::vector<std::string_view>* comments) {
   measurements samples;
@@ -220,7 +207,7 @@ measurements read_samples(const std::string& filename, std::string_view text,
   if (nramp < 2)
     refuse_content(samples.name, at + "a ramp has " + std::to_string(nramp) + " levels, expected at least 2");
   if (nextra < 0) refuse_content(samples.name, at + "the number of extra samples is " + std::to_string(nextra));
-  // More than any instrument writes, and within what a machine holds.
+  // More than any instrument writes, but it fits in memory.
   constexpr std::int64_t most_rows = 1 << 24;
   if (nramp > most_rows || nextra > most_rows || ramps * nramp + nextra > most_rows) {
     refuse_content(samples.name, at + std::to_string(nramp) + " levels and " + std::to_string(nextra) +
@@ -228,7 +215,7 @@ measurements read_samples(const std::string& filename, std::string_view text,
   }
   samples.nramp = static_cast<int>(nramp);
 
-  // The room grows with what is read, so that a header alone cannot ask for more than the file has numbers.
+  // Reserve no more than the file can hold, whatever its header says.
   const auto rows = static_cast<std::size_t>(ramps * nramp + nextra);
   std::vector<double> read;
   read.reserve(std::min(rows * columns, text.size() / 2 + 1));

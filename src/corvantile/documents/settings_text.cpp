@@ -40,11 +40,11 @@ struct chromaticity_key {
 
 struct key {
   std::string_view name;
-  std::string_view echo;  // what the echo calls it
+  std::string_view echo;  // its name in the echo
   std::variant<text_key, integer_key, switch_key, real_key, chromaticities_key, chromaticity_key> kind;
 };
 
-// All there is to know about each key, in the order of the echo.
+// Every key, in the order of the echo.
 constexpr key keys[] = {
     {"cvmode", "CVMode", text_key{&opts::cvmode, 32}},
     {"outdir", "outdir", text_key{&opts::outdir, longest_name}},
@@ -64,7 +64,7 @@ constexpr key keys[] = {
     {"hwid", "hwid", real_key{&settings::hwid, edit::f0_7}},
     {"temp", "temp", real_key{&settings::temp, edit::f0_7}},
     {"wptemp", "wptemp", real_key{&settings::wptemp, edit::f0_7}},
-    // Echoed only where they are set, as what came later than the others.
+    // These are newer than the others, and echoed only if they are set.
     {"white", "white", chromaticity_key{&settings::white}},
     {"restart", "restart", switch_key{&settings::restart}},
     {"grayfile", "grayfile", text_key{&opts::grayfile, longest_name, true}},
@@ -88,14 +88,14 @@ double& entry(chromaticity_table& t, std::size_t i) { return (t.*columns[i / 2])
 
 // ---- The scanner ----
 
-constexpr char end_of_text = '\0';  // what `peek` gives there; a NUL in the text is an error wherever it stands
+constexpr char end_of_text = '\0';  // returned by `peek` there; a NUL in the text is an error anyway
 
 constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 constexpr bool is_digit(char c) { return c >= '0' && c <= '9'; }
 constexpr bool starts_name(char c) { return lower(c) >= 'a' && lower(c) <= 'z'; }
 constexpr bool in_name(char c) { return starts_name(c) || is_digit(c) || c == '_'; }
 
-// Walks over the profile. Every character is passed once, and looked ahead at most once more.
+// Walks over the text. It passes every character once, and looks ahead at each at most once.
 class scanner {
  public:
   explicit scanner(std::string_view text) : text_(text) {}
@@ -128,7 +128,7 @@ class scanner {
     }
   }
 
-  /// What stands here, up to the next character that can end a number.
+  /// The text from here to the next character that can end a number.
   std::string_view word() const {
     const std::size_t end = std::min(text_.find_first_of(" \t\r\n,/!'\"", pos_), text_.size());
     return text_.substr(pos_, end - pos_);
@@ -138,10 +138,10 @@ class scanner {
     while (end < text_.size() && in_name(text_[end])) ++end;
     return text_.substr(pos_, end - pos_);
   }
-  /// Passes `n` characters that hold no line end.
+  /// Passes `n` characters; none of them is a line end.
   void advance(std::size_t n) { pos_ += n; }
 
-  /// True where `key =` or `key(1,2) =` stands and not a value such as `nan`.
+  /// Whether `key =` or `key(1,2) =` comes next, not a value such as `nan`.
   bool at_assignment() const {
     if (!starts_name(peek())) return false;
     scanner ahead = *this;
@@ -157,7 +157,7 @@ class scanner {
     return ahead.peek() == '=';
   }
 
-  /// For messages: what stands here.
+  /// What comes next, for messages.
   std::string found() const {
     if (at_end()) return "the end of the input";
     const std::string_view w = word();
@@ -172,7 +172,7 @@ class scanner {
 
 // ---- The reader ----
 
-// A list of at most eight places of the array, in the order in which values fill them.
+// Up to eight places of the array, in the order in which values fill them.
 struct places {
   std::array<std::size_t, array_size> index{};
   std::size_t count = 0;
@@ -270,7 +270,7 @@ class reader {
     key_ = nullptr;
   }
 
-  // The values of one key: up to `count`, each left out or repeated. Commas beyond the last value are let pass.
+  // Reads up to `count` values of one key, each of which may be left out or repeated. Ignores commas after the last.
   template <class Read, class Store>
   void read_values(std::size_t count, const Read& read, const Store& store) {
     std::size_t used = 0;
@@ -284,7 +284,7 @@ class reader {
       if (used == count) expected("another key or the closing '/' after " + counted(count));
       const std::size_t repeats = read_repeat_count(count - used);
       const std::size_t next = used + std::max<std::size_t>(repeats, 1);
-      if (repeats == 0 || !at_separator()) {  // else only the count is there, and that many values are left out
+      if (repeats == 0 || !at_separator()) {  // else a count alone: that many values are left out
         const auto value = read();
         if (!at_separator()) expected("a blank, a comma or '/' after the value");
         for (std::size_t i = used; i < next; ++i) store(i, value);
@@ -304,7 +304,7 @@ class reader {
     return in_.at_end() || is_white_space(c) || c == ',' || c == '/' || c == '!';
   }
 
-  // The n of n*value, with the star; 0 where there is none.
+  // Passes `n*` and returns n; 0 if there is no repeat count.
   std::size_t read_repeat_count(std::size_t room) {
     const std::string_view word = in_.word();
     const std::size_t star = word.find('*');
@@ -337,7 +337,7 @@ class reader {
     return *v;
   }
 
-  // A text in quotes may go on over a line end, which is no part of it. Only what fits is kept.
+  // A text in quotes may continue on the next line; the line end is not part of it. Keeps what fits in `length`.
   std::string read_text(std::size_t length) {
     const char quote = in_.peek();
     const std::size_t line = in_.line();
@@ -367,7 +367,7 @@ class reader {
     bool section;  // written with a colon
   };
 
-  // (i,j) is an element and those after it in storage order; with a colon in it, just the section.
+  // (i,j) means this element and all after it in storage order. With a colon, it means just the section.
   places read_index() {
     in_.take();
     const range row = read_range(array_rows);
@@ -390,7 +390,7 @@ class reader {
     return p;
   }
 
-  // One index, or first:last:step with each part optional. Both ends lie in 1..n and at least one index is selected.
+  // One index, or first:last:step with each part optional. Both ends must be in 1..n, and the range not empty.
   range read_range(int n) {
     const auto in_bounds = [&](int i) {
       if (i < 1 || i > n) fail("index " + integer_field(i) + " is not in 1.." + integer_field(n));
@@ -431,7 +431,7 @@ class reader {
 
   scanner in_;
   opts p_;
-  const key* key_ = nullptr;  // whose values are being read
+  const key* key_ = nullptr;  // being read, for messages
 };
 
 // ---- Values ----
@@ -442,7 +442,7 @@ opts_value value_of(const opts& o, const key& k) {
                     k.kind);
 }
 
-// Later keys are left out while they say nothing: a switch that is off, a chromaticity or a file that is not given.
+// Newer keys are left out if they are not set: a switch that is off, a chromaticity or a file that is not given.
 bool is_left_out(const key& k, const opts_value& value) {
   if (const auto* text = std::get_if<std::string>(&value))
     return text->empty() && std::get<text_key>(k.kind).only_if_set;
@@ -488,7 +488,7 @@ std::string real_text(double v, edit layout) {
   return {};
 }
 
-// Nothing if no entry is above 0.
+// Empty if no entry is above 0.
 std::string echo_of(std::string_view label, chromaticity_table t) {
   std::string text = std::string(label) + '\n';
   bool any = false;
@@ -526,7 +526,7 @@ void name_mode(opts& p) {
 }
 
 void fill_xytable(settings& s, std::ostream& out, std::string_view standard) {
-  // Not-a-number entries are skipped, unless there is nothing else: then the largest is none, and nothing is filled.
+  // NaN entries do not count. But if all are NaN, nothing is filled.
   bool any_number = false;
   for (std::size_t i = 0; i < array_size; ++i) {
     const double v = entry(s.xytable, i);

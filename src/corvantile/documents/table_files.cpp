@@ -42,7 +42,7 @@ std::string as_codes(const std::string& path, const matrix& table, std::int64_t 
   for (std::size_t j = 0; j < table.cols(); ++j) {
     for (std::size_t i = 0; i < table.rows(); ++i) {
       const double code = std::round(table(i, j) * static_cast<double>(maxcode));  // halves away from zero
-      if (!(std::abs(code) < largest_code)) refuse(path, table, i, j, ", for which there is no code");
+      if (!(std::abs(code) < largest_code)) refuse(path, table, i, j, ", which is too large for an integer");
       codes(i, j) = static_cast<std::int64_t>(code);
     }
   }
@@ -72,7 +72,7 @@ matrix table_in(const std::string& path) {
   if (v.size() < 6 || v.size() % 3 != 0)
     refuse_content(printable(path), "a table has three columns and at least two rows");
   if (std::ranges::all_of(v, [](double x) { return x == std::floor(x); }) && std::ranges::max(v) > 1) {
-    refuse_content(printable(path), "holds integers, and nothing tells their number of bits; solve with nbits=0");
+    refuse_content(printable(path), "integers without a known number of bits; solve with nbits=0");
   }
   matrix table(v.size() / 3, 3);
   for (std::size_t i = 0; i < v.size(); ++i) table(i / 3, i % 3) = v[i];
@@ -120,13 +120,13 @@ void check_outdir(const opts& o) {
 
 device_tables read_tables(const std::string& folder) {
   const auto path = [&](const char* name) { return folder + '/' + name; };
-  const auto holds = [&](const char* name) {
+  const auto exists = [&](const char* name) {
     std::error_code none;
     return std::filesystem::exists(path(name), none);
   };
   device_tables tables;
   tables.post = table_in(path(post_name));
-  tables.two_tables = holds(pre_name) && holds(matrix_name);
+  tables.two_tables = exists(pre_name) && exists(matrix_name);
   if (!tables.two_tables) return tables;
   tables.pre = table_in(path(pre_name));
   const matrix m = table_in(path(matrix_name));

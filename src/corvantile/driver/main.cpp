@@ -14,8 +14,7 @@
 
 #include "corvantile/driver/exit_status.hpp"
 #include "corvantile/driver/run.hpp"
-#include "corvantile/driver/standard_input.hpp"
-#include "corvantile/driver/standard_output.hpp"
+#include "corvantile/driver/standard_streams.hpp"
 #include "corvantile/utils/failure.hpp"
 #include "corvantile/utils/temporary_file.hpp"
 
@@ -38,8 +37,8 @@ constexpr std::string_view help =
     "cvmode is 'CV1' (grays only), 'CV2' (primaries, white and tone curve) or 'CV2_1'\n"
     "(both). The tables are written into outdir, which must exist.\n";
 
-// A closed standard stream would give its number to the next file that is opened, and its text to that file. A
-// reading end in its place makes every write fail instead.
+// If a standard stream is closed, the next file opened would get its number, and then its text. This opens /dev/null
+// for reading in its place, so that writing fails instead.
 void occupy_standard_descriptors() {
   while (true) {
     const int fd = ::open("/dev/null", O_RDONLY);
@@ -48,7 +47,7 @@ void occupy_standard_descriptors() {
   }
 }
 
-void tell_a_terminal() {
+void prompt_on_terminal() {
   if (::isatty(STDIN_FILENO) == 0) return;
   std::cerr << "Waiting for settings on standard input, then Ctrl-D on a line of its own. For example:\n"
                "  &opts cvmode='CV1' temp=6500\n"
@@ -57,7 +56,7 @@ void tell_a_terminal() {
 
 int main(std::span<const std::string_view> arguments) {
   occupy_standard_descriptors();
-  // A reader that leaves, or a file that grows too large, is an error of that write and not the end of the process.
+  // If a reader leaves or a file grows too large, the write fails; the process goes on.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
   remove_temporaries_on_signals();
@@ -76,7 +75,7 @@ int main(std::span<const std::string_view> arguments) {
     if (given("--help")) return stop(exit_status::normal, help.substr(0, help.size() - 1), out);
     if (given("--version")) return stop(exit_status::normal, version_line, out);
     std::cerr << ' ' << banner << '\n';
-    tell_a_terminal();
+    prompt_on_terminal();
     run_program(arguments, settings_on_standard_input(), out, std::cerr);
     return exit_status::normal;
   } catch (const failure& reason) {
@@ -84,7 +83,7 @@ int main(std::span<const std::string_view> arguments) {
     return stop(end.status, end.line, end.on_standard_output ? out : std::cerr);
   } catch (const std::bad_alloc&) {
     return stop(exit_status::no_memory, no_memory_message, std::cerr);
-  } catch (const std::length_error&) {  // a size that no memory could hold
+  } catch (const std::length_error&) {  // a size beyond any memory
     return stop(exit_status::no_memory, no_memory_message, std::cerr);
   }
 }

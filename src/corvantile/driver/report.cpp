@@ -17,7 +17,7 @@
 namespace corvantile {
 namespace {
 
-// Values of one report, one a line with 15 decimals under a title.
+// A title, then the values, one a line with 15 decimals.
 void print_column(std::ostream& out, const char* title, std::span<const double> values) {
   std::string text = std::string("\n ") + title + '\n';
   for (const double v : values) {

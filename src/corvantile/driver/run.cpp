@@ -7,9 +7,8 @@
 #include <ostream>
 #include <string>
 
-#include "corvantile/documents/gamma_file.hpp"
-#include "corvantile/documents/gray_factors_file.hpp"
 #include "corvantile/documents/measurement_file.hpp"
+#include "corvantile/documents/point_files.hpp"
 #include "corvantile/documents/settings_text.hpp"
 #include "corvantile/documents/table_files.hpp"
 #include "corvantile/driver/report.hpp"
@@ -21,7 +20,7 @@
 namespace corvantile {
 namespace {
 
-// Everything that can be told from the settings alone, before any file is read.
+// What can be checked and filled in before any file is read.
 opts complete(opts o, std::ostream& out) {
   if (o.wgfile.empty()) throw failure(fault::no_measurement_file, "profile file not specified");
   fill_xytable(o.set, out);
@@ -29,9 +28,8 @@ opts complete(opts o, std::ostream& out) {
   return o;
 }
 
-// The samples of the gamma file, if there are any. Without the file the two-table solution goes by the power law. The
-// gray match cannot, and stops, although the report has just promised a power law: its lines are the same in every
-// mode.
+// The samples of the gamma file, if one is named. If it cannot be opened, the two-table solution takes the power law,
+// but the gray match stops. The report promises a power law in either case: its lines are the same in every mode.
 std::optional<tone_samples> load_tone(const opts& o, std::ostream& report) {
   if (o.gamfile.empty()) return std::nullopt;
   std::optional<tone_samples> tone = load_tone_samples(o.gamfile);
@@ -43,10 +41,10 @@ std::optional<tone_samples> load_tone(const opts& o, std::ostream& report) {
          << " Using power-law curve with gamma =" << free_format(o.set.gamma) << '\n';
   if (!matches_gray(o.set.mode)) return std::nullopt;
   throw failure(fault::no_gamma,
-                "Cannot open gamma file " + printable(o.gamfile) + ", which mode " + o.cvmode + " cannot do without");
+                "Cannot open gamma file " + printable(o.gamfile) + ", which mode " + o.cvmode + " needs");
 }
 
-// Reports that could not be printed are told of last, once the tables are safe.
+// Checked last, when the tables are safe.
 void require_printed(std::ostream& out) {
   errno = 0;
   const bool synced = out.rdbuf()->pubsync() == 0;

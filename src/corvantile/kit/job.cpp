@@ -4,8 +4,7 @@
 #include <utility>
 
 #include "corvantile/appraisal/job_findings.hpp"
-#include "corvantile/documents/gamma_file.hpp"
-#include "corvantile/documents/gray_factors_file.hpp"
+#include "corvantile/documents/point_files.hpp"
 #include "corvantile/kit/files.hpp"
 
 namespace corvantile::kit {

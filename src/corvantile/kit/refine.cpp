@@ -10,7 +10,7 @@
 
 #include "corvantile/appraisal/verification.hpp"
 #include "corvantile/colour/color_metrics.hpp"
-#include "corvantile/documents/gray_factors_file.hpp"
+#include "corvantile/documents/point_files.hpp"
 #include "corvantile/job/refinement.hpp"
 #include "corvantile/kit/exports.hpp"
 #include "corvantile/kit/files.hpp"

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "corvantile/colour/standards.hpp"
-#include "corvantile/documents/gamma_file.hpp"
+#include "corvantile/documents/point_files.hpp"
 #include "corvantile/kit/files.hpp"
 #include "corvantile/kit/job_folder.hpp"
 #include "corvantile/utils/failure.hpp"

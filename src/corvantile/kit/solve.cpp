@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "corvantile/documents/gamma_file.hpp"
+#include "corvantile/documents/point_files.hpp"
 #include "corvantile/kit/files.hpp"
 #include "corvantile/kit/job_folder.hpp"
 #include "corvantile/kit/source.hpp"
