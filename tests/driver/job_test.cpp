@@ -11,8 +11,8 @@
 #include <unistd.h>
 
 #include "corvantile/colour/color_metrics.hpp"
-#include "corvantile/documents/point_files.hpp"
 #include "corvantile/documents/measurement_file.hpp"
+#include "corvantile/documents/point_files.hpp"
 #include "corvantile/documents/table_files.hpp"
 #include "corvantile/driver/exit_status.hpp"
 #include "corvantile/driver/report.hpp"
@@ -157,7 +157,7 @@ TEST_F(Job, GraysTakeAnyWhite) {
     ASSERT_EQ(distance.size(), 17u);
     for (std::size_t i = 8; i < 17; ++i) EXPECT_LT(distance[i], 2e-5) << "where no dark is blended in";
   }
-  expect_stop("cvmode='CV1' temp=6500 white=.3 .3", 4, "white = 0.3 0.3: goes without temp",
+  expect_stop("cvmode='CV1' temp=6500 white=.3 .3", 4, "white = 0.3 0.3: cannot be combined with temp",
               {"postLUT.txt", "preLUT.txt", "matrix.txt"});
   for (const char* none : {".3,0", ".8,.3", "NaN,.3"})
     EXPECT_EQ(run_job(std::string("cvmode='CV1' white=") + none).status, 4) << none;
@@ -273,7 +273,7 @@ TEST_F(Job, FactorsOfTheGrays) {
   }
   expect_stop("cvmode='CV1' grayfile='none.txt'", 5, "Cannot open grayfile none.txt", {"postLUT.txt"});
   std::ofstream("f.txt") << "2 0 1 1 1 1 1 1 1";
-  expect_stop("cvmode='CV1' temp=6000 hwid=.01 grayfile='f.txt'", 4, "hwid = 0.01: goes without grayfile",
+  expect_stop("cvmode='CV1' temp=6000 hwid=.01 grayfile='f.txt'", 4, "hwid = 0.01: cannot be combined with grayfile",
               {"postLUT.txt"});
   EXPECT_EQ(run_job("cvmode='CV2' tlen=17 grayfile='none.txt'").status, 0) << "which has no grays to match";
 }

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <ctime>
-#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
@@ -20,7 +19,7 @@ namespace {
 
 double cpu_seconds() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; }
 
-// Temperatures have no colour where Planck's law leaves the range of numbers.
+// Planck's law overflows or underflows at extreme temperatures: these have no colour.
 void require_black_body(const char* key, double value, double T) {
   const vec3 b = blkbod(T);
   if (std::isfinite(b[0]) && std::isfinite(b[2])) return;
@@ -61,22 +60,18 @@ matrix fold(const matrix& outer, const matrix& inner) {
   return folded;
 }
 
-void add_warnings(correction& result, std::vector<finding> found) {
-  std::ranges::move(found, std::back_inserter(result.warnings));
-}
-
 void solve_two_tables(const settings& set, const gspec& spec, correction& result) {
   const double start = cpu_seconds();
   result.two = twolutsolution(result.measured, set.xytable, spec, static_cast<std::size_t>(set.tlen));
   result.two_seconds = cpu_seconds() - start;
   result.display = result.two->cmon;
-  add_warnings(result, judge_two_tables(set, *result.two));
+  append(result.warnings, judge_two_tables(set, *result.two));
 }
 
-// The model's colours along a shaded ramp, or across a swath, are not those that the factors were measured for.
+// The factors were measured for one white. A shaded ramp or a swath has others.
 void check_factors(const settings& set) {
   if (set.temp < 0) return;
-  constexpr const char* why = "goes without grayfile, whose factors are those of one white";
+  constexpr const char* why = "cannot be combined with grayfile, because its factors are for a single white";
   if (set.wptemp >= 0) refuse_setting("wptemp", free_format(set.wptemp).substr(1), why);
   if (set.hwid > 0) refuse_setting("hwid", free_format(set.hwid).substr(1), why);
 }
@@ -89,7 +84,7 @@ void match_gray(const settings& set, const gspec& spec, correction& result) {
   const gray_match match = cv1(result.display, params, spec.lut, result.gray);
   result.gray_seconds = cpu_seconds() - start;
   result.undefined_row = match.undefined_row;
-  add_warnings(result, judge_grays(set, result.display, match));
+  append(result.warnings, judge_grays(set, result.display, match));
   if (result.two) result.two->prelut = fold(result.two->prelut, result.gray);
 }
 

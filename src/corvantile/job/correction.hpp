@@ -15,36 +15,36 @@
 
 namespace corvantile {
 
-/// What a job gives. Tables have `tlen` rows, row i for the input i / (tlen - 1), and columns red, green, blue; their
-/// entries are drive values or linear values, 0 to 1.
+/// The result of a job. Tables have `tlen` rows, row i for the input i / (tlen - 1), and columns red, green, blue.
+/// Entries are drive values or linear values, 0 to 1.
 struct correction {
   match_mode mode = match_mode::cv1;
-  monitor measured;  ///< the display as measured: the model that was fitted
+  monitor measured;  ///< the fitted model of the display
   lut tone;          ///< the target tone curve: drive 0..1 to luminance 0..1
 
-  /// CV2 and CV2_1: pre-table, matrix, post-table, the display behind them, target and clipped target, distances
-  /// moved. In CV2_1 `prelut` includes the gray match, while `cmon` stands behind the two-table solution alone.
+  /// CV2 and CV2_1: pre-table, matrix, post-table, the display behind them, target, clipped target, distances moved.
+  /// In CV2_1 `prelut` includes the gray match, but `cmon` does not.
   std::optional<two_table_solution> two;
 
-  /// The gray ramp: what to put into `display`. In CV1 it is the table that a device loads (drive to drive), in
-  /// CV2_1 what the gray match adds before the pre-table, in CV2 the plain ramp. Zeros where the gray match was kept
-  /// from it by `alpha` and `beta`.
+  /// The gray ramp to put into `display`. In CV1 it is the table that a device loads (drive to drive), in CV2_1 what
+  /// the gray match adds before the pre-table, in CV2 the plain ramp. All zero if `alpha` and `beta` rule out the
+  /// gray match.
   matrix gray;
-  monitor display;       ///< what `gray` drives: the display as measured, or `two->cmon`
-  gray_factors factors;  ///< what the wanted grays were multiplied by; empty without a gray match
+  monitor display;       ///< what `gray` drives: `measured`, or `two->cmon`
+  gray_factors factors;  ///< the wanted grays were multiplied by these; empty without a gray match
 
-  /// The row of `gray` (and of CV2_1's `prelut`) that is not a number, if there is one: see `gray_match`.
+  /// The row of `gray` (and of CV2_1's `prelut`) that is NaN, if there is one: see `gray_match`.
   std::optional<std::size_t> undefined_row;
 
-  std::vector<finding> warnings;  ///< what is not to be trusted, in the order in which it was found
-  double two_seconds = 0;         ///< CPU time of this process during the two-table solution
-  double gray_seconds = 0;        ///< and during the gray match
+  std::vector<finding> warnings;  ///< what not to trust, in the order in which it was found
+  double two_seconds = 0;         ///< CPU time of this process for the two-table solution
+  double gray_seconds = 0;        ///< and for the gray match
 };
 
-/// Fits the display, solves in the mode that the settings name, and judges the result. The target tone curve is that
-/// of `tone`, else the power law of `gamma`. `factors` correct the gray match where the display was measured again
-/// behind its tables; they go without `wptemp` and `hwid`. Reads and writes nothing and keeps no state: several
-/// threads may call it at once. Throws `fault::setting` or `fault::content`.
+/// Fits the display, solves in the mode of the settings, and judges the result. The target tone curve comes from
+/// `tone`, or from the power law of `gamma` if that is absent. `factors` correct the gray match after a measurement
+/// with the tables loaded; they cannot be combined with `wptemp` and `hwid`. Several threads may call it at once: it
+/// uses no files and no global state. Throws `fault::setting` or `fault::content`.
 correction solve(const settings& set, const measurements& samples, const std::optional<tone_samples>& tone = {},
                  const gray_factors& factors = {});
 

@@ -8,7 +8,7 @@
 namespace corvantile {
 namespace {
 
-// The value at `x` of a table on 0..1, its ends held beyond.
+// The value at `x` of a table on 0..1, which keeps its end values beyond.
 double held_at_ends(std::span<const double> table, double x) {
   const auto last = static_cast<double>(table.size() - 1);
   const double at = std::clamp(x, 0.0, 1.0) * last;
@@ -58,7 +58,7 @@ matrix resample(const matrix& table, std::size_t entries) {
     const std::span<const double> from = table.col(c);
     for (std::size_t i = 0; i < entries; ++i) {
       const std::size_t at = i * old_steps / steps;
-      const std::size_t rest = i * old_steps % steps;  // in whole numbers, so that old rows are met exactly
+      const std::size_t rest = i * old_steps % steps;  // in integers, to hit old rows exactly
       out(i, c) = rest == 0
                       ? from[at]
                       : std::lerp(from[at], from[at + 1], static_cast<double>(rest) / static_cast<double>(steps));

@@ -1,6 +1,7 @@
 #include "corvantile/job/finding.hpp"
 
 #include <algorithm>
+#include <array>
 #include <functional>
 #include <iterator>
 #include <utility>
@@ -8,15 +9,8 @@
 namespace corvantile {
 
 std::string_view name_of(severity level) {
-  switch (level) {
-    case severity::note:
-      return "note";
-    case severity::warning:
-      return "warning";
-    case severity::error:
-      return "error";
-  }
-  return "";
+  constexpr std::array<std::string_view, 3> names{"note", "warning", "error"};
+  return names[static_cast<std::size_t>(level)];
 }
 
 std::string text_of(const finding& f) {
@@ -30,13 +24,17 @@ void sort_findings(std::vector<finding>& findings) {
   std::ranges::stable_sort(findings, std::ranges::greater{}, &finding::level);
 }
 
+void append(std::vector<finding>& findings, std::vector<finding> more) {
+  std::ranges::move(more, std::back_inserter(findings));
+}
+
 void merge_findings(std::vector<finding>& findings, std::vector<finding> more) {
   std::erase_if(more, [&](const finding& m) {
     return std::ranges::any_of(findings, [&](const finding& f) { return f.id == m.id && f.level >= m.level; });
   });
   std::erase_if(findings,
                 [&](const finding& f) { return std::ranges::find(more, f.id, &finding::id) != more.end(); });
-  std::ranges::move(more, std::back_inserter(findings));
+  append(findings, std::move(more));
   sort_findings(findings);
 }
 

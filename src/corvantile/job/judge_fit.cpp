@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 #include <span>
 #include <string>
 #include <vector>
@@ -11,18 +10,19 @@
 namespace corvantile {
 namespace {
 
-// The widest gap between neighbouring readings, in pieces, up to which a piece is held on both sides. Over simulated
-// displays the tables' errors are those of the readings up to here, and several times theirs from 1.3 on.
-constexpr double held = 1.1;
+// The widest gap between neighbouring readings, in pieces, that a curve can bridge. With simulated displays, tables
+// are as accurate as the readings up to here; from 1.3 on their errors are several times as large.
+constexpr double widest_bridged = 1.1;
 constexpr int most_pieces = 256;
 constexpr int fewest_pieces = 3;
 constexpr int default_pieces = 5;
 
-// Of full drive: how far a curve may leave its quadratic between the readings beyond what it does at them. Half of it
-// is an error in drive; tables whose error exceeds 0.02 have more than this, those of sound files far less.
+// How much farther a curve may get from its quadratic between the readings than at them, as a fraction of full drive.
+// Half of it becomes an error in drive. Tables that are off by more than 0.02 have more; those of good files far
+// less.
 constexpr double free_swing = 0.02;
 
-// Between neighbouring readings of a channel, in monitor values.
+// The widest gap between neighbouring readings of a channel, in monitor values.
 double widest_gap(const monitor& mon) {
   double widest = 0;
   for (std::size_t c = 0; c < 3; ++c) {
@@ -34,7 +34,7 @@ double widest_gap(const monitor& mon) {
   return widest;
 }
 
-// How much further `curve` gets from the quadratic (1 - a) m + a m^2 between the readings (m, ratio) than at them.
+// How much farther `curve` gets from the quadratic (1 - a) m + a m^2 between the readings (m, ratio) than at them.
 double swing(const ppoly& curve, double a, std::span<const double> m, std::span<const double> ratio) {
   const auto quadratic = [a](double v) { return (1 - a) * v + a * (v * v); };
   double between = 0, at = 0;
@@ -64,16 +64,16 @@ swinging_curve worst_curve(const monitor& mon) {
 }
 
 std::string advice(int carried) {
-  if (carried < fewest_pieces) return "measure more levels: these carry no fit";
-  return "use numsegs = " + std::to_string(carried) + ", which the levels carry, or measure more levels";
+  if (carried < fewest_pieces) return "measure more levels: these are too few for any fit";
+  return "use numsegs = " + std::to_string(carried) + ", which suits the levels, or measure more levels";
 }
 
 }  // namespace
 
 int largest_numsegs(const monitor& mon) {
   const double gap = widest_gap(mon);
-  if (!(gap * most_pieces > held)) return most_pieces;
-  return std::max(static_cast<int>(held / gap), fewest_pieces - 1);
+  if (!(gap * most_pieces > widest_bridged)) return most_pieces;
+  return std::max(static_cast<int>(widest_bridged / gap), fewest_pieces - 1);
 }
 
 std::vector<finding> judge_fit(const monitor& mon) {
@@ -83,15 +83,15 @@ std::vector<finding> judge_fit(const monitor& mon) {
   const swinging_curve worst = worst_curve(mon);
   if (worst.name.empty()) return {};
   return {{"numsegs", severity::warning,
-           "numsegs = " + std::to_string(pieces) + ": between " + std::to_string(mon.nramp) +
-               " levels the fitted curves swing freely, " + worst.name + " by " + short_percent(worst.by) +
-               " of its full value, and the tables with them",
+           "numsegs = " + std::to_string(pieces) + " is too many for " + std::to_string(mon.nramp) +
+               " levels: the fitted curves swing between them, " + worst.name + " by " + short_percent(worst.by) +
+               " of its full value, and so do the tables",
            advice(carried)}};
 }
 
 std::vector<finding> judge(const measurements& samples, const monitor& mon) {
   std::vector<finding> found = judge_measurements(samples, mon);
-  std::ranges::move(judge_fit(mon), std::back_inserter(found));
+  append(found, judge_fit(mon));
   return found;
 }
 

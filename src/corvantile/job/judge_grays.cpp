@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 #include <optional>
 #include <string>
 #include <utility>
@@ -13,18 +12,18 @@
 namespace corvantile {
 namespace {
 
-// What a search leaves of a level, relative to its luminance, before it counts as missed. Searches that succeed leave
-// less than a thousandth of this.
+// A search that ends farther than this from its gray, relative to the luminance, has missed it. Searches that succeed
+// end a thousand times nearer.
 constexpr double missed = 2e-3;
 // A drive value that falls by more from one row to the next is a jump, not rounding.
 constexpr double fall = 1e-3;
-// Luminance that a swath may lose before it is told: the search's own accuracy is much finer.
+// The share of luminance that a swath may cost without a warning. The search itself is much more accurate.
 constexpr double lost_light = 1e-3;
 
-// How far the searched drive values are from their gray: XYZ distance over its luminance.
+// How far the found drive values are from their gray: XYZ distance over its luminance.
 double miss(const gray_level& level) { return std::sqrt(level.left) / level.target[1]; }
 
-// By the linear model no channel would have to be negative. Below the dark nothing can be shown.
+// Whether the linear model needs no negative channel. The display can show nothing below the dark.
 bool in_reach(const monitor& mon, const gray_level& level) {
   vec3 linear = mon.XYZ2RGB * (level.target - mon.darklight);
   if (mon.composite) linear = mon.ife.matrix * linear;
@@ -41,7 +40,7 @@ std::string advice_on_restart(const settings& set) {
   return (set.restart ? "" : "set restart = 1, ") + pieces + ", or measure more levels";
 }
 
-// One search: of the whole ramp, or of the ramp that its top shades to. `what` names its white.
+// One search: for the whole ramp, or for the white that its top shades to. `what` names the white.
 class judged_search {
  public:
   judged_search(const settings& set, const monitor& display, const gray_search& search, std::string what)
@@ -53,7 +52,7 @@ class judged_search {
     const std::optional<ramp_top> plain = swath ? std::optional(ramptop_temp(display_, *temperature)) : std::nullopt;
     if (!search_.top.reached) {
       found.push_back(out_of_reach(plain && plain->reached));
-      return found;  // the levels are then those of no white
+      return found;  // then the levels mean nothing
     }
     if (plain && plain->reached && search_.top.xyz[1] < (1 - lost_light) * plain->xyz[1]) {
       found.push_back(dark_swath(*plain));
@@ -65,9 +64,7 @@ class judged_search {
  private:
   finding out_of_reach(bool without_swath) const {
     return {"white-out-of-reach", severity::warning,
-            what_ +
-                ": the display cannot show this white at any level that was tried, so that the table belongs to "
-                "no white",
+            what_ + ": the display cannot show this white at any level that was tried, so the table is useless",
             without_swath
                 ? "make hwid smaller, or 0: without hwid (" + short_number(set_.hwid) + ") the display can show it"
                 : "choose a white nearer the display's own"};
@@ -107,8 +104,8 @@ class judged_search {
     if (ranges == 0) return false;
     found.push_back({"gray-not-found", severity::warning,
                      "gray table (" + what_ + "), " + rows + " of 0 to " + std::to_string(n - 1) +
-                         ": the search ended away from the gray, by up to " + short_percent(most) +
-                         " of its luminance (row " + std::to_string(worst) + ")",
+                         ": the search missed the gray by up to " + short_percent(most) + " of its luminance (row " +
+                         std::to_string(worst) + ")",
                      advice_on_restart(set_)});
     return true;
   }
@@ -140,13 +137,11 @@ class judged_search {
   std::string what_;
 };
 
-void append(std::vector<finding>& to, std::vector<finding> more) { std::ranges::move(more, std::back_inserter(to)); }
-
 finding not_filled(const settings& set, int status) {
   const std::string where =
       status == 1 ? "alpha = " + short_number(set.alpha) + " is not below beta = " : "beta is above 1: ";
   return {"table-not-filled", severity::warning,
-          where + short_number(set.beta) + ", so that with temp the gray table is filled with zeros",
+          where + short_number(set.beta) + ", so with temp the gray table is all zeros",
           "set alpha below beta, and beta to at most 1"};
 }
 
@@ -165,7 +160,7 @@ std::vector<finding> judge_grays(const settings& set, const monitor& display, co
     found.push_back({"undefined-row", severity::warning,
                      "beta = " + short_number(set.beta) +
                          ": the shading towards wptemp begins in the last row, row " +
-                         std::to_string(*match.undefined_row) + ", which is not a number",
+                         std::to_string(*match.undefined_row) + ", so this row is not a number",
                      "lower beta, or leave wptemp out"});
   }
   return found;

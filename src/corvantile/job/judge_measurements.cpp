@@ -11,19 +11,19 @@
 namespace corvantile {
 namespace {
 
-// Drive values that differ by less are one: files write them with four digits or more.
+// Drive values that differ by less are equal: files have at least four digits.
 constexpr double same_drive = 1e-4;
-// Four readings of one dark agree far better; more makes the dark grays' colour a matter of chance.
+// Readings of one dark agree far better than this. Beyond it, the colour of dark grays is a matter of chance.
 constexpr double dark_spread = 1e-3;  // of white
 // Instruments repeat themselves to some 0.2 % of a reading, and to less than this much of the ramp's full light.
 constexpr double noise_of_level = 0.02;
 constexpr double noise_of_full = 5e-4;
-// Tone curves rise with a local exponent of 1 and more. A tenth of it over several levels is a clipped display.
+// The local exponent of a tone curve is 1 or more. If it is a tenth of that over several levels, the display clips.
 constexpr double level_exponent = 0.1;
 constexpr std::size_t level_steps = 3;
 constexpr double level_span = 0.025;      // of full drive
 constexpr double dark_level_span = 0.05;  // without any light at all: 13 of 255 codes
-// Beyond this a model that adds its channels misses whites that everybody sees.
+// Beyond this, the model's error in white is obvious to anybody.
 constexpr double additivity = 0.05;
 
 // The rows of one ramp, and what they say above the dark.
@@ -38,7 +38,7 @@ struct ramp_view {
   double light(std::size_t i) const { return samples.data(first + i, 4) - mon.darklight[1]; }
 };
 
-// One warning for all samples of a kind: the first of them, and how many more there are.
+// Makes one warning of all samples of a kind: the first, and how many more there are.
 struct offenders {
   std::optional<std::size_t> row;
   std::size_t more = 0;
@@ -52,8 +52,8 @@ struct offenders {
       value = text;
     }
   }
-  void tell(std::vector<finding>& to, const char* id, const measurements& samples, const char* meaning,
-            const char* action) const {
+  void report(std::vector<finding>& to, const char* id, const measurements& samples, const char* meaning,
+              const char* action) const {
     if (!row) return;
     std::string text = samples.name + ": " + place_text(samples, *row) + ": " + value;
     if (more > 0) text += " (and " + std::to_string(more) + " more like it)";
@@ -67,7 +67,7 @@ double full_drive_of(const measurements& samples) {
   return full;
 }
 
-// Of a ramp's first sample, the channel that should be at full drive and is lowest.
+// The drive of a ramp's first sample; of white, that of the lowest channel.
 double lowest_top(const measurements& samples, std::size_t ramp, std::size_t row) {
   if (ramp > 0) return ramp_drive(samples, row);
   return std::min({samples.data(row, 0), samples.data(row, 1), samples.data(row, 2)});
@@ -83,8 +83,8 @@ void judge_ends(const ramp_view& ramp, std::size_t number, offenders& bottoms, o
   }
   const double top = lowest_top(samples, number, ramp.first);
   if (top < ramp.full_drive * (1 - same_drive)) {
-    tops.add(ramp.first,
-             "the ramp begins at drive " + short_number(top) + ", full drive is " + short_number(ramp.full_drive));
+    tops.add(ramp.first, "the ramp begins at drive " + short_number(top) + ", but full drive is " +
+                             short_number(ramp.full_drive));
   }
 }
 
@@ -134,8 +134,8 @@ void judge_darks(const measurements& samples, const monitor& mon, std::vector<fi
     to.push_back({"dark-spread", severity::warning,
                   samples.name + ": " + place_text(samples, high) + ": at zero drive " + "XYZ"[k] + " is " +
                       short_number(samples.data(high, 3 + k)) + ", at " + sample_text(samples, low) + " " +
-                      short_number(samples.data(low, 3 + k)) + ", which is " + short_percent(spread) +
-                      " of white apart. The display's black changes, or stray light did: dark grays will be off",
+                      short_number(samples.data(low, 3 + k)) + ": they differ by " + short_percent(spread) +
+                      " of white. The display's black or stray light changed: dark grays will be off",
                   "measure again in the dark, with dynamic backlight off"});
     return;
   }
@@ -149,7 +149,7 @@ void judge_sum(const measurements& samples, const monitor& mon, std::vector<find
                 samples.name + ": " + place_text(samples, 0) + ": white's Y is " + short_number(white) +
                     " above the dark, red, green and blue together have " + short_number(sum) + ", " +
                     short_percent(sum / white - 1) +
-                    " off. The model adds the channels, so that its whites are not the display's",
+                    " off. The model adds the channels, so its whites will be off too",
                 "switch off dynamic backlight and picture modes that boost colours, and measure again"});
 }
 
@@ -162,21 +162,21 @@ std::vector<finding> judge_measurements(const measurements& samples, const monit
   for (std::size_t number = 0; number < ramp_count(samples.version); ++number) {
     const ramp_view ramp{samples, mon, number * n, full_drive};
     judge_ends(ramp, number, bottoms, tops);
-    if (number > 3) continue;  // of these ramps only the dark is used
+    if (number > 3) continue;  // only the dark of these ramps is used
     judge_rises(ramp, rises);
     judge_levels(ramp, levels);
   }
   std::vector<finding> found;
-  bottoms.tell(found, "ramp-not-to-zero", samples,
-               ". Its light is taken for the dark, so that dark grays will be wrong", "measure down to drive 0");
-  tops.tell(found, "ramp-below-full", samples,
-            ". What lies above is guessed, and its light counts as that of full drive",
-            "measure the ramps from full drive, or leave out samples at higher drives");
+  bottoms.report(found, "ramp-not-to-zero", samples, ". Its light counts as the dark, so dark grays will be wrong",
+                 "measure down to drive 0");
+  tops.report(found, "ramp-below-full", samples,
+              ". Its light counts as that of full drive, and colours above it are guesses",
+              "measure the ramps from full drive, or leave out samples at higher drives");
   judge_darks(samples, mon, found);
-  rises.tell(found, "luminance-rises", samples, ". The fitted curve cannot fall, so that it follows neither",
-             "look for exchanged samples or a display that was not warm or adapts itself, and measure again");
-  levels.tell(found, "luminance-level", samples, ". Drive values there cannot be told apart: the display clips",
-              "lower its contrast (or raise its brightness, if it happens in the dark) and measure again");
+  rises.report(found, "luminance-rises", samples, ". The fitted curve cannot fall, so it misses both",
+               "look for exchanged samples, or a display that was cold or adapts itself, and measure again");
+  levels.report(found, "luminance-level", samples, ". Drive values there cannot be told apart: the display clips",
+                "lower its contrast (in the dark: raise its brightness) and measure again");
   judge_sum(samples, mon, found);
   return found;
 }

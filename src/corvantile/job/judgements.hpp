@@ -1,6 +1,5 @@
 #pragma once
-// What is not to be trusted, told from what went into a job and from what came out of it. Each function looks at
-// finished records and changes nothing; thresholds stand, with their reasons, beside the code that uses them.
+// What not to trust in the inputs and the result of a job. The thresholds, with their reasons, are in the .cpp files.
 
 #include <optional>
 #include <vector>
@@ -14,28 +13,28 @@
 
 namespace corvantile {
 
-/// Measurements that contradict the model (judge_measurements.cpp): ramps that end short of zero or begin short of
-/// full drive, darks that differ, luminances that rise or stay level, channels that do not add up to the white. `mon`
-/// is the model fitted to `samples`.
+/// Measurements that contradict the model: ramps that end above zero or begin below full drive, darks that differ,
+/// luminances that rise towards the dark or stay level, channels that do not add up to the white. `mon` is the model
+/// fitted to `samples`.
 std::vector<finding> judge_measurements(const measurements& samples, const monitor& mon);
 
-/// Curves with more pieces than the levels carry, so that they swing between the readings (judge_fit.cpp). `mon` is a
-/// monitor as measured, without front end.
+/// Curves that swing between the readings, because they have more pieces than the levels support. `mon` has no front
+/// end.
 std::vector<finding> judge_fit(const monitor& mon);
 
-/// The largest `numsegs`, at most 256, with which the pieces of every curve over luminance are held by readings on
-/// both sides; 2, which is no `numsegs`, where the levels of `mon` carry none. Counts the readings' distances only:
-/// with little noise a few more pieces do no harm yet, and `judge_fit` is silent.
+/// The largest `numsegs`, at most 256, for which every piece of the curves over luminance has readings on both sides.
+/// 2, which is not a valid `numsegs`, if the levels of `mon` are too few for any. It looks only at the gaps between
+/// readings. If these have little noise, a few more pieces do no harm, and `judge_fit` says nothing.
 int largest_numsegs(const monitor& mon);
 
-/// All that can be said before anything is solved: both of them.
+/// Both of these: everything that can be said before solving.
 std::vector<finding> judge(const measurements& samples, const monitor& mon);
 
-/// The two-table solution (judge_tables.cpp): its white, its matrix, and the codes that it is written in.
+/// The two-table solution: its white, its matrix and its integer codes.
 std::vector<finding> judge_two_tables(const settings& set, const two_table_solution& two);
 
-/// The gray match on `display` (judge_grays.cpp): a table that was not filled, whites out of reach, a swath that
-/// costs light, grays that were not found. For the swath the top without one is searched.
+/// The gray match on `display`: a table that was not filled, whites out of reach, a swath that costs light, grays
+/// that were not found. For the swath it searches the top of the ramp once more, without one.
 std::vector<finding> judge_grays(const settings& set, const monitor& display, const gray_match& match);
 
 }  // namespace corvantile

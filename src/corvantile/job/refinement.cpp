@@ -15,11 +15,11 @@
 namespace corvantile {
 namespace {
 
-// How far a level's scatter is averaged: over a quarter of the ramp to either side. Less lets noise through, more
-// bends the ratios of a power limit straight.
+// Scatter is averaged over a quarter of the ramp on either side. Less lets noise through; more flattens the ratios of
+// a power limit.
 constexpr double reach = 0.25;
 constexpr std::size_t least_levels = 5;
-constexpr std::size_t points = 129;  // of the factors: between them a line is straight to 1e-5
+constexpr std::size_t points = 129;  // of the factors: enough for straight lines between them, to 1e-5
 
 void check_job(const settings& set) {
   if (!matches_gray(set.mode)) {
@@ -29,10 +29,10 @@ void check_job(const settings& set) {
         "again");
   }
   if (set.temp < 0 || (set.wptemp < 0 && set.hwid <= 0)) return;
-  throw failure(fault::inexpressible, "a job with wptemp or hwid is not refined; solve it without them");
+  throw failure(fault::inexpressible, "a job with wptemp or hwid cannot be refined; solve it without them");
 }
 
-// Whether there is light in X, Y and Z: near black, an instrument may see none.
+// Whether there is light in X, Y and Z. Near black, an instrument may see none.
 bool is_lit(const measured_gray& g) {
   return std::ranges::all_of(g.xyz.v, [](double v) { return v > 0 && std::isfinite(v); });
 }
@@ -40,17 +40,16 @@ bool is_lit(const measured_gray& g) {
 void check_grays(const measured_grays& grays) {
   const auto lit = static_cast<std::size_t>(std::ranges::count_if(grays.levels, is_lit));
   if (lit < least_levels) {
-    refuse_content(grays.name, "holds " + std::to_string(lit) +
-                                   " gray levels with light in X, Y and Z, expected at least " +
+    refuse_content(grays.name, std::to_string(lit) + " gray levels with light in X, Y and Z, expected at least " +
                                    std::to_string(least_levels));
   }
   if (grays.levels.back().drive != 1 || !is_lit(grays.levels.back()))
-    refuse_content(grays.name, "holds no full white");
+    refuse_content(grays.name, "white at full drive is missing");
 }
 
-// The share of its light that a channel at full drive loses to the others within white. Ramps that were derived from
-// the white one take that for the channel's own; what it shows alone stands among the extra samples then. Nothing for
-// ramps that were read one by one.
+// The share of its light that each channel at full drive loses if the others are on too. Ramps derived from white
+// have this loss in them, and the channel alone is among the extra samples. 0 for ramps that were measured
+// themselves.
 vec3 losses_within_white(const monitor& m) {
   constexpr double most = 0.4;
   vec3 loss;
@@ -66,14 +65,14 @@ vec3 losses_within_white(const monitor& m) {
   return loss;
 }
 
-// How much faster or slower a derived ramp rises than the channel itself, in logarithms. Of its light a, a gray of
-// that level leaves a (1 - loss a); the ramp says m = a (1 - loss a) / (1 - loss).
+// How much faster or slower a derived ramp rises than the channel itself, in logarithms. If the channel alone has the
+// light a, it has a (1 - loss a) in a gray, and the derived ramp has m = a (1 - loss a) / (1 - loss).
 double slope_of_derived(double loss, double m) {
   const double root = std::sqrt(std::max(0.01, 1 - 4 * loss * (1 - loss) * m));  // 1 - 2 loss a
   return 2 * root / (1 + root);
 }
 
-// The grays behind the tables of the first round: by the model, and as the display shows them.
+// The grays with the first tables loaded: by the model, and as the display shows them.
 class first_grays {
  public:
   first_grays(const correction& first, const std::vector<measured_gray>& grays)
@@ -92,9 +91,9 @@ class first_grays {
   }
   vec3 shown(double s) const { return elementwise_product(by_model(s), ratio(s)); }
 
-  // What the model is to be asked for, so that the display shows `wanted`, which is as bright as it is at `s`.
+  // What to ask of the model so that the display shows `wanted`, which is as bright as the gray at `s`.
   //
-  // A channel that changes while the others stay loses no more of itself to them. Derived ramps say that it does.
+  // If a channel changes and the others stay, its loss to them stays too. But derived ramps have a loss that changes.
   vec3 asked(const vec3& wanted, double s) const {
     const monitor& m = first_.measured;
     const vec3 old = m.XYZ2RGB * (by_model(s) - m.darklight);
@@ -129,7 +128,7 @@ class first_grays {
   double darkest_ = 0;
 };
 
-// The drive at which a rising luminance has the value `wanted`; 0 or 1 where it is out of reach.
+// The drive at which a rising luminance has the value `wanted`; 0 or 1 if it is out of reach.
 template <class Luminance>
 double drive_of(double wanted, const Luminance& luminance) {
   double low = 0;
@@ -143,14 +142,14 @@ double drive_of(double wanted, const Luminance& luminance) {
 
 struct white {
   vec3 base;         // wanted, at Y = 1
-  double model = 0;  // luminance that the model is asked for
-  double shown = 0;  // and that the display shows for it
-  double at = 1;     // where grays of the first round are as bright
+  double model = 0;  // luminance to ask of the model
+  double shown = 0;  // luminance that the display shows for it
+  double at = 1;     // drive at which a gray of the first round is as bright
 };
 
 white white_of(const correction& first, const settings& set, const first_grays& grays) {
   white w{.base = xy2xyz(white_of_grays(gray_ramp_of(set), first.display))};
-  // The colour moves the luminance, and the luminance the ratios, by ever less.
+  // The colour changes the luminance, and that the ratios, less in each round.
   for (int round = 0; round < 3; ++round) {
     const double shown = grays.shown(w.at)[1];
     const vec3 asked = grays.asked(shown * w.base, w.at);
@@ -173,7 +172,7 @@ refinement refine_grays(const correction& first, const settings& set, const meas
 
   const std::vector<double> drive = linspace(0.0, 1.0, points);
   const double promised = top.model / top.shown;
-  std::vector<vec3> factor(points, promised * vec3{{1, 1, 1}});  // at black: the dark, whatever is asked for
+  std::vector<vec3> factor(points, promised * vec3{{1, 1, 1}});  // black is the dark, whatever is asked for
   for (std::size_t i = 1; i < points; ++i) {
     const double share = dark_share(drive[i], set.alpha);
     const vec3 wanted = tone(drive[i]) * top.shown * top.base + share * dark;

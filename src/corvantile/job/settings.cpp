@@ -32,12 +32,12 @@ void require_finite(std::string_view name, double value) {
   require(std::isfinite(value), name, value, "must be a finite number");
 }
 
-// Twice the area of the triangle a, b, c, positive when it is run through counterclockwise.
+// Twice the area of the triangle a, b, c; positive if they are in counterclockwise order.
 double turn(const vec2& a, const vec2& b, const vec2& c) {
   return (b[0] - a[0]) * (c[1] - a[1]) - (b[1] - a[1]) * (c[0] - a[0]);
 }
 
-// The target's chromaticities must be those of a display: a triangle of primaries with the white inside.
+// The target must be possible for a display: a triangle of primaries with the white inside.
 void require_gamut(const chromaticity_table& target) {
   const auto& [red, green, blue, white] = target;
   const std::array in_order{white, red, green, blue};  // as settings list them
@@ -46,7 +46,7 @@ void require_gamut(const chromaticity_table& target) {
   given.erase(0, 1);
   for (const vec2& xy : in_order) {
     require(std::isfinite(xy[0]) && std::isfinite(xy[1]), "xytable", given, "must be finite numbers");
-    require(xy[1] != 0, "xytable", given, "a y of 0 is no chromaticity");
+    require(xy[1] != 0, "xytable", given, "a y of 0 is not valid");
   }
   const double area = turn(red, green, blue);
   constexpr double flat = 1e-9;  // well above rounding, well below any display's
@@ -59,7 +59,7 @@ void require_gamut(const chromaticity_table& target) {
 void require_gray_ramp(const settings& s) {
   require_finite("temp", s.temp);
   require_finite("alpha", s.alpha);
-  if (s.temp >= 0) {  // else these three are not looked at
+  if (s.temp >= 0) {  // else these are not used
     require_finite("wptemp", s.wptemp);
     require_finite("beta", s.beta);
     require_finite("hwid", s.hwid);
@@ -67,9 +67,9 @@ void require_gray_ramp(const settings& s) {
   if (!s.white) return;
   const auto& [x, y] = s.white->v;
   const std::string given = (free_format(x) + free_format(y)).substr(1);
-  require(s.temp < 0, "white", given, "goes without temp: one of the two tells the colour of the grays");
+  require(s.temp < 0, "white", given, "cannot be combined with temp: each sets the colour of the grays");
   require(std::isfinite(x) && std::isfinite(y) && x >= 0 && y > 0 && x + y <= 1, "white", given,
-          "no chromaticity x, y: x must not be below 0, y must be above 0, and x + y at most 1");
+          "x must be 0 or more, y above 0, and x + y at most 1");
 }
 
 }  // namespace
@@ -98,7 +98,7 @@ void check_settings(const settings& s, bool power_law) {
   require(s.tlen <= longest_table, "tlen", s.tlen, "must be 1048576 or less");
   require(s.nbits >= 0 && s.nbits <= 31, "nbits", s.nbits, "must be in 0..31");
   require(s.numsegs < 0 || s.numsegs > 2, "numsegs", s.numsegs, "must be 3 or more, or negative for the default");
-  // A fit's time and memory grow with the square of its pieces: minutes beyond this, and in the end all there is.
+  // Time and memory of a fit grow with the square of its pieces. Beyond this, it takes minutes.
   constexpr int most_pieces = 256;
   require(s.numsegs <= most_pieces, "numsegs", s.numsegs, "must be 256 or less");
   require_finite("minslope", s.minslope);

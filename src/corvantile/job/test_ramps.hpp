@@ -9,7 +9,7 @@ namespace corvantile {
 
 struct test_ramp {
   const char* name;
-  vec3 on;  ///< 1 for each channel that follows the ramp, 0 for the others
+  vec3 on;  ///< 1 for each channel that follows the ramp, else 0
 };
 
 inline constexpr std::array<test_ramp, 7> test_ramps{{{"gray", {{1, 1, 1}}},

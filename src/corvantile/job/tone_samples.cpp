@@ -17,7 +17,7 @@ void require_rise(const std::string& name, const std::vector<double>& p) {
   }
 }
 
-// p rises from 0 to 1 (neighbours a rounding error apart may meet); L runs from 0 to 1.
+// Afterwards p rises from 0 to 1 (rounding may make neighbours equal), and L runs from 0 to 1.
 void normalise(const std::string& name, std::vector<double>& p, std::vector<double>& L) {
   if (p.size() != L.size() || p.size() < 2) refuse_content(name, "a tone curve needs at least 2 points");
   for (std::size_t i = 0; i < p.size(); ++i) {
@@ -34,7 +34,7 @@ void normalise(const std::string& name, std::vector<double>& p, std::vector<doub
   for (double& v : L) v /= range;
   require_rise(name, p);
   p.front() = 0;
-  require_rise(name, p);  // no longer so where a drive value after the first is below 0
+  require_rise(name, p);  // fails now if the second drive value was not above 0
   const double full = p.back();
   for (double& v : p) v /= full;
 }

@@ -1,5 +1,5 @@
 #pragma once
-// A target tone curve given by samples instead of an exponent.
+// A target tone curve given as samples instead of an exponent.
 
 #include <string>
 #include <vector>
@@ -8,17 +8,17 @@
 
 namespace corvantile {
 
-/// Drive values and the luminances wanted there, two equal lengths of at least 2, each in any unit. Drive values
-/// rise; the last luminance differs from the first. The curve is shifted and scaled to run from (0, 0) to (1, 1); a
-/// first drive value other than 0 is taken as 0.
+/// Drive values and the luminances wanted there: equally many of both, at least 2, each in any unit. Drive values
+/// rise, and the last luminance differs from the first. The curve is shifted and scaled to run from (0, 0) to (1, 1).
+/// The first drive value always counts as 0.
 struct tone_samples {
   std::string name;  ///< of the file, for messages
   std::vector<double> drive;
   std::vector<double> luminance;
 };
 
-/// The target tone curve: a monotone smoothing with `numsegs` pieces of the normalised samples, at their own drive
-/// values. Throws `fault::content`, naming the point, where the samples give no curve.
+/// The target tone curve: the normalised samples after monotone smoothing with `numsegs` pieces, at their own drive
+/// values. Throws `fault::content`, naming the point, if the samples give no curve.
 lut tone_curve(const tone_samples& samples, int numsegs);
 
 }  // namespace corvantile
