@@ -4,7 +4,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 
-#include "corvantile/appraisal/job_findings.hpp"
+#include "corvantile/appraisal/job_figures.hpp"
 #include "tests/readings/charts.hpp"
 
 namespace corvantile {

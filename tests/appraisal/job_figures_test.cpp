@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "corvantile/appraisal/banding.hpp"
 #include "corvantile/appraisal/verification.hpp"
 #include "tests/appraisal/shown_display.hpp"
 

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
+#include <numeric>
+#include <utility>
 
 #include "corvantile/colour/chromaticity.hpp"
 #include "corvantile/job/judgements.hpp"
@@ -11,13 +14,16 @@
 namespace corvantile {
 namespace {
 
-// Rows of the samples with one drive: `drive` has 0 and 1 only.
+bool same(const vec3& a, const vec3& b) {
+  const vec3 off = a - b;
+  return std::ranges::all_of(off.v, [](double v) { return std::abs(v) <= same_drive; });
+}
+
+// The rows of the samples at `drive`, which consists of 0 and 1.
 std::vector<std::size_t> rows_at(const monitor& mon, const vec3& drive) {
   std::vector<std::size_t> rows;
   for (std::size_t i = 0; i < mon.rgb.rows(); ++i) {
-    const vec3 off = row3(mon.rgb, i) - drive;
-    const bool same = std::ranges::all_of(off.v, [](double v) { return std::abs(v) <= same_drive; });
-    if (same && std::isfinite(mon.xyz(i, 1))) rows.push_back(i);
+    if (same(row3(mon.rgb, i), drive) && std::isfinite(mon.xyz(i, 1))) rows.push_back(i);
   }
   return rows;
 }
@@ -28,8 +34,8 @@ double spread_of(const monitor& mon, const std::vector<std::size_t>& rows) {
   return (y(*high) - y(*low)) / mon.whitepoint[1];
 }
 
-// Channel c at full drive, less the dark. The top of a derived ramp is not measured; what was stands behind the
-// ramps.
+// Channel c at full drive, less the dark. The top of a derived ramp was not measured; what was measured comes after
+// the ramps.
 vec3 primary_of(const monitor& mon, std::size_t c, bool derived) {
   vec3 drive;
   drive[c] = 1;
@@ -38,7 +44,7 @@ vec3 primary_of(const monitor& mon, std::size_t c, bool derived) {
   return row3(mon.xyz, derived && !rows.empty() ? rows.back() : top) - mon.darklight;
 }
 
-// Of whatever was read at zero drive, and of the ramps' last rows, which count as the dark whatever their drive is.
+// The spread of all readings at zero drive, and of the last rows of the ramps: these count as dark at any drive.
 double dark_spread_of(const monitor& mon, std::size_t ramps, const provenance& known) {
   auto rows = rows_at(mon, {});
   for (std::size_t r = 1; r <= ramps; ++r) rows.push_back(r * static_cast<std::size_t>(mon.nramp) - 1);
@@ -51,6 +57,44 @@ std::optional<double> repeat_spread_of(const monitor& mon, const provenance& kno
   const auto whites = rows_at(mon, {{1, 1, 1}});
   if (whites.size() < 2) return std::nullopt;
   return spread_of(mon, whites);
+}
+
+// ---- Accuracy ----
+
+// The rows after the four ramps, except those at a drive of the first `measured_ramps` ramps.
+std::vector<std::size_t> unseen_rows(const monitor& mon, std::size_t measured_ramps) {
+  const auto n = static_cast<std::size_t>(mon.nramp);
+  std::vector<std::size_t> rows;
+  for (std::size_t i = 4 * n; i < mon.rgb.rows(); ++i) {
+    const vec3 drive = row3(mon.rgb, i), xyz = row3(mon.xyz, i);
+    if (!std::ranges::all_of(xyz.v, [](double v) { return std::isfinite(v); })) continue;
+    bool seen = false;
+    for (std::size_t k = 0; k < measured_ramps * n && !seen; ++k) seen = same(drive, row3(mon.rgb, k));
+    if (!seen) rows.push_back(i);
+  }
+  return rows;
+}
+
+std::vector<prediction> predict_rows(const monitor& mon, const std::vector<std::size_t>& rows) {
+  matrix samples(rows.size(), 6);
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    for (std::size_t c = 0; c < 3; ++c) {
+      samples(i, c) = mon.rgb(rows[i], c);
+      samples(i, 3 + c) = mon.xyz(rows[i], c);
+    }
+  }
+  return predict(mon, samples, mon.whitepoint);
+}
+
+accuracy_figures accuracy_of(const monitor& mon, bool derived) {
+  std::vector<prediction> unseen = predict_rows(mon, unseen_rows(mon, derived ? 1 : 4));
+  std::erase_if(unseen, [](const prediction& p) { return !std::isfinite(p.difference); });
+  std::vector<std::size_t> gray(static_cast<std::size_t>(mon.nramp));
+  std::iota(gray.begin(), gray.end(), 0);
+
+  const prediction_figures f = summarize(unseen);
+  std::ranges::sort(unseen, std::ranges::greater{}, &prediction::difference);
+  return {f.all, f.near_gray, summarize(predict_rows(mon, gray)).all, std::move(unseen)};
 }
 
 }  // namespace
@@ -73,7 +117,7 @@ quality check_measurements(const measurements& samples, const provenance& known)
   q.dark_spread = dark_spread_of(mon, ramp_count(samples.version), known);
   q.repeat_spread = repeat_spread_of(mon, known);
 
-  q.accuracy = accuracy_of(mon, samples);
+  q.accuracy = accuracy_of(mon, q.derived_ramps);
   q.noise = noise_of(mon, q.derived_ramps ? 1 : 4);
   q.wandering = wandering_of(mon);
   q.contrast = q.dark[1] > 0 ? q.white[1] / q.dark[1] : std::numeric_limits<double>::infinity();

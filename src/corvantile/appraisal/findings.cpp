@@ -1,214 +1,255 @@
-// What the figures of measurements mean, in words. One function a subject; each adds at most a few findings.
+// What figures mean, in words. One function for each subject; each adds a few findings at most.
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <fmt/format.h>
 #include <span>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "corvantile/appraisal/check.hpp"
-#include "corvantile/utils/text.hpp"
+#include "corvantile/appraisal/job_figures.hpp"
 
 namespace corvantile {
 namespace {
 
 using findings = std::vector<finding>;
 
-constexpr std::array ramp_names{"white", "red", "green", "blue"};
-
-severity graded(double figure, double warning_above, double error_above) {
+severity graded(double figure, double warning_above, double error_above = 1e9) {
   if (figure > error_above) return severity::error;
   return figure > warning_above ? severity::warning : severity::note;
 }
 
+// A note says what is good, and needs no action.
+void add(findings& out, const char* id, severity level, std::string message, std::string action) {
+  if (level == severity::note) action.clear();
+  out.push_back({id, level, std::move(message), std::move(action)});
+}
+
+void add_note(findings& out, const char* id, std::string message, std::string action = {}) {
+  out.push_back({id, severity::note, std::move(message), std::move(action)});
+}
+
+std::string percent(double fraction, int decimals) { return fmt::format("{:.{}f} %", 100 * fraction, decimals); }
+
 std::string figures_text(const difference_figures& f) {
-  return "mean " + decimal(f.mean, 2) + ", 95 % below " + decimal(f.p95, 2) + ", at most " + decimal(f.max, 2) +
-         " (" + std::to_string(f.n) + (f.n == 1 ? " patch)" : " patches)");
+  return fmt::format("mean {:.2f}, 95 % below {:.2f}, at most {:.2f} ({} {})", f.mean, f.p95, f.max, f.n,
+                     f.n == 1 ? "patch" : "patches");
 }
 
-std::string xy_text(const vec2& xy) { return decimal(xy[0], 4) + ", " + decimal(xy[1], 4); }
+std::string xy_text(const vec2& xy) { return fmt::format("{:.4f}, {:.4f}", xy[0], xy[1]); }
 
-std::string drive_text(const vec3& d) {
-  return percent(d[0], 1) + " / " + percent(d[1], 1) + " / " + percent(d[2], 1);
-}
+// ---- Measurements ----
 
 void judge_additivity(const quality& q, findings& out) {
+  constexpr const char* remeasure =
+      "turn off dynamic contrast, adaptive brightness, power saving and local dimming, and measure again";
   const double off = std::abs(q.additivity);
-  const std::string figure = "full red, green and blue together give " + percent(std::abs(q.additivity), 1) +
-                             (q.additivity < 0 ? " less" : " more") + " light than white";
-  // Derived ramps keep the grays right whatever the channels do; measured ones get them wrong by that much.
-  const severity level = graded(off, 0.05, q.derived_ramps ? 1e9 : 0.15);
+  const std::string figure = fmt::format("full red, green and blue together give {} {} light than white",
+                                         percent(off, 1), q.additivity < 0 ? "less" : "more");
+  // With derived ramps the grays are right anyway. With measured ones, this is their error.
+  const severity level = q.derived_ramps ? graded(off, 0.05) : graded(off, 0.05, 0.15);
   if (level == severity::note) {
-    out.push_back({"additivity", level, figure + ": the channels add up, as the model wants them to", ""});
+    add_note(out, "additivity", figure + ": the channels add up, as the model assumes");
   } else if (q.derived_ramps) {
-    out.push_back(
-        {"additivity", level,
-         figure + ": the display does not add up its channels. Grays are right, since the ramps were derived "
-                  "from them, but colours will be off",
-         "turn off dynamic contrast, adaptive brightness, power saving and local dimming, and measure again"});
+    add(out, "additivity", level,
+        figure +
+            ": the display's channels do not add up. Grays are right, because the ramps were derived from them, "
+            "but colours will be off",
+        remeasure);
   } else {
-    out.push_back(
-        {"additivity", level,
-         figure + ": the display does not add up its channels, and grays made from them will be off as much",
-         "turn off dynamic contrast, adaptive brightness, power saving and local dimming, and measure again; "
-         "or take derived ramps, which keep the grays right"});
+    add(out, "additivity", level,
+        figure + ": the display's channels do not add up, and grays made from them will be off as much",
+        fmt::format("{}; or take derived ramps, which keep the grays right", remeasure));
   }
 }
 
 void judge_repeats(const quality& q, findings& out) {
   if (q.repeat_spread) {
-    const severity level = graded(*q.repeat_spread, 0.02, 0.05);
-    out.push_back({"repeat-spread", level,
-                   "readings of one patch lie up to " + percent(*q.repeat_spread, 2) +
-                       " apart: no result can be more certain than that",
-                   level == severity::note ? ""
-                                           : "let the display warm up for half an hour, keep stray light and screen "
-                                             "savers away, and measure again"});
+    add(out, "repeat-spread", graded(*q.repeat_spread, 0.02, 0.05),
+        fmt::format("repeated readings of a patch differ by up to {}: no result can be more certain than that",
+                    percent(*q.repeat_spread, 2)),
+        "let the display warm up for half an hour, keep stray light and screen savers away, and measure again");
   }
   if (q.dark_spread > 0.001) {
-    out.push_back({"dark-spread", severity::warning,
-                   "readings at zero drive differ by " + percent(q.dark_spread, 2) +
-                       " of white: dark colours will be off, since all ramps begin there",
-                   "measure in a dark room, with the instrument flat on the screen"});
+    add(out, "dark-spread", severity::warning,
+        fmt::format("readings at zero drive differ by {} of white: dark colours will be off, because all ramps begin "
+                    "there",
+                    percent(q.dark_spread, 2)),
+        "measure in a dark room, with the instrument flat on the screen");
   }
   if (const auto& d = q.known.repeated.drift) {
-    const severity level = graded(std::abs(d->change), 0.01, 0.05);
-    out.push_back(
-        {"white-drift", level,
-         "white changed by " + percent(d->change, 2) + " from reading " + std::to_string(d->first) + " to " +
-             std::to_string(d->last) + " of " + std::to_string(d->of),
-         level == severity::note ? "" : "let the display warm up, turn off adaptive brightness, measure again"});
+    add(out, "white-drift", graded(std::abs(d->change), 0.01, 0.05),
+        fmt::format("white changed by {} from reading {} to {} of {}", percent(d->change, 2), d->first, d->last,
+                    d->of),
+        "let the display warm up, turn off adaptive brightness, measure again");
   }
 }
 
 void judge_accuracy(const quality& q, findings& out) {
   const accuracy_figures& a = q.accuracy;
-  const std::string remeasure =
-      "measure again with repeats; if it stays, the display does something that a model of "
-      "three independent channels cannot describe";
+  constexpr const char* remeasure =
+      "measure again with repeats; if it stays, a model of three independent channels cannot describe this display";
   if (a.unseen.n == 0) {
-    out.push_back(
-        {"no-unseen-patches", severity::note,
-         "nothing but the ramps was measured, so that nobody can tell how well the model predicts other colours",
-         "measure some mixtures and further grays too"});
+    add_note(out, "no-unseen-patches",
+             "only the ramps were measured, so nobody can tell how well the model predicts other colours",
+             "measure some mixtures and more grays too");
   } else {
-    const severity level = graded(a.unseen.mean, 3, 10);
-    out.push_back({"accuracy-unseen", level,
-                   "the model predicts patches that it has not seen with CIEDE2000 " + figures_text(a.unseen),
-                   level == severity::note ? "" : remeasure});
+    add(out, "accuracy-unseen", graded(a.unseen.mean, 3, 10),
+        "the model predicts patches that it was not fitted to with CIEDE2000 " + figures_text(a.unseen), remeasure);
   }
   if (a.near_gray.n > 0) {
-    const severity level = graded(a.near_gray.mean, 2, 6);
-    out.push_back({"accuracy-near-gray", level,
-                   "of these, near gray: CIEDE2000 " + figures_text(a.near_gray) + ", where the eye is most critical",
-                   level == severity::note ? "" : remeasure});
+    add(out, "accuracy-near-gray", graded(a.near_gray.mean, 2, 6),
+        fmt::format("of these, near gray, where the eye is most critical: CIEDE2000 {}", figures_text(a.near_gray)),
+        remeasure);
   }
-  const severity level = graded(a.white_ramp.mean, 3, 10);
-  out.push_back(
-      {"accuracy-white-ramp", level, "along the gray ramp: CIEDE2000 " + figures_text(a.white_ramp),
-       level == severity::note || q.derived_ramps ? "" : "try derived ramps, which are made from the grays"});
+  add(out, "accuracy-white-ramp", graded(a.white_ramp.mean, 3, 10),
+      "along the gray ramp: CIEDE2000 " + figures_text(a.white_ramp),
+      q.derived_ramps ? "" : "try derived ramps, which are made from the grays");
   if (a.patches.empty()) return;
-  std::string worst = "the worst predictions, by drive of red / green / blue: ";
+  std::string worst;
   for (const prediction& p : std::span(a.patches).first(std::min<std::size_t>(3, a.patches.size()))) {
-    worst += (&p == a.patches.data() ? "" : "; ") + drive_text(p.drive) + " with " + decimal(p.difference, 2);
+    worst += fmt::format("{}{} / {} / {} with {:.2f}", worst.empty() ? "" : "; ", percent(p.drive[0], 1),
+                         percent(p.drive[1], 1), percent(p.drive[2], 1), p.difference);
   }
-  out.push_back({"worst-patches", severity::note, worst, ""});
+  add_note(out, "worst-patches", "the worst predictions, by drive of red / green / blue: " + worst);
 }
 
 void judge_ramps(const quality& q, findings& out) {
-  const double noise = std::max({q.noise.dark, q.noise.middle, q.noise.bright});
-  const severity level = graded(noise, 0.5, 2);
-  out.push_back({"noise", level,
-                 "levels scatter about a smooth curve by " + decimal(q.noise.dark, 2) + " L* in the dark, " +
-                     decimal(q.noise.middle, 2) + " in the middle and " + decimal(q.noise.bright, 2) +
-                     " in the bright",
-                 level == severity::note ? "" : "measure with a longer integration time, or more than once"});
-
-  if (!q.derived_ramps) {  // derived ones have one chromaticity by construction
+  const auto& [dark, middle, bright] = q.noise;
+  add(out, "noise", graded(std::max({dark, middle, bright}), 0.5, 2),
+      fmt::format("levels scatter about a smooth curve by {:.2f} L* in the dark, {:.2f} in the middle and {:.2f} in "
+                  "the bright",
+                  dark, middle, bright),
+      "measure with a longer integration time, or more than once");
+  if (!q.derived_ramps) {  // derived ramps have one chromaticity by definition
+    constexpr std::array names{"white", "red", "green", "blue"};
     const auto farthest = static_cast<std::size_t>(
         std::ranges::max_element(q.wandering.begin() + 1, q.wandering.end()) - q.wandering.begin());
-    const severity wandering = graded(q.wandering[farthest], 0.05, 1e9);
-    out.push_back(
-        {"chromaticity-wander", wandering,
-         std::string("the channels keep their colour along their ramps within ") + decimal(q.wandering[farthest], 4) +
-             " in u'v', " + ramp_names[farthest] + " wanders most",
-         wandering == severity::note ? "" : "look for stray light, and for colour processing in the display"});
+    add(out, "chromaticity-wander", graded(q.wandering[farthest], 0.05),
+        fmt::format("the channels keep their colour along their ramps within {:.4f} in u'v', {} wanders most",
+                    q.wandering[farthest], names[farthest]),
+        "look for stray light, and for colour processing in the display");
   }
-  out.push_back(
-      {"gray-wander", severity::note,
-       "the colour of gray wanders by " + decimal(q.wandering[0], 4) + " in u'v' between white and 5 % of its light",
-       ""});
-
+  add_note(
+      out, "gray-wander",
+      fmt::format("the colour of gray wanders by {:.4f} in u'v' between white and 5 % of its light", q.wandering[0]));
   if (q.numsegs < 3) {
-    out.push_back({"numsegs", severity::warning, "the levels carry no fit: between them the curves are guesses",
-                   "measure more levels, 17 at least"});
+    add(out, "numsegs", severity::warning, "the levels are too few for a fit: between them the curves are guesses",
+        "measure at least 17 levels");
   } else {
-    out.push_back({"numsegs", severity::note,
-                   "the levels carry up to " + std::to_string(q.numsegs) + " pieces of a curve (numsegs)", ""});
+    add_note(out, "numsegs", fmt::format("the levels suffice for up to {} pieces of a curve (numsegs)", q.numsegs));
   }
 }
 
 void judge_dark(const quality& q, findings& out) {
   if (!(q.dark[1] > 0)) {
-    out.push_back({"zero-dark", severity::warning,
-                   "the dark reads " + (q.dark[1] == 0 ? std::string("exactly 0") : "below 0") +
-                       ": the file was processed (black point compensation), or the instrument does "
-                       "not see so little light; dark colours are not known",
-                   "use the readings as they were before any compensation"});
+    add(out, "zero-dark", severity::warning,
+        fmt::format(
+            "the dark reads {} 0: the file was processed (black point compensation), or the instrument cannot "
+            "see so little light; dark colours are not known",
+            q.dark[1] == 0 ? "exactly" : "below"),
+        "use the readings as they were before any compensation");
     return;
   }
-  const severity level = q.contrast < 100 ? severity::warning : severity::note;
-  out.push_back({"contrast", level,
-                 "contrast is " + decimal(q.contrast, 0) + " to 1 (white " + decimal(q.white[1], 2) + ", dark " +
-                     decimal(q.dark[1], 4) + ")",
-                 level == severity::note ? "" : "measure in a dark room: this looks like stray light"});
+  add(out, "contrast", q.contrast < 100 ? severity::warning : severity::note,
+      fmt::format("contrast is {:.0f} to 1 (white {:.2f}, dark {:.4f})", q.contrast, q.white[1], q.dark[1]),
+      "measure in a dark room: this looks like stray light");
 }
 
 void judge_primaries(const quality& q, findings& out) {
   const struct {
-    std::string_view id, what;
+    const char *id, *what;
     std::size_t channel, component;
   } rows[] = {{"red-without-z", "Z of red", 0, 2}, {"blue-without-x", "X of blue", 2, 0}};
   for (const auto& r : rows) {
-    const double share = q.primaries[r.channel][r.component] / q.white[r.component];
-    if (share > 1e-4) continue;
-    out.push_back({std::string(r.id), severity::warning,
-                   std::string(r.what) +
-                       " is not above that of the dark: its curve over luminance cannot be known, a straight line "
-                       "stands in for it",
-                   "check that the readings are X, Y, Z as measured, without black point compensation or rounding"});
+    if (q.primaries[r.channel][r.component] / q.white[r.component] > 1e-4) continue;
+    add(out, r.id, severity::warning,
+        fmt::format("{} is not above that of the dark: its curve over luminance is not known, and a straight line "
+                    "takes its place",
+                    r.what),
+        "check that the readings are X, Y, Z as measured, without black point compensation or rounding");
   }
 }
 
 void judge_source(const quality& q, findings& out) {
   if (q.known.calibration) {
-    out.push_back(
-        {"calibration-in-effect", severity::note,
-         "the display was measured through a video calibration: this is not its native response",
-         "keep that calibration loaded with what leaves it in force; what replaces it (profile with vcgt, .cal, "
-         "one-dimensional .cube) must contain it"});
+    add_note(out, "calibration-in-effect",
+             "the display was measured through a video calibration: this is not its native response",
+             "keep that calibration loaded with formats that leave it in force; those that replace it (profile with "
+             "vcgt, .cal, one-dimensional .cube) must contain it");
   }
-  for (const std::string& note : q.known.notes) out.push_back({"source", severity::note, note, ""});
+  for (const std::string& note : q.known.notes) add_note(out, "source", note);
   if (q.known.absolute == false) {
-    out.push_back(
-        {"relative-units", severity::note, "luminances are relative: how bright the display is, is not known", ""});
+    add_note(out, "relative-units", "luminances are relative: the brightness of the display is not known");
   }
 }
 
 void describe_display(const quality& q, findings& out) {
-  out.push_back({"native-white", severity::note,
-                 "white is at x, y = " + xy_text(q.white_xy) + ": " + decimal(q.white_cct, 0) + " K, " +
-                     decimal(q.white_from_d65, 4) + " from D65 in u'v'",
-                 ""});
-  std::string text = "the primaries cover ";
+  add_note(out, "native-white",
+           fmt::format("white is at x, y = {}: {:.0f} K, {:.4f} from D65 in u'v'", xy_text(q.white_xy), q.white_cct,
+                       q.white_from_d65));
+  std::string covered;
   for (const gamut_comparison& g : q.gamut) {
-    text += (&g == q.gamut.data() ? "" : ", ") + percent(g.coverage, 1) + " of " + std::string(g.name) + " (area " +
-            percent(g.area, 1) + ")";
+    covered += fmt::format("{}{} of {} (area {})", covered.empty() ? "" : ", ", percent(g.coverage, 1), g.name,
+                           percent(g.area, 1));
   }
-  out.push_back({"native-gamut", severity::note, text + ", in u'v'", ""});
+  add_note(out, "native-gamut", fmt::format("the primaries cover {}, in u'v'", covered));
+}
+
+// ---- Solved jobs ----
+
+// Distances in CIE 1976 u'v': what an observer notices side by side, and what nobody overlooks.
+constexpr double just_seen = 0.004, obvious = 0.02;
+
+void judge_light(const job_figures& f, findings& out) {
+  const double before = f.white_before.xyz[1], after = f.white_after.xyz[1], lost = 1 - after / before;
+  add(out, "luminance-loss", graded(lost, 0.5),
+      fmt::format("white loses {} of its luminance ({:.2f} to {:.2f})", percent(lost, 1), before, after),
+      "bring the display's own white nearer to the target with its controls, and measure again");
+}
+
+void judge_miss(findings& out, const char* id, const char* what, const vec2& asked, const vec2& shown) {
+  const double miss = uv1976_distance(asked, shown);
+  if (!(miss > just_seen)) return;
+  add(out, id, graded(miss, obvious),
+      fmt::format("{} ends at x, y = {} instead of {}, {:.4f} away in u'v'", what, xy_text(shown), xy_text(asked),
+                  miss),
+      "the display does not reach that far: choose a target within its gamut");
+}
+
+void judge_colours(const job_figures& f, findings& out) {
+  if (const auto& asked = f.gamut.asked) {
+    judge_miss(out, "primary-out-of-reach", "red", asked->red, f.gamut.after.red);
+    judge_miss(out, "primary-out-of-reach", "green", asked->green, f.gamut.after.green);
+    judge_miss(out, "primary-out-of-reach", "blue", asked->blue, f.gamut.after.blue);
+  }
+  judge_miss(out, "white-out-of-reach", "white", f.white_asked, f.white_after.xy);
+  const difference_summary& grays = f.gray.difference_after;
+  add(out, "gray-differences", graded(grays.mean, 3),
+      fmt::format("grays are predicted to be off their target by CIEDE2000 {:.2f} on average and {:.2f} at most",
+                  grays.mean, grays.max),
+      "look at the grays in the report before loading these tables");
+}
+
+void judge_settings(const settings& set, const job_figures& f, findings& out) {
+  if (!solves_two_tables(set.mode)) return;
+  if (matches_gray(set.mode) && set.temp < 0 && !set.white) {
+    const double apart = uv1976_distance(f.white_asked, set.xytable.white);
+    add(out, "own-white", graded(apart, just_seen),
+        fmt::format("temp is left at its default: grays take the display's own white, {:.4f} from the target's in "
+                    "u'v'",
+                    apart),
+        "set white to the target's x, y, or leave the grays alone (CV2)");
+  }
+  if (set.tlen <= 256) {
+    add_note(
+        out, "short-tables",
+        fmt::format("tables of {} rows have straight lines between them: dark colours there will be off", set.tlen),
+        "set tlen=4096 if the device can hold it");
+  }
 }
 
 }  // namespace
@@ -220,6 +261,15 @@ std::vector<finding> findings_of(const quality& q) {
     judge(q, out);
   }
   merge_findings(out, q.warnings);
+  return out;
+}
+
+std::vector<finding> job_findings(const correction& result, const settings& set, const job_figures& figures) {
+  findings out;
+  judge_light(figures, out);
+  judge_colours(figures, out);
+  judge_settings(set, figures, out);
+  merge_findings(out, result.warnings);
   return out;
 }
 

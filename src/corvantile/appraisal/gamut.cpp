@@ -6,10 +6,12 @@
 namespace corvantile {
 namespace {
 
-// Twice the signed area of the triangle a, b, c: above 0 where c lies to the left of the way from a to b.
+// Twice the signed area of the triangle a, b, c: above 0 if c is to the left of the line from a to b.
 double cross(const vec2& a, const vec2& b, const vec2& c) {
   return (b[0] - a[0]) * (c[1] - a[1]) - (b[1] - a[1]) * (c[0] - a[0]);
 }
+
+double area_of(const std::array<vec2, 3>& triangle) { return polygon_area({triangle.begin(), triangle.end()}); }
 
 }  // namespace
 
@@ -45,18 +47,17 @@ std::vector<vec2> clipped(std::vector<vec2> subject, const std::array<vec2, 3>& 
 }
 
 double coverage(const std::array<vec2, 3>& display, const std::array<vec2, 3>& wanted) {
-  const auto area = [](const std::array<vec2, 3>& t) { return polygon_area({t.begin(), t.end()}); };
-  const double share = polygon_area(clipped({wanted.begin(), wanted.end()}, display)) / area(wanted);
-  return std::isfinite(area(display)) && std::isfinite(share) ? share : std::nan("");
+  const double share = polygon_area(clipped({wanted.begin(), wanted.end()}, display)) / area_of(wanted);
+  return std::isfinite(area_of(display)) && std::isfinite(share) ? share : std::nan("");
 }
 
 std::array<gamut_comparison, 4> compare_gamut(const chromaticity_table& display) {
   const std::array<vec2, 3> own = primaries_in_uv1976(display);
   std::array<gamut_comparison, 4> all;
   for (std::size_t i = 0; i < all.size(); ++i) {
-    const std::array<vec2, 3> standard = primaries_in_uv1976(standard_gamuts[i].xy);
-    const double whole = polygon_area({standard.begin(), standard.end()});
-    all[i] = {standard_gamuts[i].name, polygon_area({own.begin(), own.end()}) / whole, coverage(own, standard)};
+    const auto& [name, xy] = standard_gamuts[i];
+    const std::array<vec2, 3> standard = primaries_in_uv1976(xy);
+    all[i] = {name, area_of(own) / area_of(standard), coverage(own, standard)};
   }
   return all;
 }

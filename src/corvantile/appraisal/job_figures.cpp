@@ -18,8 +18,7 @@ constexpr int ramp_step = 5;  // codes
 
 // ---- The gray axis ----
 
-// The slope of ln(Y - black) over ln(drive), across some hundredths of the drive so that single table rows do not
-// show.
+// The slope of ln(Y - black) over ln(drive), taken over some hundredths of the drive to hide single table rows.
 std::vector<double> local_gamma(const std::vector<double>& drive, const std::vector<double>& luminance) {
   constexpr double reach = 0.02;
   const std::size_t n = drive.size();
@@ -36,7 +35,7 @@ std::vector<double> local_gamma(const std::vector<double>& drive, const std::vec
   return gamma;
 }
 
-// Drives that 8 bits hold: all of the dark ones, then every other.
+// Drives of 8 bits: all of the dark ones, then every other.
 std::vector<double> gray_drives() {
   std::vector<double> d;
   for (int code = 0; code <= largest_code; code += code < 39 ? 1 : 2) d.push_back(code / 255.0);
@@ -50,7 +49,7 @@ gray_curve shown_grays(const scene& sc, const shown_by& show) {
   return gray_curve_of(sc, drive, xyz);
 }
 
-// The lowest and highest colour temperature within the tolerance about the white asked for.
+// The lowest and highest colour temperature within the tolerance around the white asked for.
 void temperature_band(gray_figures& g, const vec2& white) {
   const vec2 centre = xy2uv1976(white);
   g.cct_low = g.cct_high = xyz2cct(white);
@@ -88,8 +87,8 @@ gray_figures gray_axis(const scene& sc, const shown_by& scaled_before, const sho
 
 difference_summary corner_differences(const scene& sc, const shown_by& show) {
   difference_counter all;
-  for (std::size_t i = 1; i < test_ramps.size(); ++i)
-    all.add(sc.difference(test_ramps[i].on, show(test_ramps[i].on)), test_ramps[i].on);
+  for (const test_ramp& ramp : test_ramps)
+    if (!is_gray(ramp.on)) all.add(sc.difference(ramp.on, show(ramp.on)), ramp.on);
   return all.result();
 }
 
@@ -108,12 +107,6 @@ patch_figures judged(const scene& sc, const test_patch& p) {
   const vec3 u{{p.code[0] / 255.0, p.code[1] / 255.0, p.code[2] / 255.0}};
   const vec3 shown = sc.after(u);
   return {p.name, u, asked_drive(sc.asked, shown), sc.difference(u, sc.scaled_before(u)), sc.difference(u, shown)};
-}
-
-chromaticity_table corners_of(const shown_by& show) {
-  const vec3 dark = show(gray(0));
-  const auto primary = [&](std::size_t c) { return chromaticity(show(test_ramps[c + 1].on) - dark); };
-  return {.red = primary(0), .green = primary(1), .blue = primary(2), .white = chromaticity(show(gray(1)))};
 }
 
 gamut_figures gamut_of(const scene& sc) {
@@ -142,6 +135,43 @@ light_left light_of(const scene& sc) {
 }
 
 }  // namespace
+
+banding_figures banding(const shown_by& chain, int bits) {
+  const double top = std::ldexp(1.0, bits) - 1;
+  banding_figures b{bits, {}, {1, 1, 1}};
+  vec3 previous{{-1, -1, -1}}, run{{1, 1, 1}};
+  for (double i = 0; i <= top; ++i) {
+    const vec3 out = chain(gray(i / top));
+    for (std::size_t c = 0; c < 3; ++c) {
+      const double code = std::round(out[c] * top);
+      const bool lost = code == previous[c];
+      run[c] = lost ? run[c] + 1 : 1;
+      b.steps_lost[c] += lost ? 1 : 0;
+      b.longest_run[c] = std::max(b.longest_run[c], run[c]);
+      previous[c] = code;
+    }
+  }
+  return b;
+}
+
+clip_figures clipped_entries(const matrix& table, int bits) {
+  const double top = bits > 0 ? std::ldexp(1.0, bits) - 1 : 1;
+  clip_figures r;
+  for (std::size_t c = 0; c < std::min<std::size_t>(3, table.cols()); ++c) {
+    for (const double v : table.col(c)) {
+      const double code = bits > 0 ? std::round(v * top) : v;
+      if (code < 0) ++r.below[c];
+      if (code > top) ++r.above[c];
+    }
+  }
+  return r;
+}
+
+chromaticity_table corners_of(const shown_by& show) {
+  const vec3 dark = show(gray(0));
+  const auto primary = [&](std::size_t c) { return chromaticity(show(test_ramps[c + 1].on) - dark); };
+  return {.red = primary(0), .green = primary(1), .blue = primary(2), .white = chromaticity(show(gray(1)))};
+}
 
 white_figures white_figures_of(const vec3& xyz, const vec3& black, const vec2& asked) {
   const vec2 xy = chromaticity(xyz);

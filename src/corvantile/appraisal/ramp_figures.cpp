@@ -13,7 +13,7 @@ namespace {
 
 double lightness(double y) { return 116 * cuberoot(y) - 16; }
 
-// One ramp of the file, zero drive first: its drives and its lightness.
+// Drives and lightness of one ramp, zero drive first.
 struct lightness_ramp {
   std::vector<double> drive, L;
 };
@@ -29,8 +29,8 @@ lightness_ramp lightness_of(const monitor& mon, std::size_t ramp) {
   return r;
 }
 
-// What level i is off the cubic through its four neighbours, over the factor by which that magnifies equal noise of
-// all five.
+// The distance of level i from the cubic through its four neighbours, divided by the factor by which this magnifies
+// equal noise of all five.
 double residual(const lightness_ramp& r, std::size_t i) {
   const std::array<std::size_t, 4> near{i - 2, i - 1, i + 1, i + 2};
   double off = r.L[i], magnified = 1;

@@ -1,5 +1,5 @@
 #pragma once
-// What the figures of a correction are computed from: the display before and behind it, and the target.
+// What the figures of a correction are computed from: the display without and with it, and the target.
 //
 // Drives are 0 to 1, X, Y, Z in the unit of the measurements, chromaticities x, y unless a name says u'v'.
 
@@ -18,45 +18,43 @@
 
 namespace corvantile {
 
-/// A correction to be judged. The display is looked at during calls only and must outlive them.
+/// A correction to judge. It does not own the display.
 struct subject {
   const monitor& display;  ///< as measured, without a front end
-  device_tables tables;    ///< as the device holds them, real entries
+  device_tables tables;    ///< of the device, with real entries
   int bits = 0;            ///< of the written entries; 0: reals
 
   vec2 white;                          ///< asked for in the grays
-  std::optional<triangle> primaries;   ///< red, green, blue asked for; none: the display's own
+  std::optional<triangle> primaries;   ///< red, green, blue asked for; absent: the display's own
   std::function<double(double)> tone;  ///< the curve asked for, drive to 0..1, rising
 
-  /// The gray match blends the dark into its target below this drive (`alpha` in the settings). Without it, the
-  /// target has the dark throughout, as that of the two-table solution has.
+  /// The gray match blends the dark into its target below this drive (setting `alpha`). If absent, the whole target
+  /// includes the dark, as in the two-table solution.
   std::optional<double> dark_below{};
 
-  gray_factors factors{};  ///< what the wanted grays were multiplied by: see `expected`
-  double lumfrac = 1;      ///< the luminance asked for as a fraction of the brightest such white's
+  gray_factors factors{};  ///< the wanted grays were multiplied by these: see `expected`
+  double lumfrac = 1;      ///< the luminance asked for, as a fraction of the brightest possible
 };
 
-/// The same for a solved job, which must outlive it.
+/// A solved job as a subject. `result` must outlive it.
 subject subject_of(const correction& result, const settings& set);
 
-/// What a correction was asked for, as a display. Its channels add up, share one tone curve and reach `white` at full
-/// drive.
+/// The target as a display. Its channels add up, share one tone curve and reach `white` at full drive.
 struct asked_display {
-  mat3 primaries;                      ///< column c is X, Y, Z of channel c at full drive, the dark taken off
+  mat3 primaries;                      ///< column c is X, Y, Z of channel c at full drive, less the dark
   vec3 white;                          ///< X, Y, Z at full drive, dark included
   vec3 dark;                           ///< X, Y, Z at zero drive
   std::function<double(double)> tone;  ///< drive to linear value, 0 to 1
-  std::optional<double> dark_below;    ///< grays: the drive below which the dark is blended in; else all have it
+  std::optional<double> dark_below;    ///< grays have the dark blended in below this drive; absent: all have it
 };
 
-/// With primaries of these chromaticities, for a white of chromaticity `white` at luminance `luminance`, dark
-/// included.
+/// `luminance` is that of white, dark included.
 asked_display make_asked_display(const triangle& primaries, const vec2& white, double luminance, const vec3& dark,
                                  std::function<double(double)> tone);
 
 vec3 asked_xyz(const asked_display& a, const vec3& drive);
 
-/// The drive that asks for `xyz`, each channel within 0 to 1: bisection on the tone curve, which rises.
+/// The drive that asks for `xyz`, each channel limited to 0..1. Bisection on the tone curve, which rises.
 vec3 asked_drive(const asked_display& a, const vec3& xyz);
 
 /// Drive to X, Y, Z.
@@ -71,17 +69,17 @@ vec2 uv_of(const vec3& xyz);
 /// CIEDE2000 of two colours seen against `white`.
 double difference_of(const vec3& xyz1, const vec3& xyz2, const vec3& white);
 
-/// The states of one display, and what they are judged by. The subject that it is made from must outlive it.
+/// A subject with its display and target ready for use. The subject must outlive it.
 struct scene {
   const subject& of;
   prepared_monitor display;
   asked_display asked;
 
-  /// The device's drive for a drive before the tables.
+  /// Drive before the tables to the drive that the device sends.
   vec3 through(const vec3& u) const;
   vec3 before(const vec3& u) const { return display.inp2out(u[0], u[1], u[2]); }
   vec3 after(const vec3& u) const;
-  /// The colour before the correction, as if it were as bright as the target.
+  /// The colour before the correction, scaled to the brightness of the target.
   vec3 scaled_before(const vec3& u) const;
 
   /// CIEDE2000 of `xyz` from what is asked for at `drive`, seen against the white asked for.

@@ -1,5 +1,5 @@
 #pragma once
-// The 24 patches of the classic colour chart, by which displays and cameras are usually compared.
+// The 24 patches of the classic colour chart, which is used to compare displays and cameras.
 
 #include <array>
 

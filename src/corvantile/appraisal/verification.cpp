@@ -17,7 +17,7 @@ std::optional<vec3> reading_at(const std::vector<reading>& rows, const vec3& dri
   return r == rows.end() ? std::nullopt : std::optional(r->xyz);
 }
 
-// The readings, as bright as predicted at full white.
+// The readings, scaled so that full white is as bright as predicted.
 std::vector<reading> scaled(const scene& sc, std::vector<reading> rows) {
   double white = 0;
   for (const reading& r : rows) {
@@ -28,7 +28,7 @@ std::vector<reading> scaled(const scene& sc, std::vector<reading> rows) {
   return rows;
 }
 
-// The measured gray axis. Readings of one drive become their mean.
+// The measured gray axis, with the mean of the readings at each drive.
 gray_curve measured_grays(const scene& sc, const std::vector<reading>& rows) {
   std::vector<reading> grays;
   std::ranges::copy_if(rows, std::back_inserter(grays), [](const reading& r) { return is_gray(r.drive); });
@@ -44,22 +44,11 @@ gray_curve measured_grays(const scene& sc, const std::vector<reading>& rows) {
   return gray_curve_of(sc, drive, xyz);
 }
 
-chromaticity_table measured_corners(const std::vector<reading>& rows) {
-  constexpr vec2 none{{unknown, unknown}};
-  const vec3 dark = reading_at(rows, gray(0)).value_or(vec3{});
-  const auto primary = [&](std::size_t c) {
-    const auto xyz = reading_at(rows, test_ramps[c + 1].on);
-    return xyz ? chromaticity(*xyz - dark) : none;
-  };
-  const auto white = reading_at(rows, gray(1));
-  return {.red = primary(0), .green = primary(1), .blue = primary(2), .white = white ? chromaticity(*white) : none};
-}
-
-// Whether a patch lies on a ramp: it drives the ramp's channels alike, and no other.
+// Whether a patch is on a ramp: it drives the ramp's channels equally, and no other.
 bool lies_on(const vec3& u, const test_ramp& ramp) { return level(u) > 0 && u == level(u) * ramp.on; }
 
-// The mean difference of the readings from what `show` predicts, both as bright as `white`: only their colours tell
-// one prediction from another.
+// The mean difference of the readings from what `show` predicts, scaled to the brightness of `white`: predictions
+// differ only in colour.
 double mean_from(const std::vector<reading>& rows, const vec3& white, const shown_by& show) {
   const double factor = white[1] / show(gray(1))[1];
   difference_counter all;
@@ -67,7 +56,7 @@ double mean_from(const std::vector<reading>& rows, const vec3& white, const show
   return all.result().mean;
 }
 
-// The same readings for an eye that has adapted from their white to `white`: X, Y and Z each in proportion.
+// The readings adapted from their white to `white`: X, Y and Z each in proportion.
 std::vector<reading> adapted(std::vector<reading> rows, const vec3& white) {
   const vec3 from = reading_at(rows, gray(1)).value_or(white);
   for (reading& r : rows) {
@@ -76,7 +65,7 @@ std::vector<reading> adapted(std::vector<reading> rows, const vec3& white) {
   return rows;
 }
 
-// The display without tables: the reading of the first measurement if there is one, because a model may be wrong.
+// The display without tables: from the first measurement if it has this drive, because the model may be wrong.
 vec3 read_before(const scene& sc, const vec3& u) {
   constexpr double same = 1e-3;  // of full drive
   const monitor& m = sc.of.display;
@@ -97,8 +86,8 @@ load_distances distances_of(const scene& sc, const std::vector<reading>& rows) {
 }
 
 load_state state_of(const load_distances& d) {
-  constexpr double alike = 1.5;  // a difference that model and instrument may well leave
-  constexpr double good = 3;     // a display and an instrument repeat themselves better than that
+  constexpr double alike = 1.5;  // the usual error of model and instrument
+  constexpr double good = 3;     // displays and instruments repeat better than this
   const auto likely = [&](double other) { return other < d.once && (other <= good || 2 * other < d.once); };
   if (d.once <= good && d.once <= d.none && d.once <= d.twice) return load_state::once;
   if (d.once <= alike && d.none < d.once && d.none <= d.twice) return load_state::too_mild;
@@ -109,8 +98,7 @@ load_state state_of(const load_distances& d) {
   return load_state::unclear;
 }
 
-// Whether two luminances of white are in the same unit, as far as that can be told if the files do not say: near each
-// other, and not the 100 that stands for white in relative readings.
+// Whether two luminances of white seem to be in the same unit: near each other, and not the 100 of relative readings.
 bool in_one_unit(double a, double b) {
   const auto is_relative = [](double white) { return std::abs(white - 100) < 0.5; };
   return a < 2 * b && b < 2 * a && !is_relative(a) && !is_relative(b);
@@ -153,7 +141,8 @@ verification verify(const subject& s, const readings& after, const provenance& f
   v.distances = distances_of(sc, read);
   v.loaded = state_of(v.distances);
   v.gray = measured_grays(sc, read);
-  v.corners = measured_corners(read);
+  v.corners =
+      corners_of([&](const vec3& u) { return reading_at(read, u).value_or(u == gray(0) ? vec3{} : gray(unknown)); });
   v.white_change = white_change(sc, after, first);
   v.calibration_appeared = after.calibration && !first.calibration;
   v.calibration_vanished = !after.calibration && first.calibration;

@@ -1,5 +1,5 @@
 #pragma once
-// What was read behind the loaded tables, against the target and against the prediction. Units as in job_figures.hpp.
+// Readings with the tables loaded, compared with the target and with the prediction. Units as in job_figures.hpp.
 
 #include <array>
 #include <optional>
@@ -21,24 +21,24 @@ struct verified_patch {
 /// How the tables seem to have been loaded during the second measurement.
 enum class load_state {
   once,
-  too_mild,       ///< the tables change so little that nobody can tell
-  another_white,  ///< once, but the white is not the predicted one
+  too_mild,       ///< once or not: the tables change too little to tell
+  another_white,  ///< once, but with another white than predicted
   none,
   twice,
   unclear
 };
 
-/// Mean differences of the readings from what is predicted for the ways in which the tables may have been loaded.
+/// Mean differences of the readings from the prediction for each way in which the tables may have been loaded.
 struct load_distances {
   double once = unknown, none = unknown, twice = unknown, other_white = unknown;
 };
 
-/// The readings of one test ramp: the differences from the target.
+/// Differences from the target along one test ramp.
 struct verified_ramp {
   std::vector<double> drive, difference;
 };
 
-/// X, Y, Z are scaled so that the brightest full white is as bright as predicted.
+/// Readings are scaled so that the brightest full white is as bright as predicted.
 struct verification {
   load_state loaded = load_state::unclear;
   load_distances distances;
@@ -46,18 +46,18 @@ struct verification {
   difference_summary from_prediction;  ///< of all patches
   white_figures white;                 ///< as it was read, not scaled
   gray_curve gray;
-  chromaticity_table corners;  ///< primaries less the dark, and white; not a number if not read
+  chromaticity_table corners;  ///< primaries less the dark, and white; NaN if not read
   std::array<verified_ramp, test_ramps.size()> ramps;
   std::vector<verified_patch> patches;
 
   /// Luminance of white over the predicted one, less 1; absent if the two measurements are in different units.
   std::optional<double> white_change;
   bool calibration_appeared = false;  ///< a video calibration was in effect now, but not in the first measurement
-  bool calibration_vanished = false;  ///< and the other way round
+  bool calibration_vanished = false;  ///< the other way round
 };
 
-/// Compares `after`, read behind the loaded correction, with what is predicted for the tables loaded once, twice and
-/// not at all. `first` tells of the measurement that the correction was made from.
+/// Judges `after`, which was read with the tables loaded: once, twice, or by mistake not at all. `first` is what is
+/// known about the measurement that the correction was made from.
 verification verify(const subject& s, const readings& after, const provenance& first = {});
 
 }  // namespace corvantile

@@ -3,7 +3,6 @@
 #include <iostream>
 #include <utility>
 
-#include "corvantile/appraisal/job_findings.hpp"
 #include "corvantile/documents/point_files.hpp"
 #include "corvantile/kit/files.hpp"
 

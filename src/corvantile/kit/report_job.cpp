@@ -4,7 +4,6 @@
 #include <nlohmann/json.hpp>
 
 #include "corvantile/appraisal/gamut.hpp"
-#include "corvantile/appraisal/job_findings.hpp"
 #include "corvantile/formats/writers/text_form.hpp"
 #include "corvantile/kit/terminal.hpp"
 #include "corvantile/utils/version.hpp"
