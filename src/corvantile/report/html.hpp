@@ -1,7 +1,7 @@
 #pragma once
-// Pieces of HTML that the sections of the page are put together from.
+// Pieces of HTML for the sections of the page.
 //
-// Arguments called `markup` go into the page as they are; everything else is text and gets escaped.
+// Arguments called `markup` go into the page as they are; all other text is escaped.
 
 #include <initializer_list>
 #include <string>
@@ -10,13 +10,13 @@
 
 namespace corvantile::html {
 
-/// Text as it may stand between tags and in quoted attributes.
+/// Escapes text for use between tags and in quoted attributes.
 std::string text(std::string_view utf8);
 
-/// A number with exactly `decimals` digits after the point; a dash when it is not finite.
+/// A number with exactly `decimals` digits after the point; a dash if it is not finite.
 std::string fixed(double v, int decimals);
 
-/// The share `v` in percent, with its sign.
+/// The fraction `v` in percent, with a percent sign.
 std::string percent(double v, int decimals = 0);
 
 std::string joined(std::initializer_list<std::string_view> markup);
@@ -28,19 +28,19 @@ struct column {
 };
 using row = std::vector<std::string>;
 
-/// A table with a caption. Caption, heads and cells are markup; the first column names its row.
+/// A table with a caption. Caption, heads and cells are markup; the first cell of a row is its heading.
 std::string table(std::string_view caption_markup, const std::vector<column>& columns, const std::vector<row>& markup,
                   std::string_view style = {});
 
-/// A picture with words beneath it.
+/// A picture with a caption below.
 std::string figure(std::string_view markup_of_picture, std::string_view markup_of_caption);
-/// Figures side by side where the page is wide enough.
+/// Figures side by side, if the page is wide enough.
 std::string figures(std::initializer_list<std::string_view> markup, std::string_view style = {});
 
-/// A table that is shown in a box of its own, with its own scrolling, on screens.
+/// A long table, which on screens scrolls in a box of its own.
 std::string tall(std::string_view name, std::string_view markup_of_table);
 
-/// A section with its heading and what it is about.
+/// A section with its heading and, in `lead`, what it is about.
 std::string section(std::string_view id, std::string_view heading, std::string_view lead_markup,
                     std::string_view body_markup);
 

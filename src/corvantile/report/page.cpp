@@ -8,7 +8,6 @@
 namespace corvantile {
 namespace {
 
-// The page around its title, its styles and its sections.
 constexpr std::string_view opening = R"(<!DOCTYPE html>
 <html lang="en">
 <head>

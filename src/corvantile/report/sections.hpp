@@ -1,6 +1,5 @@
 #pragma once
-// The sections of the page, in its order. Each gives the markup of one `section` element; its pictures can be had by
-// themselves.
+// The sections of the page, in order: the markup of one `section` element each. Their plots are also available alone.
 
 #include <string>
 #include <string_view>
@@ -29,7 +28,7 @@ plots difference_plots(const report_data& data);
 plots table_plots(const report_data& data);
 plots trust_plots(const report_data& data);
 
-/// The style sheet of the page, and what of it a picture needs outside a page.
+/// The style sheet of the page, and the part of it that pictures need, on the page or alone.
 std::string_view page_style();
 std::string_view picture_style();
 

@@ -1,5 +1,5 @@
 #pragma once
-// What the plots of several sections share: the names and classes of the display's states, and drives in percent.
+// What plots of several sections share: names for the states of the display, and drives in percent.
 
 #include <algorithm>
 #include <string>
@@ -19,7 +19,7 @@ inline std::vector<double> in_percent(std::vector<double> drive) {
   return drive;
 }
 
-/// Those of `values` whose drive is within [low, high].
+/// The values at drives within [low, high].
 inline std::vector<double> within(const std::vector<double>& drive, const std::vector<double>& values, double low,
                                   double high = 1) {
   std::vector<double> kept;

@@ -1,6 +1,6 @@
-// How the page looks: light, dark and on paper, on a telephone and on a wide screen. One accent colour, for what the
-// correction does; the display before it is dotted, the target dashed, and readings are open marks, so that nothing
-// is told by colour alone.
+// The look of the page: light, dark and on paper, on telephones and on wide screens. There is one accent colour, for
+// the result of the correction. The display before it is dotted, the target dashed, and readings are open marks, so
+// that nothing depends on colour alone.
 
 #include "corvantile/report/sections.hpp"
 

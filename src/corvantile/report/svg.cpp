@@ -3,12 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <fmt/format.h>
 #include <optional>
 
 namespace corvantile::svg {
 namespace {
 
-constexpr double letter = 6.1;       // mean width of a character at the size of ticks and legend, rather too wide
+constexpr double letter = 6.1;       // mean width of a character in ticks and legend, a little too wide
 constexpr double legend_row = 17;    // height of a line of the legend
 constexpr double sample_width = 24;  // of a legend entry's line
 
@@ -16,7 +17,7 @@ struct spot {
   double x, y;
 };
 
-// The rectangle within the axes, and where data lie in it.
+// The rectangle inside the axes, and the place of data in it.
 struct frame {
   axis x, y;
   double left, top, width, height;
@@ -27,7 +28,7 @@ struct frame {
     return {left + width * share_of(x, vx), bottom() - height * share_of(y, vy)};
   }
   bool holds(double vx, double vy) const {
-    return vx >= x.from && vx <= x.to && vy >= y.from && vy <= y.to;  // false for what is not a number
+    return vx >= x.from && vx <= x.to && vy >= y.from && vy <= y.to;  // false for NaN
   }
 };
 
@@ -49,39 +50,26 @@ bool cut_at(const frame& f, spot& p, spot& q) {
   return true;
 }
 
-std::string attribute(std::string_view name, double v) { return std::string(name) + "=\"" + number(v) + '"'; }
-
-void append(std::string& out, std::initializer_list<std::string_view> parts) {
-  for (const std::string_view p : parts) out += p;
-}
-
 std::string text_at(spot p, std::string_view style, anchor a, std::string_view text) {
-  constexpr std::array<std::string_view, 3> names{"start", "middle", "end"};
-  std::string out;
-  append(out, {"<text ", attribute("x", p.x), " ", attribute("y", p.y), " class=\"", style, "\" text-anchor=\"",
-               names[static_cast<std::size_t>(a)], "\">", escape(text), "</text>"});
-  return out;
+  constexpr std::array names{"start", "middle", "end"};
+  return fmt::format(R"(<text x="{}" y="{}" class="{}" text-anchor="{}">{}</text>)", number(p.x), number(p.y), style,
+                     names[static_cast<std::size_t>(a)], escape(text));
 }
 
 std::string line_between(spot p, spot q, std::string_view style) {
-  std::string out;
-  append(out, {"<line ", attribute("x1", p.x), " ", attribute("y1", p.y), " ", attribute("x2", q.x), " ",
-               attribute("y2", q.y), " class=\"", style, "\"/>"});
-  return out;
+  return fmt::format(R"(<line x1="{}" y1="{}" x2="{}" y2="{}" class="{}"/>)", number(p.x), number(p.y), number(q.x),
+                     number(q.y), style);
 }
 
 std::string path(std::string_view d, std::string_view style) {
-  if (d.empty()) return {};
-  std::string out;
-  append(out, {"<path d=\"", d, "\" class=\"", style, "\"/>"});
-  return out;
+  return d.empty() ? "" : fmt::format(R"(<path d="{}" class="{}"/>)", d, style);
 }
 
-void move_or_line(std::string& d, char command, spot p) {
-  append(d, {std::string_view(&command, 1), number(p.x), " ", number(p.y)});
-}
+// One step of a path: to `p`, with or without a line.
+std::string move_to(spot p) { return fmt::format("M{} {}", number(p.x), number(p.y)); }
+std::string line_to(spot p) { return fmt::format("L{} {}", number(p.x), number(p.y)); }
 
-// Lines from sample to sample. Each part that was cut off begins a stroke of its own.
+// Lines from sample to sample. After each cut, a new stroke begins.
 std::string stroke(const frame& f, const std::vector<double>& x, const std::vector<double>& y, bool closed) {
   std::string d;
   const std::size_t n = std::min(x.size(), y.size());
@@ -98,8 +86,8 @@ std::string stroke(const frame& f, const std::vector<double>& x, const std::vect
       pen.reset();
       continue;
     }
-    if (!pen || pen->x != p.x || pen->y != p.y) move_or_line(d, 'M', p);
-    move_or_line(d, 'L', q);
+    if (!pen || pen->x != p.x || pen->y != p.y) d += move_to(p);
+    d += line_to(q);
     pen = q.x == whole.x && q.y == whole.y ? std::optional(q) : std::nullopt;
   }
   return d;
@@ -108,7 +96,10 @@ std::string stroke(const frame& f, const std::vector<double>& x, const std::vect
 std::string shape_at(marker shape, spot p, std::string_view style) {
   const auto polygon = [&](std::initializer_list<spot> corners) {
     std::string d;
-    for (const spot& c : corners) move_or_line(d, d.empty() ? 'M' : 'L', {p.x + c.x, p.y + c.y});
+    for (const spot& c : corners) {
+      const spot at{p.x + c.x, p.y + c.y};
+      d += d.empty() ? move_to(at) : line_to(at);
+    }
     return path(d + 'Z', style);
   };
   switch (shape) {
@@ -124,19 +115,15 @@ std::string shape_at(marker shape, spot p, std::string_view style) {
     case marker::circle:
       break;
   }
-  std::string out;
-  append(out, {"<circle ", attribute("cx", p.x), " ", attribute("cy", p.y), R"( r="3.2" class=")", style, "\"/>"});
-  return out;
+  return fmt::format(R"(<circle cx="{}" cy="{}" r="3.2" class="{}"/>)", number(p.x), number(p.y), style);
 }
 
 std::string rectangle(spot corner, double width, double height, std::string_view style) {
-  std::string out;
-  append(out, {"<rect ", attribute("x", corner.x), " ", attribute("y", corner.y), " ", attribute("width", width), " ",
-               attribute("height", height), " class=\"", style, "\"/>"});
-  return out;
+  return fmt::format(R"(<rect x="{}" y="{}" width="{}" height="{}" class="{}"/>)", number(corner.x), number(corner.y),
+                     number(width), number(height), style);
 }
 
-// ---- One overload a mark ----
+// ---- One overload for each mark ----
 
 std::string drawn(const polyline& m, const frame& f) {
   return path(stroke(f, m.x, m.y, m.closed), "line " + m.style);
@@ -149,10 +136,8 @@ std::string drawn(const band& m, const frame& f) {
     if (!has_place(f.x, m.x[i]) || m.x[i] < f.x.from || m.x[i] > f.x.to) continue;
     if (!has_place(f.y, m.low[i]) || !has_place(f.y, m.high[i])) continue;
     const auto y = [&](double v) { return f.at(m.x[i], std::clamp(v, f.y.from, f.y.to)); };
-    move_or_line(there, there.empty() ? 'M' : 'L', y(m.high[i]));
-    std::string step;
-    move_or_line(step, 'L', y(m.low[i]));
-    back.insert(0, step);
+    there += there.empty() ? move_to(y(m.high[i])) : line_to(y(m.high[i]));
+    back.insert(0, line_to(y(m.low[i])));
   }
   return there.empty() ? std::string() : path(there + back + 'Z', m.style);
 }
@@ -185,11 +170,9 @@ std::string drawn(const arrow& m, const frame& f) {
   const spot u{(tip.x - tail.x) / length, (tip.y - tail.y) / length};
   const double head = std::min(7.0, length);
   const spot neck{tip.x - head * u.x, tip.y - head * u.y};
-  std::string d;
-  move_or_line(d, 'M', tip);
-  move_or_line(d, 'L', {neck.x - 0.4 * head * u.y, neck.y + 0.4 * head * u.x});
-  move_or_line(d, 'L', {neck.x + 0.4 * head * u.y, neck.y - 0.4 * head * u.x});
-  return line_between(tail, neck, "line " + m.style) + path(d + 'Z', "head " + m.style);
+  const std::string triangle = move_to(tip) + line_to({neck.x - 0.4 * head * u.y, neck.y + 0.4 * head * u.x}) +
+                               line_to({neck.x + 0.4 * head * u.y, neck.y - 0.4 * head * u.x});
+  return line_between(tail, neck, "line " + m.style) + path(triangle + 'Z', "head " + m.style);
 }
 
 std::string drawn(const note& m, const frame& f) {
@@ -198,7 +181,7 @@ std::string drawn(const note& m, const frame& f) {
   return text_at({p.x + m.dx, p.y + m.dy}, m.style, m.anchor, m.text);
 }
 
-// ---- Labels at the ends of lines, moved apart where they would overlap ----
+// ---- Labels at the ends of lines, moved apart if they would overlap ----
 
 struct end_label {
   spot at;
@@ -210,8 +193,8 @@ std::vector<end_label> end_labels(const plot& p, const frame& f) {
   for (const mark& m : p.marks) {
     const auto* line = std::get_if<polyline>(&m);
     if (line == nullptr || line->end_label.empty() || line->x.empty() || line->y.empty()) continue;
-    const double x = line->x[std::min(line->x.size(), line->y.size()) - 1];
-    const double y = line->y[std::min(line->x.size(), line->y.size()) - 1];
+    const std::size_t last = std::min(line->x.size(), line->y.size()) - 1;
+    const double x = line->x[last], y = line->y[last];
     if (!has_place(f.x, x) || !has_place(f.y, y)) continue;
     spot s = f.at(std::clamp(x, f.x.from, f.x.to), std::clamp(y, f.y.from, f.y.to));
     labels.push_back({{s.x + 4, s.y + 4}, line});
@@ -229,23 +212,13 @@ std::vector<end_label> end_labels(const plot& p, const frame& f) {
 
 // ---- The legend: samples of the marks that have a label, in rows ----
 
-struct entry {
-  const mark* of;
-  std::string label;
-};
-
-std::vector<entry> entries(const plot& p) {
-  std::vector<entry> e;
-  for (const mark& m : p.marks) {
-    std::visit(
-        [&](const auto& v) {
-          if constexpr (requires { v.label; }) {
-            if (!v.label.empty()) e.push_back({&m, v.label});
-          }
-        },
-        m);
-  }
-  return e;
+std::string label_of(const mark& m) {
+  return std::visit(
+      [](const auto& v) -> std::string {
+        if constexpr (requires { v.label; }) return v.label;
+        return {};
+      },
+      m);
 }
 
 std::string sample(const mark& m, spot p) {
@@ -261,17 +234,18 @@ std::string sample(const mark& m, spot p) {
 
 double text_width(std::string_view s) { return letter * static_cast<double>(s.size()); }
 
-// Draws the legend from the upper left corner on, and tells its height.
+// Draws the legend from the upper left corner on, and sets `height` to its height.
 std::string legend(const plot& p, double left, double& height) {
   std::string out;
   double x = left;
   double row = 0;
-  for (const entry& e : entries(p)) {
-    const double width = sample_width + 6 + text_width(e.label) + 10;
+  for (const mark& m : p.marks) {
+    const std::string label = label_of(m);
+    if (label.empty()) continue;
+    const double width = sample_width + 6 + text_width(label) + 10;
     if (x > left && x + width > p.width) x = left, ++row;
     const double y = 9 + row * legend_row;
-    out += sample(*e.of, {x, y});
-    out += text_at({x + sample_width + 6, y + 4}, "legend", anchor::start, e.label);
+    out += sample(m, {x, y}) + text_at({x + sample_width + 6, y + 4}, "legend", anchor::start, label);
     x += width;
   }
   height = out.empty() ? 0 : (row + 1) * legend_row + 4;
@@ -328,10 +302,10 @@ static std::string drawn_plot(const plot& p, std::string_view attributes, std::s
   if (p.equal_units) f.height = f.width * (y.to - y.from) / (x.to - x.from);
   const double height = f.bottom() + (p.x.label.empty() ? 22 : 38);
 
-  std::string out;
-  append(out, {"<svg ", attributes, "id=\"", escape(p.id), "\" viewBox=\"0 0 ", number(p.width), " ", number(height),
-               R"(" role="img">)", style, "<title>", escape(p.title), "</title><desc>", escape(p.description),
-               "</desc>", key, grid(p, f, xs, ys)});
+  std::string out =
+      fmt::format(R"(<svg {}id="{}" viewBox="0 0 {} {}" role="img">{}<title>{}</title><desc>{}</desc>)", attributes,
+                  escape(p.id), number(p.width), number(height), style, escape(p.title), escape(p.description));
+  out += key + grid(p, f, xs, ys);
   for (const mark& m : p.marks) out += std::visit([&](const auto& v) { return drawn(v, f); }, m);
   for (const end_label& l : end_labels(p, f)) {
     out += text_at(l.at, "end " + l.line->style, anchor::start, l.line->end_label);
@@ -342,9 +316,7 @@ static std::string drawn_plot(const plot& p, std::string_view attributes, std::s
 std::string draw(const plot& p) { return drawn_plot(p, "", ""); }
 
 std::string draw_alone(const plot& p, std::string_view style_sheet) {
-  std::string style;
-  append(style, {"<style>", style_sheet, "</style>"});
-  return drawn_plot(p, "xmlns=\"http://www.w3.org/2000/svg\" ", style);
+  return drawn_plot(p, "xmlns=\"http://www.w3.org/2000/svg\" ", fmt::format("<style>{}</style>", style_sheet));
 }
 
 }  // namespace corvantile::svg

@@ -1,7 +1,6 @@
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
+#include <fmt/format.h>
 #include <utility>
 
 #include "corvantile/report/svg.hpp"
@@ -21,12 +20,9 @@ double step_of(const axis& a, int about) {
 
 int decimals_of(double step) { return std::max(0, static_cast<int>(std::ceil(-std::log10(step) - 1e-9))); }
 
-// A tick's number: plain, or with an exponent where that would be long.
+// Long numbers get an exponent.
 std::string tick_label(double v, int decimals) {
-  if (std::abs(v) < 1e7 && decimals <= 6) return number(v, decimals);
-  std::array<char, 32> buf;
-  char* const end = std::to_chars(buf.data(), buf.data() + buf.size(), v, std::chars_format::general, 3).ptr;
-  return {buf.data(), end};
+  return std::abs(v) < 1e7 && decimals <= 6 ? number(v, decimals) : fmt::format("{:.3g}", v);
 }
 
 std::vector<tick> linear_ticks(const axis& a, int about) {

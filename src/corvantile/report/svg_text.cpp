@@ -1,17 +1,16 @@
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <fmt/format.h>
 #include <optional>
 
 #include "corvantile/report/svg.hpp"
-#include "corvantile/utils/text.hpp"
 
 namespace corvantile::svg {
 namespace {
 
-// The code point that begins at `i`, which moves behind it; nothing for bytes that are not UTF-8.
+// Takes the code point at `i`, and moves `i` past it; std::nullopt for bytes that are not UTF-8.
 std::optional<std::uint32_t> take_code_point(std::string_view s, std::size_t& i) {
   const auto byte = [&](std::size_t k) { return static_cast<std::uint32_t>(static_cast<unsigned char>(s[k])); };
   const std::uint32_t lead = byte(i++);
@@ -30,9 +29,21 @@ std::optional<std::uint32_t> take_code_point(std::string_view s, std::size_t& i)
   return code;
 }
 
-std::string hexadecimal(std::uint32_t code) {
-  std::array<char, 8> buf;
-  return {buf.data(), std::to_chars(buf.data(), buf.data() + buf.size(), code, 16).ptr};
+std::string_view entity(char c) {
+  switch (c) {
+    case '&':
+      return "&amp;";
+    case '<':
+      return "&lt;";
+    case '>':
+      return "&gt;";
+    case '"':
+      return "&quot;";
+    case '\'':
+      return "&#39;";
+    default:
+      return {};
+  }
 }
 
 }  // namespace
@@ -42,28 +53,14 @@ std::string escape(std::string_view utf8) {
   for (std::size_t i = 0; i < utf8.size();) {
     const char c = utf8[i];
     if (static_cast<unsigned char>(c) >= 0x80) {
-      out += "&#x" + hexadecimal(take_code_point(utf8, i).value_or(0xFFFD)) + ";";
+      out += fmt::format("&#x{:x};", take_code_point(utf8, i).value_or(0xFFFD));
       continue;
     }
     ++i;
-    switch (c) {
-      case '&':
-        out += "&amp;";
-        break;
-      case '<':
-        out += "&lt;";
-        break;
-      case '>':
-        out += "&gt;";
-        break;
-      case '"':
-        out += "&quot;";
-        break;
-      case '\'':
-        out += "&#39;";
-        break;
-      default:
-        out += static_cast<unsigned char>(c) < 0x20 || c == 0x7F ? ' ' : c;
+    if (const std::string_view e = entity(c); !e.empty()) {
+      out += e;
+    } else {
+      out += static_cast<unsigned char>(c) < 0x20 || c == 0x7F ? ' ' : c;
     }
   }
   return out;
@@ -71,7 +68,7 @@ std::string escape(std::string_view utf8) {
 
 std::string number(double v, int decimals) {
   if (!std::isfinite(v)) return "-";
-  std::string s = decimal(v, decimals);
+  std::string s = fmt::format("{:.{}f}", v, decimals);
   if (s.find('.') != std::string::npos) {
     s.erase(s.find_last_not_of('0') + 1);
     if (s.ends_with('.')) s.pop_back();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <fmt/format.h>
 
 #include "corvantile/appraisal/gamut.hpp"
 #include "corvantile/report/svg.hpp"
@@ -20,16 +21,17 @@ std::string moved_primaries(const gamut_figures& g) {
   for (std::size_t c = 0; c < 3; ++c) {
     const double d = length(asked[c] - shown[c]);
     if (!(d >= moved_visibly)) continue;
-    moved += (moved.empty() ? "" : ", ") + std::string(channel_names[c]) + " by " + svg::number(d, 3);
+    moved += fmt::format("{}{} by {}", moved.empty() ? "" : ", ", channel_names[c], svg::number(d, 3));
   }
-  return moved.empty() ? "All three primaries are reached." : "Out of reach and moved in u'v': " + moved + ".";
+  return moved.empty() ? "All three primaries are reached."
+                       : fmt::format("Out of reach and moved in u'v': {}.", moved);
 }
 
-// Small differences without digits that nobody sees.
+// No digits for differences that nobody sees.
 std::string difference_text(double d) { return d < 0.05 ? "less than 0.1" : svg::number(d); }
 
 const char* words_for(const verification& v) {
-  constexpr double alike = 1.5;  // a difference that model and instrument may well leave
+  constexpr double alike = 1.5;  // the usual error of model and instrument
   switch (v.loaded) {
     case load_state::once:
       if (v.distances.once > alike) {
@@ -57,10 +59,10 @@ const char* words_for(const verification& v) {
 }
 
 std::string figures_of(const load_distances& d) {
-  const auto figure = [](double v) { return svg::number(v, 2); };
-  return "Mean difference of the readings from the prediction for the tables loaded once " + figure(d.once) +
-         ", not at all " + figure(d.none) + ", twice " + figure(d.twice) + ", once with the white as it was read " +
-         figure(d.other_white) + ".";
+  return fmt::format(
+      "Mean difference of the readings from the prediction for the tables loaded once {}, not at all {}, twice {}, "
+      "once with the white as it was read {}.",
+      svg::number(d.once, 2), svg::number(d.none, 2), svg::number(d.twice, 2), svg::number(d.other_white, 2));
 }
 
 }  // namespace
@@ -69,8 +71,8 @@ std::string patch_name(const vec3& drive) {
   const auto full = std::ranges::find(test_ramps, drive, &test_ramp::on);
   if (full != test_ramps.end() && !is_gray(drive)) return full->name;
   const auto in_percent = [](double v) { return svg::number(100 * v); };
-  if (is_gray(drive)) return "drive " + in_percent(drive[0]) + "\u00a0%";
-  return in_percent(drive[0]) + ", " + in_percent(drive[1]) + ", " + in_percent(drive[2]) + "\u00a0%";
+  if (is_gray(drive)) return fmt::format("drive {}\u00a0%", in_percent(drive[0]));
+  return fmt::format("{}, {}, {}\u00a0%", in_percent(drive[0]), in_percent(drive[1]), in_percent(drive[2]));
 }
 
 const char* how_close(const difference_summary& gray) {
@@ -81,15 +83,17 @@ const char* how_close(const difference_summary& gray) {
 
 std::string verdict_of(const job_figures& f) {
   const difference_summary &before = f.gray.difference_before, &after = f.gray.difference_after;
-  return std::string("Grays should follow the target ") + how_close(after) + ", with a mean difference of " +
-         difference_text(after.mean) + " where it was " + difference_text(before.mean) + ", at " +
-         svg::number(100 * f.white_after.xyz[1] / f.white_before.xyz[1], 0) + "\u00a0% of the luminance. " +
-         moved_primaries(f.gamut);
+  return fmt::format(
+      "Grays should follow the target {}, with a mean difference of {} where it was {}, at {}\u00a0% of the "
+      "luminance. "
+      "{}",
+      how_close(after), difference_text(after.mean), difference_text(before.mean),
+      svg::number(100 * f.white_after.xyz[1] / f.white_before.xyz[1], 0), moved_primaries(f.gamut));
 }
 
 std::string verdict_of(const verification& v) {
-  return std::string("Measured, the grays follow the target ") + how_close(v.grays) + ": mean difference " +
-         svg::number(v.grays.mean, 2) + ", largest " + svg::number(v.grays.max, 2) + ".";
+  return fmt::format("Measured, the grays follow the target {}: mean difference {}, largest {}.", how_close(v.grays),
+                     svg::number(v.grays.mean, 2), svg::number(v.grays.max, 2));
 }
 
 std::vector<std::string> diagnosis_of(const verification& v) {
@@ -106,11 +110,11 @@ std::vector<std::string> diagnosis_of(const verification& v) {
         "calibration in force need it loaded.");
   }
   if (v.white_change && std::abs(*v.white_change) > steady) {
-    paragraphs.push_back("White is " + percent(std::abs(*v.white_change), 0) +
-                         (*v.white_change < 0 ? " darker" : " brighter") +
-                         " than predicted. The display has drifted since the first measurement (warm-up, its "
-                         "brightness setting, ambient light sensor), or it dims bright pictures: the other figures "
-                         "here leave that out.");
+    paragraphs.push_back(fmt::format(
+        "White is {:.0f} % {} than predicted. The display has drifted since the first measurement (warm-up, its "
+        "brightness setting, ambient light sensor), or it dims bright pictures: the other figures here leave that "
+        "out.",
+        100 * std::abs(*v.white_change), *v.white_change < 0 ? "darker" : "brighter"));
   }
   return paragraphs;
 }

@@ -1,5 +1,5 @@
 #pragma once
-// Sentences about a correction, for the page and for the terminal.
+// Sentences about a correction, for the page and the terminal.
 
 #include <string>
 #include <vector>
@@ -9,20 +9,19 @@
 
 namespace corvantile {
 
-/// A patch by its drive: "drive 50 %", "cyan" for a mixture at full drive, else "25, 50, 75 %".
+/// The name of a patch: "drive 50 %" for a gray, "cyan" for a mixture at full drive, else "25, 50, 75 %".
 std::string patch_name(const vec3& drive);
 
-/// How closely grays of such differences follow their target, as an adverb.
+/// How grays with such differences follow their target: "very closely", ...
 const char* how_close(const difference_summary& gray);
 
-/// What the page begins with: grays, luminance, primaries.
+/// The verdict at the top of the page: grays, luminance, primaries.
 std::string verdict_of(const job_figures& f);
 
-/// What a verification says about the grays, as a sentence.
+/// The verdict of a verification, about the grays.
 std::string verdict_of(const verification& v);
 
-/// How the tables were loaded, with the figures that say so, and what else the two measurements tell; a paragraph
-/// each.
+/// Paragraphs about how the tables were loaded, the figures behind that, and what else the two measurements show.
 std::vector<std::string> diagnosis_of(const verification& v);
 
 }  // namespace corvantile
