@@ -1,4 +1,4 @@
-// corvantile-kit check: whether measurements can be trusted, and what a job would do with them.
+// corvantile-kit check: whether measurements can be trusted, and what a job would make of them.
 
 #include "corvantile/appraisal/check.hpp"
 
@@ -53,8 +53,8 @@ std::string text_of(const quality& q, const std::vector<finding>& findings) {
     text += fmt::format("{}: {}\n", name_of(f.level), f.id) + wrapped(f.message, 4);
     if (!f.action.empty()) text += wrapped("-> " + f.action, 4);
   }
-  text += fmt::format("\nwhite         x {:.4f}, y {:.4f}, {:.0f} K, {:.4f} u'v' from D65\n", q.white_xy[0],
-                      q.white_xy[1], q.white_cct, q.white_from_d65);
+  text += fmt::format("\nwhite         {}, {:.0f} K, {:.4f} u'v' from D65\n", in_words(q.white_xy), q.white_cct,
+                      q.white_from_d65);
   text += fmt::format("luminance     {:.1f}, contrast ", q.white[1]) +
           (std::isfinite(q.contrast) ? fmt::format("{:.0f} : 1\n", q.contrast) : "unknown (dark of 0)\n");
   text += "model against samples, CIEDE2000\n";

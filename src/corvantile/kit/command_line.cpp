@@ -1,9 +1,8 @@
 // Every option of every verb, on one page.
 
-#include "corvantile/kit/command_line.hpp"
-
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <fmt/format.h>
 #include <functional>
 #include <initializer_list>
 #include <map>
@@ -19,24 +18,27 @@
 namespace corvantile::kit {
 namespace {
 
-// Help that fits a terminal of 80 columns: texts wrap beside the names of options and verbs.
+// Wraps the texts beside the names of options and verbs, so that help fits a terminal of 80 columns.
 class help_layout : public CLI::Formatter {
  public:
   std::string make_option_desc(const CLI::Option* option) const override {
-    std::string text = wrapped(CLI::Formatter::make_option_desc(option), 0, 80 - get_column_width());
-    text.pop_back();  // the last line's end
-    return text;
+    return in_right_column(CLI::Formatter::make_option_desc(option));
   }
   std::string make_subcommand(const CLI::App* verb) const override {
-    std::string text = wrapped(verb->get_description(), 0, 80 - get_column_width());
-    text.pop_back();
     std::ostringstream line;
-    CLI::detail::format_help(line, verb->get_name(), text, get_column_width());
+    CLI::detail::format_help(line, verb->get_name(), in_right_column(verb->get_description()), get_column_width());
     return line.str();
+  }
+
+ private:
+  std::string in_right_column(const std::string& text) const {
+    std::string lines = wrapped(text, 0, 80 - get_column_width());
+    lines.pop_back();  // the last line end
+    return lines;
   }
 };
 
-// One of a few words, which the option's own text lists.
+// One of these words. The option's own text lists them.
 CLI::Validator one_of(std::vector<std::string> words) { return CLI::IsMember(std::move(words)).description(""); }
 
 // The same for an option that is an enumeration.
@@ -77,7 +79,7 @@ void add_common(CLI::App& verb, common_options& o, const std::string& output) {
 // Where output goes without -o.
 enum class usual_output { stream, file };
 
-// For verbs whose output is not a record: it and the record can't both go to standard output.
+// Not both the record and other output can go to standard output.
 void require_room_for_json(const common_options& o, usual_output usual) {
   const bool streams = o.output == "-" || (o.output.empty() && usual == usual_output::stream);
   if (o.json && streams)
@@ -167,23 +169,13 @@ void add_solve(CLI::App& verb, solve_options& o) {
   verb.footer("Example:\n  corvantile-kit solve settings.txt -o my-display");
 }
 
-std::vector<std::string> format_names() {
-  std::vector<std::string> names;
-  for (const export_format& f : export_formats()) names.emplace_back(f.name);
-  return names;
-}
-
 std::string format_list() {
   std::string list = "Formats:\n";
-  for (const export_format& f : export_formats()) {
-    std::string line = std::string("  ") + f.name;
-    line.resize(15, ' ');
-    list += line + f.what + '\n';
-  }
+  for (const export_format& f : export_formats()) list += fmt::format("  {:<13}{}\n", f.name, f.what);
   return list;
 }
 
-// Options that a format would ignore.
+// Refuses options that the format would ignore.
 void require_options_of_format(const export_verb_options& o) {
   const auto only_for = [&](const char* option, bool given, std::initializer_list<const char*> formats) {
     if (!given || std::ranges::any_of(formats, [&](const char* f) { return o.how.format == f; })) return;

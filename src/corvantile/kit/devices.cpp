@@ -8,12 +8,6 @@
 namespace corvantile::kit {
 namespace {
 
-std::vector<std::string> every_format() {
-  std::vector<std::string> names;
-  for (const export_format& f : export_formats()) names.emplace_back(f.name);
-  return names;
-}
-
 constexpr const char* memories = "Take {0}/hex, mif or coe for the memories, or {0}/c/correction_tables.h.";
 constexpr const char* player = "Load it: mpv --lut={0}/correction-3d.cube FILM  (or the player's 3D LUT setting)";
 
@@ -56,8 +50,8 @@ std::span<const device_facts> devices() {
        .advice_two = memories},
       {.id = device::all,
        .name = "all",
-       .one_table = every_format(),
-       .two_tables = every_format(),
+       .one_table = format_names(),
+       .two_tables = format_names(),
        .advice_one =
            "Load from {0}/: correction.icc in a desktop's colour settings, mpv --lut={0}/correction-3d.cube "
            "FILM; corvantile-kit export --help lists what else takes which.",

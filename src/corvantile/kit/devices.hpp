@@ -1,5 +1,5 @@
 #pragma once
-// The devices that a correction can be made for: what each loads, and how.
+// The devices for which corrections are made: what each can load, and how.
 
 #include <span>
 #include <string>
@@ -14,13 +14,13 @@ enum class device { linux_desktop, x11, windows, video, fpga, all };
 
 struct device_facts {
   device id;
-  const char* name;                     ///< as the command line has it
+  const char* name;                     ///< on the command line
   std::vector<std::string> one_table;   ///< formats for a gray correction, the best first
-  std::vector<std::string> two_tables;  ///< and for one with a matrix
-  /// Where to load what, as one line; `{}` stands for the folder of the exports.
+  std::vector<std::string> two_tables;  ///< formats for a correction with a matrix, the best first
+  /// One line about what to load where; `{0}` is the folder of the exports.
   const char *advice_one, *advice_two;
-  match_mode two_table_mode = match_mode::cv2_1;  ///< what a target with primaries is solved as
-  bool srgb_curve = false;                        ///< two tables: it has the sRGB curve built in
+  match_mode two_table_mode = match_mode::cv2_1;  ///< the mode for a target with primaries
+  bool srgb_curve = false;                        ///< in that mode, the device applies the sRGB curve itself
 };
 
 /// Every device, `all` last.
@@ -30,7 +30,7 @@ const device_facts& facts_of(device d);
 /// The formats for a device, the best first.
 const std::vector<std::string>& formats_for(device d, match_mode mode);
 
-/// One line: which file to load, with the command or menu for it.
+/// One line: which file to load, and with what command or menu.
 std::string loading_advice(const std::string& folder, device d, match_mode mode);
 
 }  // namespace corvantile::kit

@@ -1,6 +1,7 @@
 #include "corvantile/kit/exports.hpp"
 
 #include <algorithm>
+#include <fmt/format.h>
 
 #include "corvantile/formats/calibration.hpp"
 #include "corvantile/formats/writers/baked.hpp"
@@ -26,7 +27,7 @@ namespace {
 constexpr std::size_t usual_grid = 33;
 constexpr int rows_to_bake_from = 4096;
 
-// What a writer gets.
+// The input of a writer.
 struct export_subject {
   const job& of;
   const export_options& o;
@@ -42,7 +43,7 @@ struct export_subject {
     if (compose) t.post = compose_calibration(*compose, std::move(t.post));
     return t;
   }
-  /// Fine enough for a grid, which has few points at the dark end.
+  /// Fine tables for a 3D grid, which has few points at the dark end.
   device_tables to_bake() const {
     if (of.set().tlen >= rows_to_bake_from) return tables();
     settings finer = of.set();
@@ -144,7 +145,7 @@ const std::vector<entry>& entries() {
   return all;
 }
 
-// What to compose with, and how the file is to speak of it.
+// What to compose with, and what the file says about the calibration.
 std::pair<std::optional<calibration_curves>, calibration_use> calibration_of(const export_format& format,
                                                                              const provenance& known,
                                                                              const std::string& asked) {
@@ -164,6 +165,12 @@ std::string words_about(calibration_use use, const export_format& format) {
              : "The display as measured: keep the calibration loaded that was in effect.";
 }
 
+const entry& entry_named(const std::string& name) {
+  const auto found = std::ranges::find_if(entries(), [&](const entry& e) { return name == e.format.name; });
+  if (found == entries().end()) throw failure(fault::setting, "no such format: " + name);
+  return *found;
+}
+
 std::string title_of(const provenance& known, const export_options& o) {
   if (!o.title.empty()) return o.title;
   if (!known.display.empty()) return known.display + ", corrected";
@@ -181,25 +188,26 @@ const std::vector<export_format>& export_formats() {
   return formats;
 }
 
-const export_format& format_named(const std::string& name) {
-  for (const export_format& f : export_formats())
-    if (name == f.name) return f;
-  throw failure(fault::setting, "no such format: " + name);
+std::vector<std::string> format_names() {
+  std::vector<std::string> names;
+  for (const export_format& f : export_formats()) names.emplace_back(f.name);
+  return names;
 }
 
+const export_format& format_named(const std::string& name) { return entry_named(name).format; }
+
 exported export_job(const job& j, const export_options& o) {
-  const provenance& known = j.file.known;
-  const auto found = std::ranges::find_if(entries(), [&](const entry& e) { return o.format == e.format.name; });
-  if (found == entries().end()) throw failure(fault::setting, "no such format: " + o.format);
-  const auto [compose, use] = calibration_of(found->format, known, o.calibration);
+  const auto& [format, write] = entry_named(o.format);
+  const auto [compose, use] = calibration_of(format, j.file.known, o.calibration);
+  const std::string words = words_about(use, format);
   const description about{
-      .title = title_of(known, o),
-      .comments = {"Made by corvantile-kit " CORVANTILE_VERSION ", mode " + std::string(name_of(j.set().mode)),
-                   words_about(use, found->format)},
+      .title = title_of(j.file.known, o),
+      .comments = {fmt::format("Made by corvantile-kit {}, mode {}", CORVANTILE_VERSION, name_of(j.set().mode)),
+                   words},
       .created = now()};
-  exported made = found->write(found->format, {j, o, about, compose});
+  exported made = write(format, {j, o, about, compose});
   made.calibration = use;
-  made.calibration_words = words_about(use, found->format);
+  made.calibration_words = words;
   return made;
 }
 

@@ -1,5 +1,5 @@
 #pragma once
-// A solved job in the formats that devices and programs load.
+// Solved jobs in the formats of devices and programs.
 
 #include <cstddef>
 #include <optional>
@@ -14,25 +14,24 @@ namespace corvantile::kit {
 
 struct export_options {
   std::string format;
-  std::string title;                   ///< empty: the display's name as far as it is known
-  std::optional<std::size_t> size;     ///< of a 3D table's side; absent: 33
-  std::optional<std::size_t> entries;  ///< of a resampled table; absent: the format's usual length
+  std::string title;                   ///< empty: from the display's name, if known
+  std::optional<std::size_t> size;     ///< points along a side of a 3D table; absent: 33
+  std::optional<std::size_t> entries;  ///< of a resampled table; absent: the usual number of the format
   memory_options memory;               ///< words of hex, mif, coe and c
   bool wide = false;                   ///< kms: the 32-bit form
-  /// The calibration to compose with, if the format replaces one: empty for the one that was in effect while
-  /// measuring, "none", or the name of a .cal file.
+  /// The calibration to compose with, if the format replaces it: "none", the name of a .cal file, or empty for the
+  /// calibration that was in effect while measuring.
   std::string calibration;
 };
 
-/// What an export gives: one file, or several that belong together in a folder.
+/// One file, or several for a folder.
 struct exported {
   std::vector<file_content> files;
   calibration_use calibration = calibration_use::none;
-  std::string calibration_words = {};  ///< the sentence about it, as the files have it
+  std::string calibration_words = {};  ///< the sentence about it in the files
   std::size_t clamped = 0;             ///< entries that did not fit their integers
 };
 
-/// A format of the table below.
 struct export_format {
   const char* name;
   const char* what;        ///< one line for people
@@ -41,13 +40,14 @@ struct export_format {
   bool replaces_calibration;
 };
 
-/// Every format, in the order in which help lists them.
+/// Every format, in the order of the help text, and their names.
 const std::vector<export_format>& export_formats();
+std::vector<std::string> format_names();
 
-/// Throws `fault::setting` for any other name.
+/// Throws `fault::setting` if there is no such format.
 const export_format& format_named(const std::string& name);
 
-/// The job in a format. Throws `fault::inexpressible`, with what to do instead, if the format cannot hold it.
+/// Writes the job in a format. Throws `fault::inexpressible`, with what to do instead, if the format cannot hold it.
 exported export_job(const job& j, const export_options& o);
 
 }  // namespace corvantile::kit

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fmt/format.h>
 #include <iostream>
 #include <string>
 #include <system_error>
@@ -35,7 +36,8 @@ class new_folders {
     names_.insert(names_.end(), missing.rbegin(), missing.rend());
     fs::create_directories(name, failed);
     if (!failed) return;
-    throw failure(fault::unwritable, "Cannot make the folder " + printable(name.string()) + ": " + failed.message());
+    throw failure(fault::unwritable,
+                  fmt::format("Cannot make the folder {}: {}", printable(name.string()), failed.message()));
   }
   void keep() { names_.clear(); }
 
@@ -43,7 +45,7 @@ class new_folders {
   std::vector<fs::path> names_;
 };
 
-// Standard input can be read once; several may ask for it.
+// Reads standard input once, and keeps it.
 const std::string& standard_input() {
   static const std::string text = [] {
     constexpr std::size_t most = std::size_t{1} << 30U;
@@ -53,7 +55,7 @@ const std::string& standard_input() {
       all.resize(std::max<std::size_t>(2 * all.size(), 65536));
       std::cin.read(all.data() + used, static_cast<std::streamsize>(all.size() - used));
       used += static_cast<std::size_t>(std::cin.gcount());
-      if (used > most) refuse_content("standard input", "more than " + std::to_string(most) + " bytes");
+      if (used > most) refuse_content("standard input", fmt::format("more than {} bytes", most));
     } while (std::cin);
     all.resize(used);
     return all;
@@ -61,7 +63,7 @@ const std::string& standard_input() {
   return text;
 }
 
-// Writing to these loses nothing.
+// Writing to one of these destroys nothing.
 bool is_stream(const std::string& name) {
   std::error_code none;
   const fs::file_status at = fs::status(name, none);
@@ -105,11 +107,7 @@ void write_folder(const std::string& folder, std::vector<text_file> files) {
 }
 
 std::string checksum(std::string_view text) {
-  constexpr std::string_view digits = "0123456789abcdef";
-  const XXH64_hash_t hash = XXH3_64bits(text.data(), text.size());
-  std::string sum = "xxh3:";
-  for (int shift = 60; shift >= 0; shift -= 4) sum += digits[(hash >> static_cast<unsigned>(shift)) & 0xfU];
-  return sum;
+  return fmt::format("xxh3:{:016x}", XXH3_64bits(text.data(), text.size()));
 }
 
 }  // namespace corvantile::kit

@@ -1,5 +1,5 @@
 #pragma once
-// Files and standard streams, as the verbs name them.
+// Reading and writing files and standard streams.
 
 #include <string>
 #include <string_view>
@@ -9,23 +9,23 @@
 
 namespace corvantile::kit {
 
-/// The content of a file, or of standard input for "-": the same text whenever it is asked for. Throws
-/// `fault::content` if it cannot be opened or holds more than 1 GiB.
+/// The content of a file, or of standard input if the name is "-", even if that is asked for twice. Throws
+/// `fault::content` if the file cannot be opened or has more than 1 GiB.
 std::string read_input(const std::string& name);
 
-/// Makes a text the whole content of a file, or prints it if the name is empty or "-". Throws `fault::unwritable` if
-/// that fails, or if the file exists and `force` is not set.
+/// Writes `text` to a file, or prints it if the name is empty or "-". Throws `fault::unwritable` if this fails, or if
+/// the file exists and `force` is not set.
 void write_output(const std::string& name, std::string_view text, bool force);
 
-/// Throws `fault::unwritable` if a file or folder exists, unless `force` is set or it is a device or a pipe. Ask
-/// early.
+/// Throws `fault::unwritable` if a file or folder exists, unless `force` is set or it is a device or a pipe. Call it
+/// before the work begins.
 void refuse_to_replace(const std::string& name, bool force);
 
-/// Writes files into a folder, all or none; their paths are relative to it. Creates the folders that are missing, and
-/// removes those again if the files cannot be written. Throws `fault::unwritable`.
+/// Writes all files or none into a folder; their paths are relative to it. Creates missing folders, and removes these
+/// again on failure. Throws `fault::unwritable`.
 void write_folder(const std::string& folder, std::vector<text_file> files);
 
-/// "xxh3:" and the 64 bits of the XXH3 checksum of a text, as 16 hexadecimal digits.
+/// The XXH3 checksum of a text: "xxh3:" and 16 hexadecimal digits.
 std::string checksum(std::string_view text);
 
 }  // namespace corvantile::kit

@@ -1,4 +1,4 @@
-// corvantile-kit import: from what an instrument's program wrote to a measurement file.
+// corvantile-kit import: from the file of an instrument's program to a measurement file.
 
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -25,22 +25,22 @@ nlohmann::ordered_json record_of(const import_result& in) {
   };
   const ramp_choice& c = in.choice;
   const measurements& m = in.file.samples;
-  nlohmann::ordered_json record = {{"source", in.file.known.source},
-                                   {"kind", in.file.known.kind},
-                                   {"instrument", in.file.known.instrument},
-                                   {"date", in.file.known.date},
-                                   {"readings", in.file.known.readings},
-                                   {"absolute", in.file.known.absolute.value_or(false)},
-                                   {"calibration_in_effect", in.file.known.calibration.has_value()},
-                                   {"levels", m.nramp},
-                                   {"extra", m.data.rows() - 4 * static_cast<std::size_t>(m.nramp)},
-                                   {"ramps", c.taken == ramp_source::derived ? "derived" : "measured"},
-                                   {"why", c.why},
-                                   {"additivity", c.additivity}};
-  record["measured_predicts"] = figures(c.measured_predicts);
-  record["derived_predicts"] = figures(c.derived_predicts);
-  record["notes"] = in.file.known.notes;
-  return record;
+  const provenance& known = in.file.known;
+  return {{"source", known.source},
+          {"kind", known.kind},
+          {"instrument", known.instrument},
+          {"date", known.date},
+          {"readings", known.readings},
+          {"absolute", known.absolute.value_or(false)},
+          {"calibration_in_effect", known.calibration.has_value()},
+          {"levels", m.nramp},
+          {"extra", m.data.rows() - 4 * static_cast<std::size_t>(m.nramp)},
+          {"ramps", c.taken == ramp_source::derived ? "derived" : "measured"},
+          {"why", c.why},
+          {"additivity", c.additivity},
+          {"measured_predicts", figures(c.measured_predicts)},
+          {"derived_predicts", figures(c.derived_predicts)},
+          {"notes", known.notes}};
 }
 
 }  // namespace

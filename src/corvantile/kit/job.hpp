@@ -1,5 +1,5 @@
 #pragma once
-// A job as the kit has it: what it is made of, and what came of it.
+// A job in the kit: its inputs and its results.
 
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -15,17 +15,17 @@ namespace corvantile::kit {
 
 /// The settings, and the texts of the files that they name.
 struct job_inputs {
-  opts names;                                           ///< file names are those of the job's folder
+  opts names;                                           ///< with the file names of the job's folder
   reasons why;                                          ///< comments for settings.txt
   std::string measurements;                             ///< text of the measurement file
   std::optional<std::string> gamma = {}, factors = {};  ///< texts of the gamma file and of the gray factors
-  nlohmann::ordered_json refined = {};  ///< what the record says of earlier rounds; null for the first
+  nlohmann::ordered_json refined = {};  ///< the record's part about the round before; null in the first round
 };
 
 /// A solved job.
 struct job {
   job_inputs inputs;
-  measurement_file file;  ///< the measurements, and what is known about them
+  measurement_file file;
   std::optional<tone_samples> tone;
   correction result;
   job_figures figures;
@@ -33,14 +33,14 @@ struct job {
   const settings& set() const { return inputs.names.set; }
 };
 
-/// Reads a settings file, names its mode and fills in its target. Throws `fault::setting`.
+/// Reads a settings file, sets its mode and fills its `xytable`. Throws `fault::setting`.
 opts read_settings_file(const std::string& name);
 
-/// Reads the texts and solves. Throws `failure`.
+/// Parses the texts and solves. Throws `failure`.
 job solve_job(job_inputs inputs);
 
-/// What a job with these settings would say about `samples`: solves it. The settings' mode is named and `xytable`
-/// filled; the files that they name are read.
+/// Solves a job for `samples` with the settings of `read_settings_file`, and returns its findings. Reads the files
+/// that the settings name.
 std::vector<finding> findings_with(const opts& names, const measurements& samples);
 
 }  // namespace corvantile::kit

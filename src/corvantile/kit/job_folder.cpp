@@ -22,7 +22,7 @@ using json = nlohmann::ordered_json;
 
 // ---- The record ----
 
-// What is not a number, such as an infinity, is written as null.
+// Infinity and NaN become null.
 json pair(const vec2& v) { return {v[0], v[1]}; }
 json triple(const vec3& v) { return {v[0], v[1], v[2]}; }
 
@@ -45,7 +45,7 @@ json value_record(const opts_value& value) {
 json settings_record(const opts& o) {
   json record;
   for (const opts_entry& e : entries_of(o)) record[std::string(e.key)] = value_record(e.value);
-  for (const char* told_elsewhere : {"cvmode", "outdir", "wgfile"}) record.erase(told_elsewhere);
+  for (const char* elsewhere : {"cvmode", "outdir", "wgfile"}) record.erase(elsewhere);
   return record;
 }
 
@@ -86,7 +86,7 @@ std::vector<text_file> input_files(const job_inputs& in) {
   return files;
 }
 
-// The tables by their plain names.
+// The tables, with names relative to the folder.
 std::vector<text_file> plain_table_files(const job& j) {
   std::vector<text_file> files = table_files(j.result, j.inputs.names);
   for (text_file& f : files) f.path.erase(0, j.inputs.names.outdir.size());
@@ -126,10 +126,10 @@ std::optional<std::string> text_in(const std::vector<text_file>& files, const ch
 
 std::string required(const std::vector<text_file>& files, const std::string& folder, const char* name) {
   if (auto text = text_in(files, name)) return std::move(*text);
-  refuse_content(printable(path_in(folder, folder::record)), std::string("does not list ") + name);
+  refuse_content(printable(path_in(folder, folder::record)), fmt::format("does not list {}", name));
 }
 
-// Another machine's sine differs in its last digits, and the searches end a little elsewhere.
+// On another machine the last digits of sines differ, so searches may end at slightly different points.
 bool agree(const std::string& a, const std::string& b, double within) {
   number_scanner first(a), second(b);
   while (true) {
@@ -201,7 +201,7 @@ int round_of(const json& record) {
     const auto round = refined["round"].get<std::int64_t>();
     if (round >= 2 && round <= most) return static_cast<int>(round);
   }
-  refuse_content(folder::record, fmt::format("'refined' does not tell the round, 2 to {}", most));
+  refuse_content(folder::record, fmt::format("'round' in 'refined' must be an integer from 2 to {}", most));
 }
 
 std::vector<std::string> listed_files(const json& record) {
@@ -219,7 +219,7 @@ opened_job open_job(const std::string& folder) {
   job solved = solve_job(inputs_in(folder, inputs, record));
   if (!agree(plain_table_files(solved), tables, solved.set())) {
     refuse_content(printable(folder),
-                   "this program solves its job to other tables than job.json lists; solve it again");
+                   "this program makes other tables of this job than job.json lists; solve it again");
   }
   return {std::move(solved), std::move(record)};
 }

@@ -1,4 +1,4 @@
-// corvantile-kit: what people use around Corvantile, a verb for each step from an instrument's file to a device.
+// corvantile-kit: a verb for each step from an instrument's file to a device.
 
 #include <csignal>
 #include <iostream>
@@ -6,7 +6,6 @@
 #include <stdexcept>
 #include <string>
 
-#include "corvantile/kit/command_line.hpp"
 #include "corvantile/kit/verbs.hpp"
 #include "corvantile/utils/failure.hpp"
 
@@ -49,7 +48,7 @@ int main(int argc, char** argv) {
     return fail(status_of(f.kind), f.message);
   } catch (const std::bad_alloc&) {
     return fail(status::no_memory, "out of memory");
-  } catch (const std::length_error&) {  // a size that no memory could hold
+  } catch (const std::length_error&) {  // a size beyond any memory
     return fail(status::no_memory, "out of memory");
   }
 }

@@ -24,7 +24,7 @@
 namespace corvantile::kit {
 namespace {
 
-// A line for each step with its time, if a person looks on.
+// Prints a line with the time of each step, if standard error is a terminal.
 class progress {
  public:
   explicit progress(bool quiet) : shown_(!quiet && ::isatty(STDERR_FILENO) != 0) {}
@@ -32,7 +32,7 @@ class progress {
   auto operator()(const char* name, const Step& step) {
     if (shown_) std::cerr << name << " ..." << std::flush;
     const auto start = std::chrono::steady_clock::now();
-    struct line_end {  // also behind a step that fails
+    struct line_end {  // also after a step that fails
       bool shown;
       ~line_end() {
         if (shown) std::cerr << '\n';
@@ -48,7 +48,7 @@ class progress {
   bool shown_;
 };
 
-// Formats that could not be written, and why. Several may have one reason.
+// Formats that could not be written, by reason.
 class omissions {
  public:
   void add(const std::string& format, const std::string& why) {
@@ -69,8 +69,8 @@ class omissions {
   std::vector<std::pair<std::string, std::string>> list_;
 };
 
-// The exports of a job, as files of its folder. "all" leaves out formats that cannot hold the job; a device that was
-// named gets all of its own or none.
+// The exports of a job, as files of its folder. For "all", formats that cannot hold the job are left out. For a
+// single device, they are an error.
 std::vector<text_file> exports_of(const make_options& o, const job& j, omissions& left_out) {
   std::vector<text_file> files;
   for (const std::string& wanted : formats_for(o.wanted.for_device, j.set().mode)) {
@@ -91,7 +91,7 @@ std::vector<text_file> exports_of(const make_options& o, const job& j, omissions
   return files;
 }
 
-// Exports of the job that was there before would pass for those of this one.
+// Otherwise, exports of an earlier job in this folder would look like those of this one.
 void remove_other_exports(const std::string& target, const std::vector<text_file>& written) {
   std::error_code ignored;
   for (const export_format& format : export_formats()) {
@@ -103,21 +103,21 @@ void remove_other_exports(const std::string& target, const std::vector<text_file
 }
 
 const char* likely_reason(const job& j) {
-  if (!j.result.warnings.empty()) return "the warnings above tell why";
+  if (!j.result.warnings.empty()) return "see the warnings above";
   if (!matches_gray(j.set().mode))
-    return "the channels change their colour along their ramps, which one matrix cannot follow; tables with a gray "
-           "match can, but Windows has no room for them";
-  return "the display does not reach this target's white, or holds too few levels; the report shows where";
+    return "the channels change their colour along their ramps, and one matrix cannot follow; tables with a gray "
+           "match "
+           "can, but Windows has no room for them";
+  return "the display does not reach this target's white, or has too few levels; the report shows where";
 }
 
 std::string verdict_line(const job& j) {
   constexpr double visible = 1;  // CIEDE2000
   const job_figures& f = j.figures;
   const difference_summary& grays = f.gray.difference_after;
-  std::string line = fmt::format(
-      "By the model, grays come to CIEDE2000 {:.2f} of their target on average ({:.2f} at "
-      "most)",
-      grays.mean, grays.max);
+  std::string line =
+      fmt::format("By the model, grays come within CIEDE2000 {:.2f} of their target on average ({:.2f} at most)",
+                  grays.mean, grays.max);
   if (grays.mean > visible) line += fmt::format(", which is visible: {}", likely_reason(j));
   line +=
       fmt::format("; the white keeps {:.0f} % of its luminance", 100 * f.white_after.xyz[1] / f.white_before.xyz[1]);
@@ -129,7 +129,7 @@ std::string verdict_line(const job& j) {
   return line + '.';
 }
 
-// Stops if the measurements are not worth solving.
+// Prints the findings, and stops if the measurements are useless.
 void heed(const make_options& o, const std::string& source, const std::vector<finding>& findings) {
   for (const finding& f : findings) {
     if (f.level == severity::note) continue;
@@ -138,10 +138,10 @@ void heed(const make_options& o, const std::string& source, const std::vector<fi
   if (o.anyway || findings.empty() || findings.front().level != severity::error) return;
   const finding& worst = findings.front();
   refuse_content(source,
-                 fmt::format("{}: {}; {} (--anyway solves all the same)", worst.id, worst.message, worst.action));
+                 fmt::format("{}: {}; {} (--anyway solves it nevertheless)", worst.id, worst.message, worst.action));
 }
 
-// What was left out, and the three lines that it ends with.
+// Prints warnings, what was left out, and the three last lines.
 void tell(const make_options& o, const job& j, const omissions& left_out) {
   for (const std::string& line : warning_lines(j.result)) say(o, line);
   for (const std::string& line : left_out.lines()) say(o, "Left out: " + line);

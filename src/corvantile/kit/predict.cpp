@@ -1,4 +1,4 @@
-// corvantile-kit predict: what the model shows for drive values, or which drive values show a colour.
+// corvantile-kit predict: the colours that the model shows for drive values, or the drive values for colours.
 
 #include <cmath>
 #include <iostream>
@@ -25,7 +25,7 @@ monitor fitted(const predict_options& o) {
   settings set;
   if (!o.settings.empty()) set = read_opts(read_input(o.settings)).set;
   if (o.numsegs) set.numsegs = *o.numsegs;
-  settings judged;  // only these two of the settings matter to the fit
+  settings judged;  // the fit uses only these two settings
   judged.numsegs = set.numsegs;
   judged.minslope = set.minslope;
   check_settings(judged, true);
@@ -33,7 +33,7 @@ monitor fitted(const predict_options& o) {
                      set.minslope);
 }
 
-// What lies in the folder; of a job, the tables as they were solved, whatever their bits.
+// The tables in the folder. For a job, the tables as solved, before rounding to bits.
 device_tables tables_in(const std::string& folder) {
   return is_job_folder(folder) ? tables_of(open_job(folder).solved.result) : read_tables(folder);
 }
@@ -53,7 +53,7 @@ vec3 asked_in(const std::string& line, std::size_t number, bool invert) {
   return asked;
 }
 
-// X, Y, Z; or r, g, b and the distance left out.
+// X, Y, Z; or r, g, b and the remaining distance.
 std::vector<double> answer(const predict_options& o, const monitor& display, const vec3& asked) {
   if (!o.invert) {
     const vec3 xyz = inp2out_vec(display, asked);

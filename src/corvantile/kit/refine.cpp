@@ -1,4 +1,4 @@
-// corvantile-kit refine: a second solve, corrected by what was measured behind the tables of the first.
+// corvantile-kit refine: a second solve, corrected by readings with the first tables loaded.
 
 #include <algorithm>
 #include <filesystem>
@@ -47,7 +47,7 @@ measured_grays grays_of(const readings& after, const std::string& name, double w
   return grays;
 }
 
-// Readings that were not taken behind the tables say nothing about them.
+// Refuses readings without the tables loaded: they say nothing about these.
 void heed(const verification& v, const refine_options& o) {
   if (o.anyway || (v.loaded != load_state::none && v.loaded != load_state::twice)) return;
   const std::vector<std::string> diagnosis = diagnosis_of(v);
@@ -55,7 +55,7 @@ void heed(const verification& v, const refine_options& o) {
                  fmt::format("{} {} Measure again, or say --anyway.", diagnosis[0], diagnosis[1]));
 }
 
-// How far the readings scatter about what was taken of them: CIEDE2000, mean.
+// How far the readings scatter about the smooth grays: mean CIEDE2000.
 double scatter_of(const measured_grays& grays, const refinement& found) {
   const vec3 white = found.smoothed.back();
   double sum = 0;
@@ -65,7 +65,7 @@ double scatter_of(const measured_grays& grays, const refinement& found) {
   return sum / static_cast<double>(grays.levels.size());
 }
 
-// What is kept of the round that `record` describes: its files, the readings behind it, and the rounds before it.
+// The files to keep of the round of `record`: its own, the readings after it, and those of the rounds before it.
 std::vector<text_file> kept(const std::string& from, const nlohmann::ordered_json& record, const std::string& after) {
   const int round = round_of(record);
   const std::string to = folder::round(round) + '/';
@@ -83,7 +83,7 @@ std::vector<text_file> kept(const std::string& from, const nlohmann::ordered_jso
   return files;
 }
 
-// Exports and report of the old tables would pass for those of the new ones: they move to their own round.
+// Moves exports and report of the old tables to their round, because they would look like those of the new ones.
 std::vector<std::string> put_aside(const std::string& in, const std::string& round) {
   std::vector<std::string> names{folder::exports, folder::report};
   for (const export_format& f : export_formats()) names.emplace_back(f.usual_name);
@@ -99,12 +99,12 @@ std::vector<std::string> put_aside(const std::string& in, const std::string& rou
   return moved;
 }
 
-// What a round found out, as CIEDE2000 means of the grays.
+// The figures of a round: mean CIEDE2000 of the grays.
 struct gray_figures_of_round {
   double measured, scatter, expected;
 };
 
-// What the next round's record says of this one.
+// The part of the next record about this round.
 nlohmann::ordered_json history_of(int round, const std::string& first_record, const std::string& after,
                                   const gray_figures_of_round& f) {
   const std::string aside = folder::round(round);
@@ -114,7 +114,7 @@ nlohmann::ordered_json history_of(int round, const std::string& first_record, co
           {"gray_ciede2000", {{"measured", f.measured}, {"scatter", f.scatter}, {"expected", f.expected}}}};
 }
 
-// The warnings that are new, and what came of it.
+// Prints new warnings and the figures.
 void tell(const refine_options& o, const correction& first, const correction& second,
           const gray_figures_of_round& f) {
   const std::vector<std::string> known = warning_lines(first);
@@ -124,7 +124,7 @@ void tell(const refine_options& o, const correction& first, const correction& se
                      "scatter by {:.2f})",
                      f.measured, f.expected, f.scatter));
   if (f.measured <= 1.5 * f.scatter)
-    say(o, "note: the grays missed their target by little more than that: expect no gain");
+    say(o, "note: the grays were off by little more than that, so do not expect a gain");
 }
 
 }  // namespace
@@ -147,7 +147,7 @@ int run_refine(const refine_options& o) {
   job_inputs inputs = first.inputs;
   inputs.names.grayfile = folder::gray_factors;
   inputs.factors = gray_factors_text(found.factors);
-  inputs.why["grayfile"] = "what was measured behind the tables of " + aside;
+  inputs.why["grayfile"] = "measured with the tables of " + aside + " loaded";
   job second = solve_job(std::move(inputs));
   const gray_figures_of_round figures{verified.grays.mean, scatter_of(grays, found),
                                       second.figures.gray.difference_after.mean};

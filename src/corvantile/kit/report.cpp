@@ -1,4 +1,4 @@
-// corvantile-kit report and verify: a job as one page, and what a second measurement says about it.
+// corvantile-kit report and verify: a job as one page, and the verdict of a second measurement.
 
 #include <fmt/format.h>
 #include <string>

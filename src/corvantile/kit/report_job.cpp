@@ -12,10 +12,9 @@ namespace corvantile::kit {
 namespace {
 
 std::string white_in_words(const settings& set) {
-  const auto xy = [](const vec2& v) { return fmt::format("x {:.4f}, y {:.4f}", v[0], v[1]); };
-  if (!matches_gray(set.mode)) return "white at " + xy(set.xytable.white);
+  if (!matches_gray(set.mode)) return "white at " + in_words(set.xytable.white);
   if (set.temp >= 0) return fmt::format("grays at {:.0f} K", set.temp);
-  return set.white ? "grays at " + xy(*set.white) : "grays of the display's own white";
+  return set.white ? "grays at " + in_words(*set.white) : "grays of the display's own white";
 }
 
 std::string primaries_in_words(const settings& set) {
@@ -63,7 +62,7 @@ report_data report_of(const job& j, const quality& measurements, const nlohmann:
   data.bits = j.set().nbits;
   data.measurements = measurements;
   data.findings = measurements.findings;
-  for (finding& f : job_findings(j.result, j.set(), j.figures)) data.findings.push_back(std::move(f));
+  append(data.findings, job_findings(j.result, j.set(), j.figures));
   sort_findings(data.findings);
   data.remake = remake_of(j, record, words.folder);
   return data;

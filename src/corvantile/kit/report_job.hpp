@@ -10,13 +10,12 @@
 
 namespace corvantile::kit {
 
-/// What the page says besides figures.
 struct report_words {
-  std::string title;   ///< the display's name; empty: as far as it is known
-  std::string folder;  ///< where the job lies, for the commands that the page names
+  std::string title;   ///< the display's name; empty: from the measurements
+  std::string folder;  ///< of the job, for commands on the page
 };
 
-/// All that the page shows. `measurements` judges those of the job; `record` is its job.json.
+/// The content of the page. `measurements` judges those of the job; `record` is its job.json.
 report_data report_of(const job& j, const quality& measurements, const nlohmann::ordered_json& record,
                       const report_words& words);
 

@@ -11,6 +11,7 @@
 #include "corvantile/documents/point_files.hpp"
 #include "corvantile/kit/files.hpp"
 #include "corvantile/kit/job_folder.hpp"
+#include "corvantile/kit/terminal.hpp"
 #include "corvantile/utils/failure.hpp"
 #include "corvantile/utils/text.hpp"
 
@@ -33,8 +34,6 @@ constexpr std::array<named_target, 5> targets{{{"srgb", "sRGB, IEC 61966-2-1", s
 [[noreturn]] void refuse(const char* option, const std::string& value, const std::string& why) {
   throw failure(fault::setting, fmt::format("{} {}: {}", option, value, why));
 }
-
-std::string in_words(const vec2& xy) { return fmt::format("x {:.4f}, y {:.4f}", xy[0], xy[1]); }
 
 vec3 mean_dark(const measurements& m) {
   const auto n = static_cast<std::size_t>(m.nramp);
@@ -95,7 +94,7 @@ void choose_tone(const request& asked, const measurements& samples, job_inputs& 
     in.why["gamfile"] = built_in ? "Windows has the sRGB curve built in" : "the curve " + curve;
   } else {
     in.gamma = read_input(curve);
-    parse_tone_samples(curve, *in.gamma);  // what is wrong in it is told by the name that it has now
+    parse_tone_samples(curve, *in.gamma);  // refuses bad content under the file's own name
     in.why["gamfile"] = "the curve of " + std::filesystem::path(curve).filename().string();
   }
 }
@@ -163,10 +162,10 @@ std::string gamma_file_of(const std::string& curve, double white, double black) 
     if (curve == "lstar") return v <= 0.08 ? v * 100 / 903.3 : std::pow((v * 100 + 16) / 116, 3.0);
     return std::pow(std::max(v * (lw - lb) + lb, 0.0), 2.4);
   };
-  std::string text = integer_field(points) + '\n';
+  std::string text = fmt::format("{}\n", points);
   for (int i = 0; i < points; ++i) {
     const double v = static_cast<double>(i) / (points - 1);
-    text += integer_field(i) + free_format(light(v)) + '\n';
+    text += fmt::format("{}{}\n", i, free_format(light(v)));
   }
   return text;
 }

@@ -1,5 +1,5 @@
 #pragma once
-// What people ask for by name (sRGB, D65, BT.1886) as settings of a job.
+// Turns what people ask for by name (sRGB, D65, BT.1886) into the settings of a job.
 
 #include <string>
 #include <vector>
@@ -10,7 +10,7 @@
 
 namespace corvantile::kit {
 
-/// As the command line has it.
+/// The words of the command line.
 struct request {
   std::string target = "srgb";  ///< native, srgb, rec709, display-p3, adobe-rgb, bt2020
   std::string gamma = {};       ///< an exponent, srgb, bt1886, lstar, or a gamma file; empty: 2.2, or the device's
@@ -18,15 +18,15 @@ struct request {
   device for_device = device::all;
 };
 
-/// The names that a target may have.
+/// The names of all targets.
 std::vector<std::string> target_names();
 
-/// Chooses mode and settings, and says why; the inputs lack only the text of the measurements. The black of BT.1886
-/// and the native white come from `samples`. Throws `fault::setting` for a request that cannot be read.
+/// Chooses mode and settings, with reasons. The result has everything but the text of the measurements. The black of
+/// BT.1886 and the native white come from `samples`. Throws `fault::setting` if the request is not valid.
 job_inputs inputs_for(const request& asked, const measurements& samples);
 
-/// A gamma file of a curve over 257 even drives: "srgb" (IEC 61966-2-1), "lstar" (CIE 1976 L*), "bt1886" (ITU-R
-/// BT.1886) for the given luminances of white and black, or the power of an exponent such as "2.4".
+/// The text of a gamma file with 257 even drives. The curve is "srgb" (IEC 61966-2-1), "lstar" (CIE 1976 L*),
+/// "bt1886" (ITU-R BT.1886, for these luminances of white and black), or the power law of an exponent such as "2.4".
 std::string gamma_file_of(const std::string& curve, double white, double black);
 
 }  // namespace corvantile::kit

@@ -14,8 +14,8 @@
 namespace corvantile::kit {
 namespace {
 
-// The settings, and the texts of the files that they name, as a folder of its own. Faults in a text are told here,
-// while it still has its own name.
+// The settings and the texts of the files that they name, with the names that these get in the folder. Parses the
+// texts here already, so that messages have the original names.
 job_inputs inputs_of(const opts& given) {
   job_inputs inputs{.names = given, .why = {}, .measurements = read_input(given.wgfile)};
   inputs.names.wgfile = folder::measurements;
@@ -33,7 +33,7 @@ job_inputs inputs_of(const opts& given) {
   return inputs;
 }
 
-// What lies in the folder stays, unless it is what would be written anyway, such as the measurements.
+// Refuses to replace a file, unless its text would stay the same (such as that of the measurements).
 void keep_others(const std::string& name, const std::string& text, bool force) {
   if (read_file(name) != text) refuse_to_replace(name, force);
 }

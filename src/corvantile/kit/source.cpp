@@ -26,12 +26,12 @@ bool is_our_own(const source_options& o, std::string_view text) {
   return o.from.value_or(kind_of(text)) == source_kind::corvantile;
 }
 
-// Ramps, or why there are none: a line that was dropped or misunderstood may be the reason.
+// If there are no ramps, the message includes a note about a line: one that was dropped or misread may be the reason.
 ramp_choice ramps_or_reason(const readings& all, ramp_source how) {
   try {
     return ramps(all, how);
   } catch (const failure& wrong) {
-    // From the end: lines are dropped after guesses are made.
+    // The last one: notes about dropped lines come after notes about guesses.
     const std::vector<note>& notes = all.notes.kept();
     const auto about_line =
         std::find_if(notes.rbegin(), notes.rend(), [](const note& n) { return n.line.has_value(); });
@@ -51,7 +51,7 @@ import_result imported(const source& from, const source_options& o) {
   in.choice = ramps_or_reason(in.all, o.ramps);
   in.file.known = provenance_of(in.all, in.choice);
   if (is_our_own(o, from.text)) {
-    // Repeats are means in our own file: only its comments tell how far they lay apart.
+    // Our own file contains means of repeated readings. Only its comments say how far these were apart.
     const provenance before = parse_measurement_file(from.name, from.text).known;
     if (!before.source.empty()) in.file.known.repeated = before.repeated;
   }
@@ -78,7 +78,7 @@ measurement_file parse_measurements_or_advise(const std::string& name, std::stri
     return parse_measurement_file(name, text);
   } catch (const failure& wrong) {
     if (kind_of(text) == source_kind::corvantile) throw;
-    throw failure(wrong.kind, wrong.message + "; corvantile-kit import makes a measurement file of it");
+    throw failure(wrong.kind, fmt::format("{}; corvantile-kit import makes a measurement file of it", wrong.message));
   }
 }
 

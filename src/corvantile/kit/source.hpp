@@ -1,5 +1,5 @@
 #pragma once
-// Any file with readings as measurements: what most verbs begin with.
+// From any file with readings to measurements: the first step of most verbs.
 
 #include <optional>
 #include <string>
@@ -13,37 +13,37 @@
 
 namespace corvantile::kit {
 
-/// Where readings come from and how to take them, as the command line says it.
+/// Where readings come from, and how to read them.
 struct source_options {
-  std::string source;               ///< a file's name, or "-"
-  std::string second;               ///< the other HCFR sheet; empty for none
-  std::optional<source_kind> from;  ///< absent: the content tells
+  std::string source;               ///< name of a file, or "-"
+  std::string second;               ///< the other HCFR sheet; empty: none
+  std::optional<source_kind> from;  ///< absent: found out from the content
   std::string layout;               ///< of a table without a header
   ramp_source ramps = ramp_source::automatic;
 };
 
-/// What the source holds, without a decision about ramps.
+/// The readings of a source, without a choice of ramps.
 readings read_source(const source_options& o);
 
-/// A source, and the measurements made of it.
+/// The readings of a source, and the measurements made from them.
 struct import_result {
   readings all;
   ramp_choice choice;
-  measurement_file file;  ///< the samples of `choice`, and what is known about them
+  measurement_file file;  ///< with the samples of `choice`
   std::string text;       ///< of that file
 };
 
-/// Reads and decides. Throws `fault::content` with what to do; if ramps are missing, that names the chart to measure.
+/// Reads a source and chooses its ramps. Throws `fault::content` with what to do: if ramps are missing, which chart
+/// to measure.
 import_result import_source(const source_options& o);
 
-/// Our own measurement file as it stands, anything else as `import_source` would make it.
+/// The measurements of a source: our own file as it is, any other as `import_source` makes them.
 measurement_file measurements_of(const source_options& o);
 
-/// Reads the text of a measurement file. For the file of an instrument's program the failure names the verb that
-/// makes one of it.
+/// Reads the text of a measurement file. If it is the file of an instrument's program, the message says to import it.
 measurement_file parse_measurements_or_advise(const std::string& name, std::string_view text);
 
-/// What was taken and why, in a few lines for people.
+/// A few lines for people: what was read, which ramps were chosen, and why.
 std::vector<std::string> summary_of(const import_result& in);
 
 }  // namespace corvantile::kit

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <fmt/format.h>
 #include <iostream>
 #include <nlohmann/json.hpp>
 
@@ -17,6 +18,8 @@ void say(const common_options& o, std::string_view line) {
 void print_record(const nlohmann::ordered_json& record) {
   write_output("-", record.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + '\n', true);
 }
+
+std::string in_words(const vec2& xy) { return fmt::format("x {:.4f}, y {:.4f}", xy[0], xy[1]); }
 
 std::string wrapped(std::string_view text, std::size_t margin, std::size_t width) {
   const std::string indent(margin, ' ');

@@ -1,11 +1,13 @@
 #pragma once
-// What people and programs see of a verb: lines, records, dates.
+// What verbs print: lines, records, dates.
 
 #include <chrono>
 #include <cstddef>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
+
+#include "corvantile/numerics/matrix.hpp"
 
 namespace corvantile::kit {
 
@@ -17,17 +19,20 @@ struct common_options {
   bool force = false;
 };
 
-/// A line for people, on standard error; nothing if they asked for quiet.
+/// Prints a line for people on standard error, unless `o.quiet` is set.
 void say(const common_options& o, std::string_view line);
 
-/// The object that `--json` promises, on standard output. Bytes that are not UTF-8 become U+FFFD.
+/// Prints the object that `--json` promises on standard output. Bytes that are not UTF-8 become U+FFFD.
 void print_record(const nlohmann::ordered_json& record);
+
+/// A chromaticity: "x 0.3127, y 0.3290".
+std::string in_words(const vec2& xy);
 
 /// `text` in lines of at most `width` characters, each indented by `margin` blanks. Words are not broken.
 std::string wrapped(std::string_view text, std::size_t margin, std::size_t width = 80);
 
-/// The date that files say they were made on: now, or SOURCE_DATE_EPOCH (seconds since 1970) if that is set, so that
-/// the same files can be made again.
+/// The date to write into files: now, or SOURCE_DATE_EPOCH (seconds since 1970) if that is set, so that the same
+/// files can be made again.
 std::chrono::sys_seconds now();
 
 }  // namespace corvantile::kit

@@ -1,5 +1,5 @@
 #pragma once
-// The verbs: the options of each, and the status it ends with. `command_line.cpp` fills these records from arguments.
+// The verbs: the options of each, and the status it ends with. command_line.cpp fills the options from arguments.
 
 #include <cstddef>
 #include <optional>
@@ -13,13 +13,13 @@
 
 namespace corvantile::kit {
 
-/// What the process ends with: below 3 as any well-behaved command, from 4 on as `Corvantile`.
+/// Exit statuses: up to 2 as usual for commands, from 4 on as in `Corvantile`.
 namespace status {
 inline constexpr int done = 0;
 inline constexpr int findings = 1;  ///< under --strict
 inline constexpr int usage = 2;
 inline constexpr int bad_settings = 4;
-inline constexpr int bad_input = 5;  ///< or a missing one
+inline constexpr int bad_input = 5;  ///< or a missing file
 inline constexpr int cannot_write = 6;
 inline constexpr int no_memory = 7;
 inline constexpr int not_finite = 8;
@@ -40,7 +40,7 @@ struct import_options : common_options {
 
 struct check_options : common_options {
   source_options source;
-  std::string settings;  ///< of a job to judge as well; empty: none
+  std::string settings;  ///< settings file of a job to judge as well; empty: none
   bool strict = false;
 };
 
@@ -71,21 +71,25 @@ struct predict_options : common_options {
 struct report_options : common_options {
   std::string folder;
   std::string display;   ///< for the title
-  source_options after;  ///< a measurement behind the loaded tables; empty: none
+  source_options after;  ///< a measurement with the tables loaded; empty: none
 };
 
 struct verify_options : common_options {
   std::string folder;
   source_options after;
   bool strict = false;
-  double limit = 1.5;  ///< CIEDE2000, mean of the grays, under `strict`
+  double limit = 1.5;  ///< for `strict`: mean CIEDE2000 of the grays
 };
 
 struct refine_options : common_options {
   std::string folder;
   source_options after;
-  bool anyway = false;  ///< even if the readings were not taken behind the tables
+  bool anyway = false;  ///< even if the tables seem not to have been loaded
 };
+
+/// Reads the command line, runs its verb (or prints help or version), and returns the status of the process. Lets
+/// failures of the verb through.
+int run_command_line(int argc, char** argv);
 
 /// Each does its work and returns the status, or throws `failure`.
 int run_make(make_options o);
