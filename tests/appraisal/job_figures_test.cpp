@@ -66,7 +66,7 @@ TEST(Verification, TellsHowTheTablesWereLoaded) {
   const auto chain = [&](const vec3& u) { return corrected(s.tables, u); };
   const struct {
     std::function<vec3(const vec3&)> drive;
-    vec3 light;  // what the readings' X, Y, Z are multiplied by
+    vec3 light;  // factors of the readings' X, Y, Z
     load_state want;
     const char* why;
   } rows[] = {

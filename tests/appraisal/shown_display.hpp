@@ -1,5 +1,5 @@
 #pragma once
-// A simulated display with tables before it.
+// A simulated display with tables.
 
 #include <cmath>
 
@@ -31,7 +31,7 @@ inline matrix power_table(std::size_t n, double exponent) {
   return t;
 }
 
-/// A display that is exactly as asked but for a gamma of `gamma`, and tables that make it 2.2.
+/// A display that is exactly as asked except for its gamma, and tables that make that 2.2.
 inline shown_display shown_example(double gamma = 2.6) {
   simulated_display d;
   d.levels = 65;

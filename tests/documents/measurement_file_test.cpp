@@ -20,12 +20,12 @@ TEST(MeasurementFile, IsReadAsOneStreamBehindComments) {
   EXPECT_THROW(parse_measurements("m", header(1025)), failure) << "behind what counts of the line";
 }
 
-TEST(MeasurementFile, IsRefusedWhereItGivesNoModel) {
+TEST(MeasurementFile, IsRefusedIfItGivesNoModel) {
   const std::string w = "9 9 9 1.1 1.1 1.1 0 0 0 0 0 0\n", r = "9 0 0 .4 .2 .1 0 0 0 0 0 0\n",
                     g = "0 9 0 .1 .3 .1 0 0 0 0 0 0\n", b = "0 0 9 .1 .1 .7 0 0 0 0 0 0\n",
                     off = "0 0 0 0 0 0 0 0 0 0 0 0\n", rest = " 0 0 0 0 0 0\n";
   const std::pair<std::string, const char*> rows[] = {
-      {"\n2 0 2\n" + w + r + g + b, "m: line 1: "},  // a blank line is no comment: it is the header
+      {"\n2 0 2\n" + w + r + g + b, "m: line 1: "},  // a blank line is not a comment: it counts as the header
       {";\n2 0\n2\n" + w + r + g + b, "m: line 2: "},
       {"1 0 2\n" + w + r + g + b, "m: line 1: a ramp has 1 levels"},
       {";\n2 -1 2\n" + w + r + g + b, "m: line 2: the number of extra samples is -1"},

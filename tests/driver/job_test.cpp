@@ -1,4 +1,4 @@
-// Whole small jobs in process, on simulated displays: what they write, what they report, and how they stop.
+// Small jobs, run within the test on simulated displays: what they write and report, and how they stop.
 
 #include <algorithm>
 #include <cmath>
@@ -27,7 +27,7 @@ namespace {
 namespace fs = std::filesystem;
 using names = std::set<std::string>;
 
-// The tables that a job left in out/, and one of them.
+// The names of the tables that a job wrote to out/, and the content of one.
 names files() {
   names all;
   for (const auto& f : fs::directory_iterator("out")) all.insert(f.path().filename());
@@ -71,7 +71,7 @@ void expect_stop(const std::string& options, int status, const std::string& frag
   EXPECT_EQ(files(), written) << options;
 }
 
-// A folder with the measurements of one display, in which jobs run one after the other.
+// A folder with the measurements of one display, where jobs run one after another.
 struct Job : testing::Test {
   Job() {
     fs::create_directories(folder / "out");
@@ -85,7 +85,7 @@ struct Job : testing::Test {
   const fs::path folder = fs::temp_directory_path() / ("corvantile-job-" + std::to_string(::getpid()));
 };
 
-// The numbers of the report, one a line below the title, from the first time that it stands at `from` or later.
+// The numbers in the lines below `title` in a report, searching from position `from`, which moves to the title.
 std::vector<double> below(const std::string& title, const std::string& out, std::size_t& from) {
   from = out.find(title, from);
   std::istringstream in(from == out.npos ? "" : out.substr(from + title.size()));
@@ -108,10 +108,10 @@ TEST_F(Job, EachModeWritesItsFilesInOrder) {
   }
 }
 
-// What the report says is what the written files do to the modelled display; and that is the wanted thing.
+// The report agrees with what the written files do to the modelled display, and that is what was asked for.
 TEST_F(Job, ReportTellsWhatTheTablesDo) {
   const std::tuple<std::string, double, double> cases[] = {
-      // Exponent; kelvin of the bright half as the CCT formula is published to read, 0 where nothing matches the gray
+      // Exponent; kelvin of the bright half as the CCT formula is published to read, 0 without a gray match
       {"CV1' temp=5000 gamma=1.8", 1.8, 5009.6470},
       {"CV1' temp=9300 tlen=64", 2.2, 9287.0084},
       {"CV2' tlen=1024", 2.2, 0},
@@ -133,7 +133,7 @@ TEST_F(Job, ReportTellsWhatTheTablesDo) {
     const std::size_t last = post.size() - 1;
     for (std::size_t i = 0; i < post.size(); ++i) {
       vec3 drive = post[i];
-      for (std::size_t k = 0; two_tables && k < 3; ++k) {  // as a user would apply the three tables
+      for (std::size_t k = 0; two_tables && k < 3; ++k) {  // the way users apply the tables
         const double x =
             (m[k][0] * pre[i][0] + m[k][1] * pre[i][1] + m[k][2] * pre[i][2]) * static_cast<double>(last);
         const std::size_t j = std::min(static_cast<std::size_t>(x), last - 1);
@@ -141,7 +141,7 @@ TEST_F(Job, ReportTellsWhatTheTablesDo) {
       }
       EXPECT_NEAR(Y[i], inp2out_vec(mon, drive)[1], 1e-11 * Y.back());
       const double s = static_cast<double>(i) / static_cast<double>(last);
-      if (!gray || s < 0.5) continue;  // there the dark light is blended in
+      if (!gray || s < 0.5) continue;  // there the dark is blended in
       EXPECT_NEAR(Y[i], std::pow(s, gamma) * Y.back(), 2e-6 * Y.back());
       EXPECT_NEAR(cct[i], kelvin, s == 1 ? 0.1 : 1e-3);
     }
@@ -293,14 +293,14 @@ TEST_F(Job, FoldersThatWouldTakeNoTableOrAnInput) {
     expect_stop("cvmode='CV1' " + option, status, why, {"matrix.txt", "postLUT.txt"});
 }
 
-// The single values are the settings' own test; here, when they are judged and what needs the monitor for it.
+// settings_text_test.cpp tests single values. This is about when they are judged, and those that need the monitor.
 TEST_F(Job, ValuesThatCannotGiveAResult) {
   for (const std::pair<std::string, const char*> c : {std::pair("CV1' tlen=1", "tlen = 1"),
                                                       {"CV2_1' temp=1", "temp = 1"},
                                                       {"CV1' temp=6500 wptemp=1", "wptemp = 1"},
                                                       {"CV2_1' boundary_tol=.3", "boundary_tol = 0.3"}}) {
     expect_stop("cvmode='" + c.first, 4, c.second);
-    expect_stop("cvmode='" + c.first + " wgfile='no.txt'", 0, " Cannot open no.txt");  // judged after that
+    expect_stop("cvmode='" + c.first + " wgfile='no.txt'", 0, " Cannot open no.txt");  // that comes first
   }
   for (const char* not_looked_at : {"cvmode='CV1' boundary_tol=.3", "cvmode='CV2' temp=1 wptemp=1"})
     EXPECT_EQ(run_job(not_looked_at).status, 0) << not_looked_at;
@@ -308,8 +308,9 @@ TEST_F(Job, ValuesThatCannotGiveAResult) {
 
 TEST_F(Job, EndsOfTheShading) {
   const std::string from_the_top = "cvmode='CV1' temp=6500 wptemp=0 beta=1";
-  expect_stop(from_the_top + " nbits=8", 8, "postLUT.txt is not written: row 17, column 1 is NaN");  // no such code
-  expect_stop("cvmode='CV2_1' temp=6500 wptemp=0 beta=1 nbits=8", 8, "preLUT.txt");  // none of the three is written
+  expect_stop(from_the_top + " nbits=8", 8,
+              "postLUT.txt is not written: row 17, column 1 is NaN");                // integers have no NaN
+  expect_stop("cvmode='CV2_1' temp=6500 wptemp=0 beta=1 nbits=8", 8, "preLUT.txt");  // and no table is written
   ASSERT_EQ(run_job("cvmode='CV1' temp=6500 wptemp=0 beta=.99").status, 0) << "rounds to the last row, too";
   ASSERT_EQ(run_job(from_the_top).status, 0);
   EXPECT_EQ(table("postLUT.txt").size(), 16u) << "numbers up to there";

@@ -65,7 +65,7 @@ TEST(Settings, AreReadNoFurtherThanTheirEnd) {
   for (const std::string whole :
        {"&opts/", "\xEF\xBB\xBF \n! /\n&opts outdir='it''s /' wgfile=\"'/\" ! ' /\n/", " n"})
     for (std::size_t n = 0; n <= whole.size(); ++n) {
-      group_end end;  // asked in two pieces, wherever they part
+      group_end end;  // in two pieces, cut anywhere
       EXPECT_EQ(end.passed(whole.substr(0, n)), n == whole.size()) << whole << n;
       EXPECT_EQ(end.passed(whole.substr(n)), n < whole.size()) << whole << n;
     }
@@ -140,8 +140,8 @@ TEST(Settings, BuiltInStandardsFillATableOfZeros) {
       {"", "AdobeRGB98", "xytable=.3127 .329 .64 .34 .21 .71 .15 .06"},
       {"", "SMPT-C", "xytable=.3127 .329 .63 .34 .31 .595 .155 .07"},
       {"gamma=1", "PAL", "gamma=2.2 xytable=.3127 .329 .64 .33 .3 .6 .15 .06"},
-      {"xytable(2,4)=-.1", "sRGB", "xytable(2,4)=-.1"},                          // one entry given: kept as it stands
-      {"xytable=nan 7*-0", "sRGB", "xytable=.3127 .329 .64 .33 .3 .6 .15 .06"},  // such entries do not count
+      {"xytable(2,4)=-.1", "sRGB", "xytable(2,4)=-.1"},                          // one entry is enough to keep it
+      {"xytable=nan 7*-0", "sRGB", "xytable=.3127 .329 .64 .33 .3 .6 .15 .06"},  // NaN and -0 do not count
       {"xytable=8*nan", "sRGB", "xytable=8*nan"}};
   for (const auto& [given, standard, filled] : rows) {
     opts s = of(given);
@@ -152,7 +152,7 @@ TEST(Settings, BuiltInStandardsFillATableOfZeros) {
   }
 }
 
-TEST(Settings, ValuesAreJudgedWhereTheModeUsesThem) {
+TEST(Settings, ValuesAreJudgedIfTheModeUsesThem) {
   constexpr auto one = match_mode::cv1, two = match_mode::cv2, both = match_mode::cv2_1;
   const auto judge = [](match_mode mode, const std::string& given) {
     opts p = of("temp=6500 xytable=.3127,.329,.64,.33,.3,.6,.15,.06 " + given);

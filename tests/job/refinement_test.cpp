@@ -17,7 +17,7 @@ constexpr vec2 d65{{0.3127, 0.3290}};
 
 measurements measured(const simulated_display& d) { return {"simulated", sample_rows(d), d.levels, d.version}; }
 
-// What reaches the display of `d` for a gray behind the tables of a CV1 job.
+// What the display `d` gets for a gray, with the tables of a CV1 job loaded.
 vec3 loaded(const correction& c, double s) {
   const double at = s * static_cast<double>(c.gray.rows() - 1);
   const auto i = std::min(static_cast<std::size_t>(at), c.gray.rows() - 2);
@@ -37,8 +37,7 @@ measured_grays read(const simulated_display& d, const correction& c, int levels 
   return grays;
 }
 
-// Mean CIEDE2000 of the true grays from D65 and gamma 2.2 below the white that is shown. The display has no dark
-// light.
+// Mean CIEDE2000 of the true grays from D65 and gamma 2.2 below the shown white. The display has no dark.
 double missed(const simulated_display& d, const correction& c) {
   const vec3 white = shown(d, loaded(c, 1))[1] * xy2xyz(d65);
   double sum = 0;
@@ -52,7 +51,7 @@ double missed(const simulated_display& d, const correction& c) {
 TEST(Refinement, BringsGraysOfDisplaysThatDoNotAddUpToTheirTarget) {
   const struct {
     simulated_display display;
-    double before;  // at least; a display that adds up is to stay within its noise
+    double before;  // at least; a display that adds up must stay within its noise
     const char* why;
   } rows[] = {{{}, 0, "adds up"},
               {{.crosstalk = {{0.2, 0.2, 0.2}}}, 2, "each channel loses to the next"},

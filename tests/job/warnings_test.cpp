@@ -12,7 +12,7 @@ namespace {
 using names = std::vector<std::string>;
 using edit = void (*)(measurements&);
 
-// A sound display of 17 levels, changed by `change`, and a job of few rows; the warnings' names.
+// The ids of the warnings of a small job on a good display with 17 levels, after `change`.
 names names_after(
     settings set, edit change = [](measurements&) {}) {
   measurements samples = measured({.white_luminance = 100});
@@ -31,7 +31,7 @@ void scale(measurements& samples, std::size_t row, double by) {
   for (std::size_t k = 3; k < 6; ++k) samples.data(row, k) *= by;
 }
 
-// Holds the readings of the red ramp's rows `first` to `last` at that of `first`.
+// Gives rows `first` to `last` of the red ramp the reading of `first`.
 void level(measurements& samples, std::size_t first, std::size_t last) {
   for (std::size_t row = first; row <= last; ++row) {
     for (std::size_t k = 3; k < 6; ++k) samples.data(row, k) = samples.data(first, k);
@@ -107,7 +107,7 @@ TEST(Warnings, TheLargestNumberOfPiecesFollowsTheWidestGap) {
   }
 }
 
-// What only a search can bring about, told from a record of searches.
+// These warnings depend on searches, so the test makes up their records.
 TEST(Warnings, GraysThatWereNotFoundAreNamed) {
   const settings set{.hwid = 0};
   gray_search found;

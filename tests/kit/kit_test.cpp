@@ -25,7 +25,7 @@ double light_at(const std::string& file, double drive) {
 }
 
 TEST(GammaFile, HoldsThePublishedCurves) {
-  // By hand from the standards' formulas: ((v + 0.055) / 1.055)^2.4, ((L* + 16) / 116)^3 and
+  // Calculated by hand from the standards: ((v + 0.055) / 1.055)^2.4, ((L* + 16) / 116)^3 and
   // (v (Lw^(1/2.4) - Lb^(1/2.4)) + Lb^(1/2.4))^2.4.
   const struct {
     const char* curve;

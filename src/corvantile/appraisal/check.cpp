@@ -34,8 +34,7 @@ double spread_of(const monitor& mon, const std::vector<std::size_t>& rows) {
   return (y(*high) - y(*low)) / mon.whitepoint[1];
 }
 
-// Channel c at full drive, less the dark. The top of a derived ramp was not measured; what was measured comes after
-// the ramps.
+// Channel c at full drive, less the dark. The top of a derived ramp was not measured; its reading is after the ramps.
 vec3 primary_of(const monitor& mon, std::size_t c, bool derived) {
   vec3 drive;
   drive[c] = 1;

@@ -86,7 +86,7 @@ load_distances distances_of(const scene& sc, const std::vector<reading>& rows) {
 }
 
 load_state state_of(const load_distances& d) {
-  constexpr double alike = 1.5;  // the usual error of model and instrument
+  constexpr double alike = 1.5;  // model and instrument can easily be off by this
   constexpr double good = 3;     // displays and instruments repeat better than this
   const auto likely = [&](double other) { return other < d.once && (other <= good || 2 * other < d.once); };
   if (d.once <= good && d.once <= d.none && d.once <= d.twice) return load_state::once;

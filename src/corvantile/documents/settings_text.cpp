@@ -240,32 +240,25 @@ class reader {
     }
     if (!in_.accept('=')) expected("'='");
     settings& set = p_.set;
-    const auto read_one = [this](const auto& read, const auto& store) {
-      read_values(1, read, [&](std::size_t, const auto& v) { store(v); });
+    const auto read_one = [this](auto& value, const auto& read) {
+      read_values(1, read, [&](std::size_t, const auto& v) { value = v; });
     };
     const auto real = [this] { return read_real(); };
-    std::visit(overload{
-                   [&](const text_key& t) {
-                     read_one([&] { return read_text(t.length); }, [&](const std::string& v) { p_.*t.value = v; });
-                   },
-                   [&](const integer_key& i) {
-                     read_one([this] { return read_integer(); }, [&](int v) { set.*i.value = v; });
-                   },
-                   [&](const switch_key& b) {
-                     read_one([this] { return read_switch(); }, [&](bool v) { set.*b.value = v; });
-                   },
-                   [&](const real_key& r) { read_one(real, [&](double v) { set.*r.value = v; }); },
-                   [&](const chromaticities_key& c) {
-                     read_values(array.count, real,
-                                 [&](std::size_t n, double v) { entry(set.*c.value, array.index[n]) = v; });
-                   },
-                   [&](const chromaticity_key& c) {
-                     read_values(2, real, [&](std::size_t n, double v) {
-                       if (!(set.*c.value)) (set.*c.value).emplace();
-                       (*(set.*c.value))[n] = v;
-                     });
-                   },
-               },
+    std::visit(overload{[&](const text_key& t) { read_one(p_.*t.value, [&] { return read_text(t.length); }); },
+                        [&](const integer_key& i) { read_one(set.*i.value, [this] { return read_integer(); }); },
+                        [&](const switch_key& b) { read_one(set.*b.value, [this] { return read_switch(); }); },
+                        [&](const real_key& r) { read_one(set.*r.value, real); },
+                        [&](const chromaticities_key& c) {
+                          read_values(array.count, real,
+                                      [&](std::size_t n, double v) { entry(set.*c.value, array.index[n]) = v; });
+                        },
+                        [&](const chromaticity_key& c) {
+                          std::optional<vec2>& xy = set.*c.value;
+                          read_values(2, real, [&](std::size_t n, double v) {
+                            if (!xy) xy.emplace();
+                            (*xy)[n] = v;
+                          });
+                        }},
                k->kind);
     key_ = nullptr;
   }

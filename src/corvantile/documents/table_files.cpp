@@ -42,7 +42,7 @@ std::string as_codes(const std::string& path, const matrix& table, std::int64_t 
   for (std::size_t j = 0; j < table.cols(); ++j) {
     for (std::size_t i = 0; i < table.rows(); ++i) {
       const double code = std::round(table(i, j) * static_cast<double>(maxcode));  // halves away from zero
-      if (!(std::abs(code) < largest_code)) refuse(path, table, i, j, ", which is too large for an integer");
+      if (!(std::abs(code) < largest_code)) refuse(path, table, i, j, ", for which there is no code");
       codes(i, j) = static_cast<std::int64_t>(code);
     }
   }

@@ -31,7 +31,7 @@ std::string moved_primaries(const gamut_figures& g) {
 std::string difference_text(double d) { return d < 0.05 ? "less than 0.1" : svg::number(d); }
 
 const char* words_for(const verification& v) {
-  constexpr double alike = 1.5;  // the usual error of model and instrument
+  constexpr double alike = 1.5;  // model and instrument can easily be off by this
   switch (v.loaded) {
     case load_state::once:
       if (v.distances.once > alike) {
