@@ -198,6 +198,8 @@ static std::string significant(double v, int digits) {
   return {buf.data(), std::to_chars(buf.data(), buf.data() + buf.size(), v, std::chars_format::general, digits).ptr};
 }
 
+std::string shortest(double v) { return free_format(v).substr(1); }
+
 std::string short_number(double v) { return significant(v, 4); }
 
 std::string short_percent(double ratio) { return significant(100 * ratio, 3) + " %"; }

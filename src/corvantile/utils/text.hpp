@@ -5,7 +5,6 @@
 // integer, each right-aligned in w characters. A value that does not fit fills its field with `*`.
 
 #include <array>
-#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -79,20 +78,7 @@ std::string row_range(std::size_t first, std::size_t last);
 
 inline constexpr std::array channel_names{"red", "green", "blue"};
 
-/// `v` with `digits` decimals, rounded from the exact value, the zero before the point kept: 0.50, -0.02, nan, inf.
-inline std::string decimal(double v, int digits) {
-  std::array<char, 400> buf{};  // sign, 309 digits, point, decimals
-  auto* const end = std::to_chars(buf.data(), buf.data() + buf.size(), v, std::chars_format::fixed, digits).ptr;
-  return {buf.data(), end};
-}
-
 /// The fewest digits that read back as the same double.
-inline std::string shortest(double v) {
-  std::array<char, 32> buf{};
-  return {buf.data(), std::to_chars(buf.data(), buf.data() + buf.size(), v).ptr};
-}
-
-/// `v`, a fraction, in percent with `digits` decimals.
-inline std::string percent(double v, int digits) { return decimal(100 * v, digits) + " %"; }
+std::string shortest(double v);
 
 }  // namespace corvantile
