@@ -9,10 +9,10 @@
 #   links      relative links must lead to files that exist, and to headings in them
 #   pictures   docs/pictures must be what scripts/pictures.sh makes today
 # If a command fails, the message names its page and line.
-# Usage: scripts/check_docs.sh [BIN [PAGE ...]]     BIN: the folder of the built programs, default build/release/bin
+# Usage: tests/docs/check_docs.sh [BIN [PAGE ...]]     BIN: the folder of the built programs, default build/release/bin
 # A page finds the files that its reader would have by then: see `prepare_once`.
 set -euo pipefail
-cd "$(dirname "$0")/.."
+cd "$(dirname "$0")/../.."
 top=$PWD
 bin=$(realpath "${1:-build/release/bin}")
 pages=("${@:2}")
@@ -155,5 +155,4 @@ for page in "${pages[@]}"; do
   run_python "$page" || failed=1
   check_links "$page" || failed=1
 done
-scripts/pictures.sh --check "$bin" || failed=1
 exit $failed

@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# Spoilt measurement files through the one command: cut short, bytes changed, lines exchanged, numbers replaced; every
-# fifth on a disk that has room for small files only. Whatever happens, `corvantile-kit make` ends by itself within 10 seconds, and leaves either no folder or a whole one, which
-# `corvantile-kit export` accepts. The files come of simulated displays; the same seed gives the same files.
-# Usage: scripts/fuzz_make.sh [RUNS, default 300] [SEED, default 1] [FOLDER of the programs, default build/release/bin]
-# What fails is kept in build/fuzz/make, or where FUZZ_MAKE_KEEP says.
+# Runs `corvantile-kit make` on spoilt measurement files of a simulated display: cut short, bytes changed, lines
+# exchanged, numbers replaced; every fifth on a disk with room for small files only. Whatever the damage, make ends
+# within 10 seconds and leaves either no folder or a whole one that `corvantile-kit export` accepts.
+# Usage: make_survives_test.sh BIN KEEP [RUNS, default 300] [SEED, default 1]
+#   BIN   the folder of the built programs
+#   KEEP  a folder for the files that fail
+# The same seed gives the same files.
 set -euo pipefail
-cd "$(dirname "$0")/.."
-runs=${1:-300} seed=${2:-1} bin=${3:-build/release/bin}
-keep=${FUZZ_MAKE_KEEP:-build/fuzz/make}
+bin=$1 keep=$2 runs=${3:-300} seed=${4:-1}
 export LC_ALL=C
 
 scratch=$(mktemp -d)

@@ -1,0 +1,17 @@
+# Fails when a test calls one of scripts/, which may call tests in their turn.
+# Usage: cmake -D tests=FOLDER -P check_calls.cmake
+cmake_minimum_required(VERSION 3.25)
+file(GLOB_RECURSE files ${tests}/*.sh ${tests}/*.cmake ${tests}/CMakeLists.txt)
+if(NOT files)
+  message(FATAL_ERROR "no tests under ${tests}")
+endif()
+set(faults "")
+foreach(file ${files})
+  file(STRINGS ${file} calls REGEX "^[^#]*scripts[/]")
+  foreach(line ${calls})
+    string(APPEND faults "  ${file}: ${line}\n")
+  endforeach()
+endforeach()
+if(faults)
+  message(FATAL_ERROR "tests call scripts:\n${faults}")
+endif()
