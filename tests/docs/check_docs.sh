@@ -7,7 +7,6 @@
 #              as ```text say.
 #   python     runs the blocks fenced as ```python in the folder with the tables of examples/two_table
 #   links      relative links must lead to files that exist, and to headings in them
-#   pictures   docs/pictures must be what scripts/pictures.sh makes today
 # If a command fails, the message names its page and line.
 # Usage: tests/docs/check_docs.sh [BIN [PAGE ...]]     BIN: the folder of the built programs, default build/release/bin
 # A page finds the files that its reader would have by then: see `prepare_once`.
