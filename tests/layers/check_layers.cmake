@@ -1,7 +1,8 @@
-# Fails when a file under `tree` includes what its layer may not, or does what its layer may not.
+# Fails when a file under `tree` includes what its layer may not, or does what its layer may not; and when a layer lists
+# another that it does not use. Prints the number of arrows between layers.
 # Usage: cmake -D tree=SRC/corvantile -P check_layers.cmake
 cmake_minimum_required(VERSION 3.25)
-# Each layer, and the others that it may include from. A layer is listed behind all that it lists.
+# Each layer, and the others that it includes from. A layer is listed behind all that it lists.
 set(layers
   "numerics:"
   "utils: numerics"
@@ -43,7 +44,11 @@ foreach(file ${files})
   file(STRINGS ${tree}/${file} includes REGEX "^[ \t]*#[ \t]*include")
   foreach(line ${includes})
     if(line MATCHES "\"corvantile/([^/\"]+)/[^\"]+\"")
-      if(NOT CMAKE_MATCH_1 STREQUAL folder AND NOT CMAKE_MATCH_1 IN_LIST allowed_${folder})
+      if(CMAKE_MATCH_1 STREQUAL folder)
+        continue()
+      elseif(CMAKE_MATCH_1 IN_LIST allowed_${folder})
+        list(APPEND used_${folder} ${CMAKE_MATCH_1})
+      else()
         string(APPEND faults "  ${file}: ${line}, but ${folder} does not list ${CMAKE_MATCH_1}\n")
       endif()
     elseif(line MATCHES "\"")
@@ -60,6 +65,18 @@ foreach(file ${files})
   endif()
 endforeach()
 
+set(arrows 0)
+foreach(name ${names})
+  foreach(other ${allowed_${name}})
+    math(EXPR arrows "${arrows} + 1")
+    if(NOT other IN_LIST used_${name})
+      string(APPEND faults "  ${name} lists ${other}, but includes nothing of it\n")
+    endif()
+  endforeach()
+endforeach()
+
 if(faults)
-  message(FATAL_ERROR "layers are crossed:\n${faults}")
+  message(FATAL_ERROR "the layers are not as listed:\n${faults}")
 endif()
+list(LENGTH names count)
+message(STATUS "${count} layers, ${arrows} arrows between them")
