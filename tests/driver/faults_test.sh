@@ -93,16 +93,10 @@ ends "file size limit" 6 "$cannot: File too large" bash -c 'ulimit -f 4 && exec 
 is "file size limit: table" "$(cat out/*)" old
 
 # --- All tables or none ---
-until_temporaries() {  # COUNT: there are so many of them in out/
-  for _ in {1..1000}; do
-    [ "$(find out -name '*.tmp' | wc -l)" -eq "$1" ] && return
-    sleep 0.01
-  done
-}
 for signal in HUP:129 INT:130 TERM:143; do
   job "cvmode='CV2'" && mkfifo out/postLUT.txt && echo old >out/preLUT.txt
   env --default-signal=INT "$program" <settings 2>stderr &
-  until_temporaries 2
+  until_temporaries 2 out
   kill "-${signal%:*}" $!
   wait $! 2>stderr
   is "$signal" "$?: $(cd out && echo * && cat preLUT.txt)" "${signal#*:}: postLUT.txt preLUT.txt"$'\nold'
@@ -110,7 +104,7 @@ done
 
 job "$both" && exec 9<out && flock 9
 "$program" <settings 2>stderr 9<&- &
-until_temporaries 3
+until_temporaries 3 out
 kill -INT $!  # ignored in what the shell starts in the background, and it stays so
 is "locked folder" "$(cd out && echo *)" "*.tmp *.tmp *.tmp"
 flock -u 9

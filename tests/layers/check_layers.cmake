@@ -13,10 +13,10 @@ set(layers
   "documents: job colour monitor utils numerics"
   "readings: documents colour monitor utils numerics"
   "formats: readings documents job matching colour monitor utils numerics"
-  "appraisal: readings documents job matching colour monitor utils numerics"
-  "report: appraisal formats readings job matching colour monitor utils numerics"
+  "appraisal: readings documents job matching colour monitor numerics"
+  "report: appraisal job colour utils"
   "driver: documents job colour monitor utils numerics"
-  "kit: report appraisal formats readings documents job matching colour monitor utils numerics")
+  "kit: report appraisal formats readings documents job colour monitor utils numerics")
 set(faults "")
 set(names "")
 foreach(layer ${layers})

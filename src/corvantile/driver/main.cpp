@@ -1,8 +1,6 @@
 // Arguments and standard input in, exit status out. Nothing else ends the process.
 
 #include <algorithm>
-#include <csignal>
-#include <fcntl.h>
 #include <iostream>
 #include <new>
 #include <ostream>
@@ -16,7 +14,7 @@
 #include "corvantile/driver/run.hpp"
 #include "corvantile/driver/standard_streams.hpp"
 #include "corvantile/utils/failure.hpp"
-#include "corvantile/utils/temporary_file.hpp"
+#include "corvantile/utils/program_start.hpp"
 
 namespace corvantile {
 namespace {
@@ -37,16 +35,6 @@ constexpr std::string_view help =
     "cvmode is 'CV1' (grays only), 'CV2' (primaries, white and tone curve) or 'CV2_1'\n"
     "(both). The tables are written into outdir, which must exist.\n";
 
-// If a standard stream is closed, the next file opened would get its number, and then its text. This opens /dev/null
-// for reading in its place, so that writing fails instead.
-void occupy_standard_descriptors() {
-  while (true) {
-    const int fd = ::open("/dev/null", O_RDONLY);
-    if (fd > STDERR_FILENO) ::close(fd);
-    if (fd < 0 || fd > STDERR_FILENO) return;
-  }
-}
-
 void prompt_on_terminal() {
   if (::isatty(STDIN_FILENO) == 0) return;
   std::cerr << "Waiting for settings on standard input, then Ctrl-D on a line of its own. For example:\n"
@@ -55,11 +43,7 @@ void prompt_on_terminal() {
 }
 
 int main(std::span<const std::string_view> arguments) {
-  occupy_standard_descriptors();
-  // If a reader leaves or a file grows too large, the write fails; the process goes on.
-  std::signal(SIGPIPE, SIG_IGN);
-  std::signal(SIGXFSZ, SIG_IGN);
-  remove_temporaries_on_signals();
+  start_program();
   descriptor_buffer buffer(STDOUT_FILENO);
   std::ostream out(&buffer);
 

@@ -11,6 +11,7 @@
 
 #include "corvantile/utils/failure.hpp"
 #include "corvantile/utils/file_input.hpp"
+#include "corvantile/utils/temporary_file.hpp"
 #include "corvantile/utils/text.hpp"
 
 namespace corvantile::kit {
@@ -18,32 +19,12 @@ namespace corvantile::kit {
 namespace fs = std::filesystem;
 namespace {
 
-// Removes the folders it created unless keep() is called.
-class new_folders {
- public:
-  new_folders() = default;
-  new_folders(const new_folders&) = delete;
-  new_folders& operator=(const new_folders&) = delete;
-  ~new_folders() {
-    std::error_code ignored;
-    for (; !names_.empty(); names_.pop_back()) fs::remove(names_.back(), ignored);  // empty ones only
-  }
-
-  void make(const fs::path& name) {
-    std::error_code failed;
-    std::vector<fs::path> missing;
-    for (fs::path p = name; !p.empty() && !fs::exists(p, failed); p = p.parent_path()) missing.push_back(p);
-    names_.insert(names_.end(), missing.rbegin(), missing.rend());
-    fs::create_directories(name, failed);
-    if (!failed) return;
-    throw failure(fault::unwritable,
-                  fmt::format("Cannot make the folder {}: {}", printable(name.string()), failed.message()));
-  }
-  void keep() { names_.clear(); }
-
- private:
-  std::vector<fs::path> names_;
-};
+void make_folder(new_folders& made, const std::string& name) {
+  const int error = made.make(name);
+  if (error == 0) return;
+  throw failure(fault::unwritable, fmt::format("Cannot make the folder {}: {}", printable(name),
+                                               std::generic_category().message(error)));
+}
 
 // Reads standard input once, and keeps it.
 const std::string& standard_input() {
@@ -97,10 +78,10 @@ void write_output(const std::string& name, std::string_view text, bool force) {
 
 void write_folder(const std::string& folder, std::vector<text_file> files) {
   new_folders made;
-  made.make(folder);
+  make_folder(made, folder);
   for (text_file& f : files) {
     f.path.insert(0, folder + '/');
-    made.make(fs::path(f.path).parent_path());
+    make_folder(made, fs::path(f.path).parent_path().string());
   }
   write_files(files);
   made.keep();

@@ -1,6 +1,5 @@
 // corvantile-kit: a verb for each step from an instrument's file to a device.
 
-#include <csignal>
 #include <iostream>
 #include <new>
 #include <stdexcept>
@@ -8,6 +7,7 @@
 
 #include "corvantile/kit/verbs.hpp"
 #include "corvantile/utils/failure.hpp"
+#include "corvantile/utils/program_start.hpp"
 
 namespace corvantile::kit {
 namespace {
@@ -40,8 +40,7 @@ int fail(int with, const std::string& message) {
 }
 
 int main(int argc, char** argv) {
-  std::signal(SIGPIPE, SIG_IGN);
-  std::signal(SIGXFSZ, SIG_IGN);
+  start_program();
   try {
     return run_command_line(argc, argv);
   } catch (const failure& f) {

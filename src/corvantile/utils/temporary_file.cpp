@@ -23,10 +23,10 @@ sigset_t set_of_ending_signals() {
   return set;
 }
 
-// Files to remove if a signal ends the program. Only the holder of `busy` may read or change the list. A thread holds
-// it with the signals blocked, so a handler never waits for the thread that it interrupts.
+// Files and folders to remove if a signal ends the program. Only the holder of `busy` may read or change the list. A
+// thread holds it with the signals blocked, so a handler never waits for the thread that it interrupts.
 std::atomic_flag busy;
-std::array<const char*, 64> listed_names{};
+std::array<const char*, 256> listed_names{};
 
 void hold() {
   while (busy.test_and_set(std::memory_order_acquire)) {
@@ -47,8 +47,9 @@ void replace_in_list(const char* before, const char* after) {
 extern "C" {
 static void remove_listed_and_end(int signal) {
   hold();
-  for (const char* name : listed_names) {
-    if (name != nullptr) ::unlink(name);
+  // Backwards, for a folder is listed before what is in it.
+  for (std::size_t i = listed_names.size(); i-- > 0;) {
+    if (listed_names[i] != nullptr && ::unlink(listed_names[i]) != 0) ::rmdir(listed_names[i]);
   }
   ::signal(signal, SIG_DFL);
   ::raise(signal);  // blocked until the handler returns
@@ -148,6 +149,29 @@ void temporary_file::take_back() {
 void temporary_file::remove_old() {
   if (kept_old_) ::unlink(old_name_.c_str());
   kept_old_ = false;
+}
+
+new_folders::~new_folders() {
+  for (auto name = names_.rbegin(); name != names_.rend(); ++name) ::rmdir(name->c_str());
+  keep();
+}
+
+int new_folders::make(const std::string& name) {
+  struct stat there {};
+  if (::stat(name.c_str(), &there) == 0) return S_ISDIR(there.st_mode) ? 0 : ENOTDIR;
+  const std::string parent = std::filesystem::path(name).parent_path().string();
+  const int without = parent.empty() ? 0 : make(parent);
+  if (without != 0) return without;
+  const undisturbed section;
+  if (::mkdir(name.c_str(), 0777) != 0) return errno == EEXIST ? 0 : errno;  // by another program, meanwhile
+  replace_in_list(nullptr, names_.emplace_back(name).c_str());
+  return 0;
+}
+
+void new_folders::keep() {
+  const undisturbed section;
+  for (const std::string& name : names_) replace_in_list(name.c_str(), nullptr);
+  names_.clear();
 }
 
 undisturbed::undisturbed() {

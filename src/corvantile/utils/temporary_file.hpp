@@ -1,7 +1,9 @@
 #pragma once
-// Files with a temporary name until they are put in place, and their removal if a signal ends the program.
+// Files with a temporary name until they are put in place, folders made for them, and the removal of both if a signal
+// ends the program.
 
 #include <csignal>
+#include <list>
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
@@ -59,6 +61,22 @@ class temporary_file {
   bool kept_old_ = false;  // under `old_name_`
 };
 
+/// Folders made for files to come. The destructor removes those that are empty unless keep() is called.
+class new_folders {
+ public:
+  new_folders() = default;
+  new_folders(const new_folders&) = delete;
+  new_folders& operator=(const new_folders&) = delete;
+  ~new_folders();
+
+  /// Makes the folder and those above it that are missing. Returns 0, or the errno of what failed.
+  int make(const std::string& name);
+  void keep();
+
+ private:
+  std::list<std::string> names_;  // outermost first; a list, because the addresses must not change
+};
+
 /// While one exists, the signals below wait, and no other thread makes, renames or removes a temporary file. Do not
 /// nest it or hold it over anything that can take long.
 class undisturbed {
@@ -72,8 +90,8 @@ class undisturbed {
   sigset_t before_;
 };
 
-/// From now on SIGINT, SIGTERM and SIGHUP (unless ignored) remove the temporary files before they end the process;
-/// its status still tells the signal. Covers 64 files at a time; any more would stay.
+/// From now on SIGINT, SIGTERM and SIGHUP (unless ignored) remove the temporary files and new folders before they end
+/// the process; its status still tells the signal. Covers 256 at a time; any more would stay.
 void remove_temporaries_on_signals();
 
 }  // namespace corvantile
