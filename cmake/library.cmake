@@ -1,4 +1,4 @@
-# The core as one library for other programs: everything from numerics to job, and the headers that users need.
+# The core as one library for other programs: everything from numerics to documents, and the headers that users need.
 # Warnings and what else the project builds with stay here; a user inherits C++20 and the headers' folder.
 set(parts numerics utils monitor colorimetry colour matching job documents)
 list(TRANSFORM parts REPLACE "(.+)" "$<TARGET_OBJECTS:corvantile_\\1>" OUTPUT_VARIABLE objects)
@@ -15,7 +15,6 @@ target_sources(corvantile INTERFACE
     ${src}/corvantile/documents/measurement_file.hpp
     ${src}/corvantile/job/correction.hpp
     ${src}/corvantile/job/device_tables.hpp
-    ${src}/corvantile/job/judgements.hpp
     ${src}/corvantile/job/settings.hpp
     ${src}/corvantile/job/tone_samples.hpp
     ${src}/corvantile/job/finding.hpp

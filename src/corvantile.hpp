@@ -8,6 +8,7 @@
 #include "corvantile/colour/standards.hpp"
 #include "corvantile/documents/measurement_file.hpp"
 #include "corvantile/job/correction.hpp"
+#include "corvantile/job/device_tables.hpp"
 #include "corvantile/job/finding.hpp"
 #include "corvantile/job/settings.hpp"
 #include "corvantile/job/tone_samples.hpp"

@@ -452,12 +452,12 @@ std::string quoted(const std::string& s) {
   return q + "'";
 }
 
-std::string pair_text(const vec2& xy) { return free_format(xy[0]).substr(1) + ',' + free_format(xy[1]); }
+std::string pair_text(const vec2& xy) { return shortest(xy[0]) + ',' + free_format(xy[1]); }
 
 std::string value_text(const opts_value& value) {
   return std::visit(
       overload{[](const std::string& text) { return quoted(text); }, [](int i) { return integer_field(i); },
-               [](bool on) { return std::string(on ? "1" : "0"); }, [](double v) { return free_format(v).substr(1); },
+               [](bool on) { return std::string(on ? "1" : "0"); }, [](double v) { return shortest(v); },
                [](const chromaticity_table& t) {
                  std::string text;
                  for (const auto column : columns) text += (text.empty() ? "" : ",  ") + pair_text(t.*column);

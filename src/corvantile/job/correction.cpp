@@ -23,7 +23,7 @@ double cpu_seconds() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC
 void require_black_body(const char* key, double value, double T) {
   const vec3 b = blkbod(T);
   if (std::isfinite(b[0]) && std::isfinite(b[2])) return;
-  refuse_setting(key, free_format(value).substr(1), "a black body has no finite colour at" + free_format(T) + " K");
+  refuse_setting(key, shortest(value), "a black body has no finite colour at" + free_format(T) + " K");
 }
 
 void check_temperatures(const settings& set, const monitor& mon) {
@@ -36,7 +36,7 @@ void check_gamut(const settings& set, const monitor& mon) {
   const auto c = rgb2c_type(mon.RGB2XYZ);
   const double radius = inradius({xy2uv_vec(c.red), xy2uv_vec(c.green), xy2uv_vec(c.blue)});
   if (set.boundary_tol < radius) return;
-  refuse_setting("boundary_tol", free_format(set.boundary_tol).substr(1),
+  refuse_setting("boundary_tol", shortest(set.boundary_tol),
                  "must be below" + free_format(radius) + ", or nothing is left of the monitor's gamut");
 }
 
@@ -72,8 +72,8 @@ void solve_two_tables(const settings& set, const gspec& spec, correction& result
 void check_factors(const settings& set) {
   if (set.temp < 0) return;
   constexpr const char* why = "cannot be combined with grayfile, because its factors are for a single white";
-  if (set.wptemp >= 0) refuse_setting("wptemp", free_format(set.wptemp).substr(1), why);
-  if (set.hwid > 0) refuse_setting("hwid", free_format(set.hwid).substr(1), why);
+  if (set.wptemp >= 0) refuse_setting("wptemp", shortest(set.wptemp), why);
+  if (set.hwid > 0) refuse_setting("hwid", shortest(set.hwid), why);
 }
 
 void match_gray(const settings& set, const gspec& spec, correction& result) {

@@ -25,7 +25,7 @@ void require(bool good, std::string_view name, int value, std::string_view why) 
   require(good, name, integer_field(value), why);
 }
 void require(bool good, std::string_view name, double value, std::string_view why) {
-  require(good, name, free_format(value).substr(1), why);
+  require(good, name, shortest(value), why);
 }
 
 void require_finite(std::string_view name, double value) {
