@@ -21,12 +21,14 @@ while IFS=' ,' read -r _ mean _ largest; do
   is "on the page: mean $mean, largest $largest" "$words" "* $mean  *$largest *"
 done <<<"$figures"
 
-# A folder that another processor solved may differ in the last bits; its checksums vouch for it all the same.
-for mode in CV1 CV2 CV2_1; do
-  sed "s/CV2_1/$mode/" settings.txt | GLIBC_TUNABLES=glibc.cpu.hwcaps=-AVX2,-FMA,-FMA4,-AVX,-AVX512F "$kit" solve - -q -o far-$mode
-  is "a report on $mode from afar" "$("$kit" report far-$mode -q 2>&1; echo $?)" 0
-  is "an export of $mode from afar" "$("$kit" export far-$mode --format json -q -o far-$mode.json 2>&1; echo $?)" 0
+# A folder that another processor solved may differ in the last digits (the pre-tables of linux and windows do, where
+# the line below has an effect); its checksums vouch for it.
+simulate_display extra=40 levels=33 white=0.30,0.315 gamma=2.25,2.2,2.13 >uneven.txt
+for device in linux windows x11; do
+  GLIBC_TUNABLES=glibc.cpu.hwcaps=-AVX2,-FMA,-FMA4,-AVX,-AVX512F "$kit" make uneven.txt --for $device -q -o far-$device
+  is "a report on $device from afar" "$("$kit" report far-$device -q -o $device.html 2>&1; echo $?)" 0
+  is "an export for $device from afar" "$("$kit" export far-$device --format json -q -o $device.json 2>&1; echo $?)" 0
 done
-sed -i '3s/^ *0[.]0/ 0.1/' far-CV1/postLUT.txt
-refuses 5 "far-CV1*postLUT.txt*" report far-CV1 -o page.html
+sed -i '3s/[.]0/.1/' far-x11/postLUT.txt
+refuses 5 "far-x11*postLUT.txt*" report far-x11 -o page.html
 passed
