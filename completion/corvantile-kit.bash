@@ -8,6 +8,7 @@ _corvantile_kit_words() {  # OPTION
     --target) echo native srgb rec709 display-p3 adobe-rgb bt2020 ;;
     --gamma) echo 2.2 srgb bt1886 lstar ;;
     --white) echo native d65 d50 ;;
+    --gamut-mapping) echo clip compress ;;
     --for) echo linux x11 windows video fpga all ;;
     --matrix) echo q2.14 q15.16 ;;
   esac

@@ -31,6 +31,8 @@ TEST(Settings, EchoOfDefaultsAndChromaticities) {
             "gamma = 2.2000000\nboundary_tol = .1000000E-02\nlumfrac = .9500000\nrowsum_margin = .5000000E-01\n"
             "minslope =  0.000    \nalpha = .5000000\nbeta = .8000000\nhwid = .0000000\n"
             "temp = -1.0000000\nwptemp = -1.0000000\n\n");
+  EXPECT_EQ(echo(of("gamut_mapping='compress'")), echo(of(""))) << "only what differs from before is echoed";
+  EXPECT_NE(echo(of("gamut_mapping='clip'")).find("gamut_mapping = clip\n"), std::string::npos);
   EXPECT_NE(echo(of("xytable=.3127 .329 .64 .33 .3 .6 .15 .06"))
                 .find("numsegs = 5\nchromaticities (WRGB)\n"
                       "  .3127  .3290     .6400  .3300     .3000  .6000     .1500  .0600\ngamma = "),
@@ -97,6 +99,7 @@ TEST(Settings, ErrorsNameLineKeyAndWhatWasExpected) {
       {"&opts gamma=2,,3/", "gamma: expected another key or the closing '/' after 1 value, found '3'"},
       {"&opts tlen=0*5/", "tlen: expected a repeat count from 1, with room for 1 value, found '0*5'"},
       {"&opts xytable=2 8*.5/", "expected a repeat count from 1, with room for 7 values, found '8*.5'"},
+      {"&opts gamut_mapping='clamp'/", "gamut_mapping: expected 'compress' or 'clip', found 'clamp'"},
       {"&opts\noutdir='a\n\n/", "line 2: outdir: the text that begins here has no closing quote"},
       {"&opts tlen(1)=5/", "tlen: takes no index"},
       {"&opts xytable(3,1)=5/", "xytable: index 3 is not in 1..2"},

@@ -155,7 +155,7 @@ TEST(Writers, PutNumbersOfKernelBlobsInTheirPlaces) {
 }
 
 TEST(Writers, ArrangeWordsOfMemory) {
-  device_tables t = two_tables({{{{{-0.5, 0, 0}}, {{1, 2, 0}}, {{0, 0, -2}}}}}, 2);
+  device_tables t = two_tables({{{{{-0.5, 0, 0}}, {{1, 1.99993896484375, 0}}, {{0, 0, -2}}}}}, 2);
   t.post(1, 0) = 1.1;
   t.post(0, 2) = 0.5;
   const auto words = [&](word_layout layout) {
@@ -166,10 +166,12 @@ TEST(Writers, ArrangeWordsOfMemory) {
   EXPECT_EQ(words(word_layout::interleaved), (list{0, 0, 128, 255, 255, 255}));
   EXPECT_EQ(words(word_layout::packed), (list{0x000080, 0xFFFFFF}));
   const memory_files hex = hex_files(t, {}, {8});
-  EXPECT_EQ(hex.clamped, 2U) << "1.1, and 2 in Q2.14";
+  EXPECT_EQ(hex.clamped, 1U);
   EXPECT_TRUE(hex.files[1].bytes.ends_with("\ne000\n4000\n0000\n0000\n7fff\n0000\n0000\n0000\n8000\n"));
   const memory wide = memory_words("hex", t, {8, word_layout::planar, matrix_format::q15_16}).memories[1];
-  EXPECT_EQ(wide.words, (list{0xFFFF8000, 0x10000, 0, 0, 0x20000, 0, 0, 0, 0xFFFE0000}));
+  EXPECT_EQ(wide.words, (list{0xFFFF8000, 0x10000, 0, 0, 0x1FFFC, 0, 0, 0, 0xFFFE0000}));
+  t.mix.col[1][1] = 2;
+  EXPECT_THROW(hex_files(t, {}, {8}), failure) << "q2.14 holds less than 2";
 }
 
 TEST(Writers, AdaptByBradford) {

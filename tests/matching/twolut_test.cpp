@@ -52,6 +52,19 @@ TEST(TwoTables, UnreachablePrimariesAreMovedAndTheWhiteIsNot) {
       << "no gamut left: negative entries";
 }
 
+TEST(TwoTables, ClippingKeepsColoursWithinReachAndTheWhite) {
+  const auto sol = twolutsolution(display, outside, {.lut = {}, .mapping = gamut_mapping::clip}, 4097);
+  EXPECT_EQ(sol.status, 1) << "negative entries are no fault here";
+  EXPECT_EQ(sol.distances, vec3{});
+  EXPECT_LT((display.XYZ2RGB * sol.ref_smon.primaries)(0, 1), 0) << "green is far outside";
+  for (const vec3& u : {vec3{{1, 1, 1}}, vec3{{0.2, 0.2, 0.2}}, vec3{{0.6, 0.5, 0.55}}, vec3{{0.5, 0.6, 0.65}}}) {
+    const vec3 want = syn_inp2out_vec(sol.ref_smon, u);
+    EXPECT_LT(dist2(inp2out_vec(sol.cmon, u), want) / dist2(want, {}), 1e-4) << u[1];
+  }
+  const vec3 green = inp2out_vec(sol.cmon, {{0, 1, 0}}) - display.darklight;
+  EXPECT_LT(length(chromaticity(green) - chromaticity(display.RGB2XYZ.col[1])), 1e-6) << "the display's own at most";
+}
+
 TEST(TwoTables, PostTablesInvertTheToneCurvesWhoseLeastSlopeBoundsTheirs) {
   const matrix exact = twolutsolution(display, inside, {}, 65).postlut;
   const matrix bound = twolutsolution(display, inside, {.lut = {}, .minslope = 0.2}, 65).postlut;

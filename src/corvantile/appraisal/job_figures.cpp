@@ -121,6 +121,8 @@ gamut_figures gamut_of(const scene& sc) {
   if (const auto& p = sc.of.primaries) {
     g.asked = {.red = (*p)[0], .green = (*p)[1], .blue = (*p)[2], .white = sc.of.white};
     add("asked for", *g.asked);
+    const auto asked = primaries_in_uv1976(*g.asked);
+    for (std::size_t c = 0; c < 3; ++c) g.missed[c] = length(asked[c] - after[c]);
   }
   for (const standard_gamut& s : standard_gamuts) add(s.name, s.xy);
   return g;
@@ -234,6 +236,7 @@ job_figures figures_of(const subject& s) {
 job_figures figures_of(const correction& result, const settings& set) {
   job_figures f = figures_of(subject_of(result, set));
   if (!result.two) return f;
+  f.gamut.clips = set.gamut_mapping == gamut_mapping::clip;
   f.gamut.reachable = rgb2c_type(result.two->mod_smon.primaries);
   f.gamut.moved = result.two->distances;
   return f;

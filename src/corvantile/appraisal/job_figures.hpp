@@ -82,6 +82,8 @@ struct gamut_figures {
   std::optional<chromaticity_table> asked;      ///< absent if only grays are asked for
   std::optional<chromaticity_table> reachable;  ///< what the two-table solution aimed at instead
   vec3 moved;                                   ///< how far it moved red, green and blue, in CIE 1960 uv
+  vec3 missed;         ///< how far red, green and blue, as shown, are from what was asked for, in u'v'
+  bool clips = false;  ///< colours out of reach are clipped; no primary was moved
   std::vector<coverage_figures> coverage;
 };
 

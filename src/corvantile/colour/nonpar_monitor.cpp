@@ -113,6 +113,42 @@ ramp_top bcgtw(const prepared_monitor& mon, double T, double hwid) {
   return last_step(mon, latest.base, latest.k);
 }
 
+// A display as the searches take it. Behind a front end that clips there are flat regions, in which a search gets
+// lost. So the chain is searched without the clip, and what the clip changes is searched again behind it.
+class searched_display {
+ public:
+  explicit searched_display(const monitor& mon) : shown_(mon) {
+    if (!mon.composite || !mon.fe.clips) return;
+    unclipped_ = mon;
+    unclipped_->fe.clips = false;
+    chain_.emplace(*unclipped_);
+    front_end_.emplace(mon.fe);
+  }
+  searched_display(const searched_display&) = delete;  // its parts point to each other
+  searched_display& operator=(const searched_display&) = delete;
+
+  const prepared_monitor& chain() const { return chain_ ? *chain_ : shown_; }
+  const prepared_monitor& shown() const { return shown_; }
+
+  /// Whether the clip changes what these inputs show.
+  bool clips(const vec3& inp) const {
+    return front_end_ && !std::ranges::all_of(front_end_->linear(inp).v, [](double v) { return v >= 0 && v <= 1; });
+  }
+
+ private:
+  prepared_monitor shown_;
+  std::optional<monitor> unclipped_;
+  std::optional<prepared_monitor> chain_;
+  std::optional<prepared_front_end> front_end_;
+};
+
+// What `search` finds on the chain, or behind the clip if that changes it.
+template <class Search>
+ramp_top top_on(const searched_display& display, const Search& search) {
+  const ramp_top top = search(display.chain());
+  return display.clips(top.inp) ? search(display.shown()) : top;
+}
+
 bool is_away(const gray_level& level) { return level.left > reachable; }
 
 // Another start for a level that is still away. A colour out of reach should not change in its last bits, so only a
@@ -135,6 +171,21 @@ void search_again(const prepared_monitor& mon, std::vector<gray_level>& levels) 
   for (std::size_t i = 1; i + 1 < levels.size(); ++i) search_from(mon, levels[i], levels[i - 1].inp);
 }
 
+// Searches the levels that the clip changes once more, behind it. Their distance is then that of what is shown.
+void search_behind_clip(const searched_display& display, std::vector<gray_level>& levels, bool restart) {
+  bool any = false;
+  for (std::size_t i = levels.size() - 1; i-- > 0;) {
+    gray_level& level = levels[i];
+    if (!display.clips(level.inp)) continue;
+    any = true;
+    const prepared_monitor& shown = display.shown();
+    level.left = dist2(shown.inp2out(level.inp[0], level.inp[1], level.inp[2]), level.target);
+    const inversion again = out2inp(shown, level.target, level.inp);
+    if (again.fval < level.left) level = {level.target, again.value, again.fval};
+  }
+  if (any && restart) search_again(display.shown(), levels);
+}
+
 // How the factors change the grays of a ramp: by their colour, and relative to white.
 class relative_factors {
  public:
@@ -147,8 +198,9 @@ class relative_factors {
   vec3 white_;
 };
 
-gray_search gray_ramp(matrix& tab, const prepared_monitor& mon, const ramp_top& top, const lut& curve, double g0,
+gray_search gray_ramp(matrix& tab, const searched_display& display, const ramp_top& top, const lut& curve, double g0,
                       bool restart, const gray_factors& factors) {
+  const prepared_monitor& mon = display.chain();
   const std::size_t n = tab.rows();
   const interpolator tone(curve);
   const relative_factors corrected(factors);
@@ -166,13 +218,15 @@ gray_search gray_ramp(matrix& tab, const prepared_monitor& mon, const ramp_top& 
     levels[i] = {xyz, found.value, found.fval};
   }
   if (restart) search_again(mon, levels);
+  search_behind_clip(display, levels, restart);
   for (std::size_t i = 0; i < n; ++i) set_row3(tab, i, levels[i].inp);
   return {top, std::move(levels)};
 }
 
 // The brightest colour that is `base` once divided by the factors.
-ramp_top top_for(const prepared_monitor& mon, const vec3& base, const gray_factors& factors) {
-  return ramptop(mon, factors.empty() ? base : elementwise_product(relative_factors(factors).at_white(), base));
+ramp_top top_for(const searched_display& display, const vec3& base, const gray_factors& factors) {
+  const vec3 wanted = factors.empty() ? base : elementwise_product(relative_factors(factors).at_white(), base);
+  return top_on(display, [&](const prepared_monitor& mon) { return ramptop(mon, wanted); });
 }
 
 }  // namespace
@@ -187,17 +241,20 @@ inversion out2mon(const monitor& mon, const vec3& xyz, const std::optional<vec3>
 }
 
 ramp_top ramptop_temp(const monitor& mon, double T) {
-  return ramptop(prepared_monitor(mon), base_of_temperature(mon, T));
+  return top_for(searched_display(mon), base_of_temperature(mon, T), {});
 }
 
 ramp_top ramptop_xyz(const monitor& mon, const vec2& xy) {
-  return ramptop(prepared_monitor(mon), base_of_chromaticity(mon, xy));
+  return top_for(searched_display(mon), base_of_chromaticity(mon, xy), {});
 }
 ramp_top ramptop_xyz(const monitor& mon, const vec3& xyz) {
-  return ramptop(prepared_monitor(mon), base_of_chromaticity(mon, xyz));
+  return top_for(searched_display(mon), base_of_chromaticity(mon, xyz), {});
 }
 
-ramp_top bcgtw(const monitor& mon, double T, double hwid) { return bcgtw(prepared_monitor(mon), T, hwid); }
+static ramp_top brightest_across(const searched_display& display, double T, double hwid) {
+  return top_on(display, [&](const prepared_monitor& mon) { return bcgtw(mon, T, hwid); });
+}
+ramp_top bcgtw(const monitor& mon, double T, double hwid) { return brightest_across(searched_display(mon), T, hwid); }
 
 double dark_share(double s, double g0) {
   if (!(s <= g0)) return 0;
@@ -213,15 +270,16 @@ lut make_gamma_table(double gamma, int n) {
 
 gray_search colortemp_lut(matrix& tab, const monitor& mon, double T, const lut& curve, double g0, double hwid,
                           bool restart, const gray_factors& factors) {
-  const prepared_monitor prepared(mon);
-  const ramp_top top = hwid > 0 ? bcgtw(prepared, T, hwid) : top_for(prepared, base_of_temperature(mon, T), factors);
-  return gray_ramp(tab, prepared, top, curve, g0, restart, factors);
+  const searched_display display(mon);
+  const ramp_top top =
+      hwid > 0 ? brightest_across(display, T, hwid) : top_for(display, base_of_temperature(mon, T), factors);
+  return gray_ramp(tab, display, top, curve, g0, restart, factors);
 }
 
 static gray_search lut_of_base(matrix& tab, const monitor& mon, const vec3& base, const lut& curve, double g0,
                                bool restart, const gray_factors& factors) {
-  const prepared_monitor prepared(mon);
-  return gray_ramp(tab, prepared, top_for(prepared, base, factors), curve, g0, restart, factors);
+  const searched_display display(mon);
+  return gray_ramp(tab, display, top_for(display, base, factors), curve, g0, restart, factors);
 }
 gray_search chromaticity_lut(matrix& tab, const monitor& mon, const vec2& xy, const lut& curve, double g0,
                              bool restart, const gray_factors& factors) {

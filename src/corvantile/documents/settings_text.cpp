@@ -34,6 +34,9 @@ struct real_key {
 struct chromaticities_key {
   chromaticity_table settings::*value;
 };
+struct mapping_key {
+  gamut_mapping settings::*value;
+};
 struct chromaticity_key {
   std::optional<vec2> settings::*value;
 };
@@ -41,7 +44,7 @@ struct chromaticity_key {
 struct key {
   std::string_view name;
   std::string_view echo;  // its name in the echo
-  std::variant<text_key, integer_key, switch_key, real_key, chromaticities_key, chromaticity_key> kind;
+  std::variant<text_key, integer_key, switch_key, real_key, chromaticities_key, mapping_key, chromaticity_key> kind;
 };
 
 // Every key, in the order of the echo.
@@ -68,6 +71,7 @@ constexpr key keys[] = {
     {"white", "white", chromaticity_key{&settings::white}},
     {"restart", "restart", switch_key{&settings::restart}},
     {"grayfile", "grayfile", text_key{&opts::grayfile, longest_name, true}},
+    {"gamut_mapping", "gamut_mapping", mapping_key{&settings::gamut_mapping}},
 };
 
 // One function per kind of key, for std::visit.
@@ -248,6 +252,7 @@ class reader {
                         [&](const integer_key& i) { read_one(set.*i.value, [this] { return read_integer(); }); },
                         [&](const switch_key& b) { read_one(set.*b.value, [this] { return read_switch(); }); },
                         [&](const real_key& r) { read_one(set.*r.value, real); },
+                        [&](const mapping_key& m) { read_one(set.*m.value, [this] { return read_mapping(); }); },
                         [&](const chromaticities_key& c) {
                           read_values(array.count, real,
                                       [&](std::size_t n, double v) { entry(set.*c.value, array.index[n]) = v; });
@@ -321,6 +326,13 @@ class reader {
     if (word != "0" && word != "1") expected("0 or 1");
     in_.advance(1);
     return word == "1";
+  }
+
+  gamut_mapping read_mapping() {
+    const std::string word = read_text(longest_name);
+    const auto mapping = gamut_mapping_named(word);
+    if (!mapping) fail("expected 'compress' or 'clip', found " + in_quotes(word));
+    return *mapping;
   }
 
   double read_real() {
@@ -440,6 +452,7 @@ bool is_left_out(const key& k, const opts_value& value) {
   if (const auto* text = std::get_if<std::string>(&value))
     return text->empty() && std::get<text_key>(k.kind).only_if_set;
   if (const auto* on = std::get_if<bool>(&value)) return !*on;
+  if (const auto* mapping = std::get_if<gamut_mapping>(&value)) return *mapping == gamut_mapping::compress;
   const auto* xy = std::get_if<std::optional<vec2>>(&value);
   return xy != nullptr && !*xy;
 }
@@ -458,6 +471,7 @@ std::string value_text(const opts_value& value) {
   return std::visit(
       overload{[](const std::string& text) { return quoted(text); }, [](int i) { return integer_field(i); },
                [](bool on) { return std::string(on ? "1" : "0"); }, [](double v) { return shortest(v); },
+               [](gamut_mapping m) { return quoted(std::string(name_of(m))); },
                [](const chromaticity_table& t) {
                  std::string text;
                  for (const auto column : columns) text += (text.empty() ? "" : ",  ") + pair_text(t.*column);
@@ -499,6 +513,7 @@ std::string echo_of(const key& k, const opts_value& value) {
   const auto text = overload{
       [](const std::string& s) { return s; },
       [&](double v) { return real_text(v, std::get<real_key>(k.kind).layout); },
+      [](gamut_mapping m) { return std::string(name_of(m)); },
       [](const std::optional<vec2>& xy) { return fixed_field((*xy)[0], 0, 7) + ' ' + fixed_field((*xy)[1], 0, 7); },
       [&](const auto&) { return value_text(value); }};
   return std::string(k.echo) + " = " + std::visit(text, value) + '\n';

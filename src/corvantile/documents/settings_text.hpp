@@ -48,8 +48,9 @@ void fill_xytable(settings& s, std::ostream& out, std::string_view standard = "s
 /// Appends "/" to `outdir`, even after another "/", and cuts the result to `longest_name` bytes.
 void end_outdir_with_slash(opts& o);
 
-/// A text, integer, switch or real, four chromaticities, or one optional chromaticity.
-using opts_value = std::variant<std::string, int, bool, double, chromaticity_table, std::optional<vec2>>;
+/// A text, integer, switch, real, four chromaticities, a gamut mapping, or one optional chromaticity.
+using opts_value =
+    std::variant<std::string, int, bool, double, chromaticity_table, gamut_mapping, std::optional<vec2>>;
 
 struct opts_entry {
   std::string_view key;

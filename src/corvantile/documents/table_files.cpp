@@ -127,6 +127,7 @@ device_tables read_tables(const std::string& folder) {
   device_tables tables;
   tables.post = table_in(path(post_name));
   tables.two_tables = exists(pre_name) && exists(matrix_name);
+  tables.clips = tables.two_tables;  // as every device does
   if (!tables.two_tables) return tables;
   tables.pre = table_in(path(pre_name));
   const matrix m = table_in(path(matrix_name));

@@ -47,7 +47,8 @@ static std::string execution_time(std::string_view mode, double seconds) {
 
 void report_solution(std::ostream& out, const correction& result) {
   if (result.two) {
-    report_ramps(out, result.two->cmon, result.two->mod_smon);
+    const bool two_targets = !result.two->cmon.fe.clips;  // else nothing was moved, and both are one
+    if (two_targets) report_ramps(out, result.two->cmon, result.two->mod_smon);
     report_ramps(out, result.two->cmon, result.two->ref_smon);
     out << execution_time("CV2", result.two_seconds);
   }

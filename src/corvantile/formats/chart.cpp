@@ -8,6 +8,7 @@
 
 #include "corvantile/formats/hcfr.hpp"
 #include "corvantile/formats/text_lines.hpp"
+#include "corvantile/numerics/halton.hpp"
 #include "corvantile/utils/failure.hpp"
 
 namespace corvantile {
@@ -21,21 +22,6 @@ chart_patch in_codes(const vec3& drive) {
   chart_patch patch;
   for (std::size_t c = 0; c < 3; ++c) patch.drive[c] = std::round(std::clamp(drive[c], 0.0, 1.0) * codes) / codes;
   return patch;
-}
-
-// The digits of `index`, mirrored at the point: evenly spread for any number of indices.
-double mirrored_digits(std::size_t index, std::size_t base) {
-  double sum = 0;
-  double place = 1;
-  for (; index > 0; index /= base) {
-    place /= static_cast<double>(base);
-    sum += place * static_cast<double>(index % base);
-  }
-  return sum;
-}
-
-vec3 halton(std::size_t index) {
-  return {{mirrored_digits(index, 2), mirrored_digits(index, 3), mirrored_digits(index, 5)}};
 }
 
 bool on_a_ramp(const vec3& d) {

@@ -35,7 +35,7 @@ void check_temperatures(const settings& set, const monitor& mon) {
 void check_gamut(const settings& set, const monitor& mon) {
   const auto c = rgb2c_type(mon.RGB2XYZ);
   const double radius = inradius({xy2uv_vec(c.red), xy2uv_vec(c.green), xy2uv_vec(c.blue)});
-  if (set.boundary_tol < radius) return;
+  if (set.boundary_tol < radius || set.gamut_mapping == gamut_mapping::clip) return;
   refuse_setting("boundary_tol", shortest(set.boundary_tol),
                  "must be below" + free_format(radius) + ", or nothing is left of the monitor's gamut");
 }
@@ -46,6 +46,7 @@ gspec targets_of(const settings& set, const std::optional<tone_samples>& tone) {
           .rowsum_margin = set.rowsum_margin,
           .gamma = set.gamma,
           .lut = tone ? tone_curve(*tone, set.numsegs) : make_gamma_table(set.gamma, set.tlen),
+          .mapping = set.gamut_mapping,
           .minslope = set.minslope};
 }
 

@@ -31,6 +31,7 @@ device_tables tables_of(const correction& result) {
   if (result.two) {
     t.pre = result.two->prelut;
     t.mix = result.two->matrix;
+    t.clips = result.two->cmon.fe.clips;
   }
   matrix& with_gray = result.two ? t.pre : t.post;
   const std::size_t row = result.undefined_row.value_or(0);
@@ -47,6 +48,7 @@ front_end front_end_of(const device_tables& tables) {
   const matrix identity = in_all_channels(ends);
   front_end fe;
   set3chluts(fe, tables.two_tables ? &tables.pre : &identity, &tables.post, &tables.mix);
+  fe.clips = tables.clips;
   return fe;
 }
 

@@ -19,7 +19,7 @@ void judge_matrix(const settings& set, const mat3& m, std::vector<finding>& to) 
   };
   for (std::size_t k = 0; k < 9; ++k) {
     const std::size_t i = k / 3, j = k % 3;
-    if (!(m(i, j) < -rounding)) continue;
+    if (!(m(i, j) < -rounding) || set.gamut_mapping == gamut_mapping::clip) continue;
     to.push_back(
         {"matrix-negative", severity::warning,
          entry(i, j) + " is " + short_number(m(i, j)) +

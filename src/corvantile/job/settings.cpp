@@ -82,6 +82,14 @@ std::optional<match_mode> mode_named(std::string_view name) {
 
 std::string_view name_of(match_mode mode) { return std::ranges::find(modes, mode, &named_mode::mode)->name; }
 
+std::optional<gamut_mapping> gamut_mapping_named(std::string_view name) {
+  for (const gamut_mapping mapping : {gamut_mapping::compress, gamut_mapping::clip})
+    if (name == name_of(mapping)) return mapping;
+  return std::nullopt;
+}
+
+std::string_view name_of(gamut_mapping mapping) { return mapping == gamut_mapping::clip ? "clip" : "compress"; }
+
 gray_ramp_params gray_ramp_of(const settings& s) {
   return {.temp = s.temp,
           .wptemp = s.wptemp,
@@ -109,7 +117,7 @@ void check_settings(const settings& s, bool power_law) {
   if (matches_gray(s.mode)) require_gray_ramp(s);
   if (solves_two_tables(s.mode)) {
     require_gamut(s.xytable);
-    require_finite("boundary_tol", s.boundary_tol);
+    if (s.gamut_mapping == gamut_mapping::compress) require_finite("boundary_tol", s.boundary_tol);
     require_finite("lumfrac", s.lumfrac);
     require(s.lumfrac > 0, "lumfrac", s.lumfrac, "must be above 0");
     require_finite("rowsum_margin", s.rowsum_margin);

@@ -19,6 +19,10 @@ constexpr bool matches_gray(match_mode m) { return m != match_mode::cv2; }
 std::optional<match_mode> mode_named(std::string_view name);
 std::string_view name_of(match_mode mode);
 
+/// "compress" or "clip"; nothing for any other name.
+std::optional<gamut_mapping> gamut_mapping_named(std::string_view name);
+std::string_view name_of(gamut_mapping mapping);
+
 /// The settings of a job, with the defaults of the settings group. `check_settings` tells which values are valid.
 struct settings {
   match_mode mode = match_mode::cv1;
@@ -30,6 +34,7 @@ struct settings {
   double boundary_tol = 0.001;        ///< margin by which the gamut triangle is shrunk, in CIE 1960 uv
   double lumfrac = 0.95;              ///< target white luminance as a fraction of the brightest gray's, above 0
   double rowsum_margin = 0.05;        ///< headroom of the correction matrix, below 1
+  corvantile::gamut_mapping gamut_mapping = corvantile::gamut_mapping::compress;  ///< of primaries out of reach
   double temp = -1;     ///< colour temperature of the gray ramp, kelvin; negative: a constant chromaticity
   double wptemp = -1;   ///< colour temperature at the ramp's top, kelvin; 0: the monitor's own; negative: no shading
   double alpha = 0.5;   ///< position on the ramp below which the dark is blended in, 0..1

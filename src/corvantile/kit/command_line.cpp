@@ -119,6 +119,9 @@ void add_make(CLI::App& verb, make_options& o) {
                   "An exponent, srgb, bt1886, lstar, or a gamma file (default: 2.2, for windows srgb)");
   verb.add_option("--white", o.wanted.white, "native, d65, d50, a temperature, or x,y (default: the target's)");
   add_choice(verb, "--for", o.wanted.for_device, device_words(), "linux, x11, windows, video, fpga or all");
+  add_choice(verb, "--gamut-mapping", o.wanted.gamut_mapping,
+             {{"clip", gamut_mapping::clip}, {"compress", gamut_mapping::compress}},
+             "Colours out of reach: clip keeps the others right, compress keeps gradations");
   verb.add_option("--display", o.display, "The display's name, for titles");
   verb.add_flag("--anyway", o.anyway, "Solve even if the check finds errors");
   add_common(verb, o, "The folder (default: SOURCE without its ending, and -corrected)");

@@ -70,6 +70,8 @@ profiled_display behind_tables(const export_subject& s) {
     alone[c] = top[c];
     display.colorants.col[c] = inp2out_vec(result.display, alone) - dark;
   }
+  // Behind a clip, full drives may be out of reach, but the colours within reach follow the target's primaries.
+  if (result.two && result.two->cmon.fe.clips) display.colorants = result.two->ref_smon.primaries;
   display.curves = matrix(points, 3);
   const std::vector<double> x = linspace(0.0, 1.0, points);
   const interpolator tone(result.tone);

@@ -38,6 +38,7 @@ json value_record(const opts_value& value) {
     json operator()(int i) const { return i; }
     json operator()(bool on) const { return on; }
     json operator()(double v) const { return v; }
+    json operator()(gamut_mapping m) const { return name_of(m); }
   } of;
   return std::visit(of, value);
 }
@@ -62,8 +63,18 @@ json figures_record(const job_figures& f) {
   record["primaries"] = {{"asked", chromaticities(*f.gamut.asked)},
                          {"reachable", chromaticities(f.gamut.reachable.value_or(*f.gamut.asked))},
                          {"reached", chromaticities(f.gamut.after)},
-                         {"moved_uv1960", triple(f.gamut.moved)}};
+                         {"moved_uv1960", triple(f.gamut.moved)},
+                         {"missed_uv1976", triple(f.gamut.missed)}};
   return record;
+}
+
+json verdict_record(const verdict& v) {
+  const auto group = [](const group_verdict& g) { return json{{"before", g.before.mean}, {"expected", g.expected}}; };
+  return {{"gray", group(v.gray)},
+          {"colours", group(v.colours)},
+          {"coverage", {{"before", v.coverage_before}, {"after", v.coverage_after}}},
+          {"luminance_kept", v.luminance_kept},
+          {"better", v.better()}};
 }
 
 json warnings_record(const correction& result) {
@@ -170,7 +181,7 @@ job_inputs inputs_in(const std::string& folder, const std::vector<text_file>& fi
 
 std::string folder::round(int n) { return fmt::format("round-{}", n); }
 
-job_files files_of(const job& j) {
+job_files files_of(const job& j, const verdict* judged) {
   const std::vector<text_file> inputs = input_files(j.inputs), tables = plain_table_files(j);
   json record = {{"program", "corvantile-kit " CORVANTILE_VERSION},
                  {"mode", name_of(j.set().mode)},
@@ -180,6 +191,7 @@ job_files files_of(const job& j) {
                  {"tables", checksums(tables)},
                  {"warnings", warnings_record(j.result)},
                  {"figures", figures_record(j.figures)}};
+  if (judged != nullptr) record["verdict"] = verdict_record(*judged);
   if (!j.inputs.refined.is_null()) record["refined"] = j.inputs.refined;
 
   job_files made{inputs, std::move(record)};

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "corvantile/appraisal/verdict.hpp"
 #include "corvantile/kit/job.hpp"
 #include "corvantile/utils/file_output.hpp"
 
@@ -29,7 +30,9 @@ struct job_files {
   std::vector<text_file> files;
   nlohmann::ordered_json record;
 };
-job_files files_of(const job& j);
+
+/// `judged` is what to expect of the correction, if it is known.
+job_files files_of(const job& j, const verdict* judged = nullptr);
 
 struct opened_job {
   job solved;

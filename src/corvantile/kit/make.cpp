@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "corvantile/appraisal/check.hpp"
+#include "corvantile/appraisal/verdict.hpp"
 #include "corvantile/kit/exports.hpp"
 #include "corvantile/kit/files.hpp"
 #include "corvantile/kit/job_folder.hpp"
@@ -122,10 +123,29 @@ std::string verdict_line(const job& j) {
   line +=
       fmt::format("; the white keeps {:.0f} % of its luminance", 100 * f.white_after.xyz[1] / f.white_before.xyz[1]);
   if (f.gamut.asked) {
-    const double most = std::ranges::max(f.gamut.moved.v);
-    line += most > 0 ? fmt::format("; primaries out of reach were moved by up to {:.3f} uv", most)
-                     : "; all primaries are reached";
+    constexpr double seen = 0.002;
+    const double most = std::ranges::max(f.gamut.missed.v);
+    line += most < seen     ? "; all primaries are reached"
+            : f.gamut.clips ? fmt::format("; primaries out of reach miss by up to {:.3f} u'v'", most)
+                            : fmt::format("; primaries out of reach were moved by up to {:.3f} u'v'", most);
   }
+  return line + '.';
+}
+
+// What to expect, before and after. A correction that gains nothing is said to gain nothing.
+std::string expectation(const verdict& v) {
+  const auto words = [](const char* what, const group_verdict& g) {
+    return fmt::format("{} {:.2f} without the correction, {:.2f} with it", what, g.before.mean, g.expected);
+  };
+  constexpr double visible = 0.5;  // CIEDE2000
+  std::string line;
+  if (!v.better())
+    line = std::max(v.gray.before.mean, v.colours.before.mean) < visible
+               ? "The display meets the target without a correction. "
+               : "This correction is not better than none. ";
+  line += fmt::format("Mean CIEDE2000 from the target: {}; {}", words("grays", v.gray), words("colours", v.colours));
+  if (!v.gray.unseen || !v.colours.unseen)
+    line += "; by the model alone, because too few patches besides the ramps were measured (chart --verify 50)";
   return line + '.';
 }
 
@@ -141,8 +161,9 @@ void heed(const make_options& o, const std::string& source, const std::vector<fi
                  fmt::format("{}: {}; {} (--anyway solves it nevertheless)", worst.id, worst.message, worst.action));
 }
 
-// Prints warnings, what was left out, and the three last lines.
-void tell(const make_options& o, const job& j, const omissions& left_out) {
+// Prints what to expect, warnings, what was left out, and the three last lines.
+void tell(const make_options& o, const job& j, const verdict& judged, const omissions& left_out) {
+  say(o, expectation(judged));
   for (const std::string& line : warning_lines(j.result)) say(o, line);
   for (const std::string& line : left_out.lines()) say(o, "Left out: " + line);
   say(o, verdict_line(j));
@@ -177,7 +198,8 @@ int run_make(make_options o) {
   job_inputs inputs = inputs_for(o.wanted, in.file.samples);
   inputs.measurements = in.text;
   const job solved = step("solve", [&] { return solve_job(std::move(inputs)); });
-  job_files made = files_of(solved);
+  const verdict judged = judge(subject_of(solved.result, solved.set()), checked.accuracy, checked.derived_ramps);
+  job_files made = files_of(solved, &judged);
   std::vector<text_file>& files = made.files;
   omissions left_out;
   for (text_file& f : step("export", [&] { return exports_of(o, solved, left_out); })) files.push_back(std::move(f));
@@ -187,7 +209,7 @@ int run_make(make_options o) {
   write_folder(o.output, files);
   remove_other_exports(o.output, files);
 
-  tell(o, solved, left_out);
+  tell(o, solved, judged, left_out);
   if (o.json) print_record(with_files(std::move(made.record), o.output, files, left_out));
   return status::done;
 }

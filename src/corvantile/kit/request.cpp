@@ -116,6 +116,10 @@ void choose_two_tables(const request& asked, const measurements& samples, job_in
   const chosen_white white = choose_white(asked.white, target->xy.white, samples);
   in.why["xytable"] = "white (" + white.why + "), red, green, blue of " + target->source;
   in.names.set.xytable.white = white.xy;
+  in.names.set.gamut_mapping = asked.gamut_mapping;
+  in.why["gamut_mapping"] = asked.gamut_mapping == gamut_mapping::clip
+                                ? "colours that the display can show are right; those out of reach clip"
+                                : "as asked: primaries move into the display's gamut, and every colour with them";
   in.names.set.tlen = two_table_rows;
   in.why["tlen"] = "post-tables are even in light: the dark end needs many rows";
   in.names.cvmode = name_of(facts_of(asked.for_device).two_table_mode);

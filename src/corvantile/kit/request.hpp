@@ -16,6 +16,8 @@ struct request {
   std::string gamma = {};       ///< an exponent, srgb, bt1886, lstar, or a gamma file; empty: 2.2, or the device's
   std::string white = {};       ///< native, d65, d50, kelvin, or x,y; empty: the target's own
   device for_device = device::all;
+  /// Of primaries out of reach. Used if there are two tables.
+  corvantile::gamut_mapping gamut_mapping = corvantile::gamut_mapping::clip;
 };
 
 /// The names of all targets.

@@ -116,14 +116,21 @@ gray_match cv1(const monitor& mon, const gray_ramp_params& params, const lut& ga
 
 // ---- The two-table solution (twolut.cpp) ----
 
+/// What becomes of target primaries outside the display's gamut.
+enum class gamut_mapping {
+  compress,  ///< they move towards the white until the display can show them, and all colours move with them
+  clip       ///< they stay, colours inside the gamut are right, and the linear values of others are held in 0..1
+};
+
 /// Settings of a solution, beyond monitor and target. `lut` maps drive 0..1 to luminance 0..1; if it is not valid,
 /// the power law with `gamma` is used.
 struct gspec {
   double boundary_tol = 0.001;  ///< shrinks the gamut triangle by this margin, in CIE 1960 uv
   double lumfrac = 0.95;        ///< share of the brightest gray's luminance that the target white gets, above 0
-  double rowsum_margin = 0.05;  ///< head-room of the matrix, below 1
+  double rowsum_margin = 0.05;  ///< headroom of the matrix, below 1
   double gamma = 2.2;           ///< exponent, above 0
   corvantile::lut lut;
+  gamut_mapping mapping = gamut_mapping::compress;
   double minslope = 0;  ///< least slope of the curves that the post-tables invert; 0: the monitor's own
 };
 
@@ -134,15 +141,16 @@ struct two_table_solution {
   mat3 matrix;                 ///< between them
   monitor cmon;                ///< the monitor with this front end
   synthetic_monitor ref_smon;  ///< the requested target, at the luminance of the solution
-  synthetic_monitor mod_smon;  ///< the target clipped to the monitor's gamut
+  synthetic_monitor mod_smon;  ///< the target with its primaries moved into the monitor's gamut
   vec3 distances;              ///< how far each primary moved, in CIE 1960 uv
   ramp_top top;                ///< the brightest gray with the target's white
-  int status = 1;              ///< 1: success (unlike elsewhere); 0: the matrix has a negative entry
+  int status = 1;              ///< 1: success (unlike elsewhere); 0: a negative entry in the matrix of `compress`
 };
 
-/// Solves for the front end that makes `mon` show the primaries and white of `target`, clipped to its gamut. The
-/// target's white gets `lumfrac` of the luminance of the brightest such gray, or less if the matrix's largest row sum
-/// would otherwise exceed 1 - `rowsum_margin`. `tlen` is at least 2.
+/// Solves for the front end that makes `mon` show the primaries and white of `target`. With `gamut_mapping::compress`
+/// the primaries are moved into its gamut; with `clip` they stay as they are, nothing is moved, both targets are one,
+/// and `cmon` clips. The target's white gets `lumfrac` of the luminance of the brightest such gray, or less if the
+/// matrix's largest row sum would otherwise exceed 1 - `rowsum_margin`. `tlen` is at least 2.
 two_table_solution twolutsolution(const monitor& mon, const chromaticity_table& target, const gspec& spec,
                                   std::size_t tlen);
 

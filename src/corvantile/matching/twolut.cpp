@@ -25,6 +25,11 @@ bool has_negative_entry(const mat3& m) {
                              [](const vec3& c) { return std::ranges::any_of(c.v, [](double e) { return e < 0; }); });
 }
 
+adjusted_primaries within_gamut(const monitor& mon, const mat3& wanted, const gspec& spec) {
+  const auto c = rgb2c_type(mon.RGB2XYZ);
+  return adjust_primaries(wanted, {c.red, c.green, c.blue}, spec.boundary_tol);
+}
+
 // The monitor's inverse tone curves, sampled at the linear values `x`. For a `minslope` above 0, the forward curves
 // are sampled, smoothed with that least slope (in 5 pieces, whatever the monitor's own number) and then inverted.
 matrix post_tables(const monitor& mon, const std::vector<double>& x, double minslope) {
@@ -47,9 +52,9 @@ two_table_solution twolutsolution(const monitor& mon, const chromaticity_table& 
   two_table_solution sol;
   const mat3 wanted = c2rgb_type(target);
 
-  // Primaries that the monitor can show, with a white of luminance 1 ...
-  const auto c = rgb2c_type(mon.RGB2XYZ);
-  const adjusted_primaries adjusted = adjust_primaries(wanted, {c.red, c.green, c.blue}, spec.boundary_tol);
+  // Primaries with a white of luminance 1: those that the monitor can show, or the target's own ...
+  const bool clips = spec.mapping == gamut_mapping::clip;
+  const adjusted_primaries adjusted = clips ? adjusted_primaries{wanted, {}} : within_gamut(mon, wanted, spec);
   sol.distances = adjusted.distances;
   mat3 Ma = adjusted.rgb / white_luminance(adjusted.rgb);
 
@@ -58,7 +63,7 @@ two_table_solution twolutsolution(const monitor& mon, const chromaticity_table& 
   Ma = Ma * sol.top.xyz[1] * spec.lumfrac;
 
   mat3 K = mon.XYZ2RGB * Ma;
-  if (has_negative_entry(K)) sol.status = 0;
+  if (!clips && has_negative_entry(K)) sol.status = 0;
   const double f = largest_row_sum(K) / (1 - spec.rowsum_margin);
   if (f > 1) {
     K = K / f;
@@ -82,6 +87,7 @@ two_table_solution twolutsolution(const monitor& mon, const chromaticity_table& 
   sol.matrix = K;
   front_end fe;
   set3chluts(fe, &sol.prelut, &sol.postlut, &sol.matrix);
+  fe.clips = clips;
   sol.cmon = monwfe(mon, fe);
   sol.cmon.name = cut("frontend on " + mon.name, longest_name);
   return sol;

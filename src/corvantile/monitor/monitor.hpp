@@ -30,6 +30,7 @@ struct front_end {
   std::array<lut, 3> pre;
   std::array<lut, 3> post;
   mat3 matrix;
+  bool clips = false;  ///< whether values between matrix and post-table are held in 0..1
   friend bool operator==(const front_end&, const front_end&) = default;
 };
 
@@ -94,8 +95,9 @@ matrix femap_mat(const front_end& fe, const matrix& u);
 /// Sets the parts that are given and leaves the others. `pre` and `post` are sampled tables of at least two rows.
 void set3chluts(front_end& fe, const matrix* pre, const matrix* post = nullptr, const mat3* matrix3 = nullptr);
 
-/// The chain that undoes `fe`: its tables with their axes swapped, in the opposite order, and the inverse matrix.
-/// Exact up to interpolation if the tables rise strictly. A singular matrix gives values that are not finite.
+/// The chain that undoes `fe`: its tables with their axes swapped, in the opposite order, and the inverse matrix. It
+/// never clips. Exact up to interpolation if the tables rise strictly. A singular matrix gives values that are not
+/// finite.
 front_end make_inverse_frontend(const front_end& fe);
 
 /// A copy of `mon` that has `fe` in front of it.

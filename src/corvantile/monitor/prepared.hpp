@@ -2,6 +2,7 @@
 // A front end and a monitor, prepared for the many evaluations of a search. Same bits as the routines of monitor.hpp,
 // but without their scans, and without touching the heap once constructed.
 
+#include <algorithm>
 #include <array>
 #include <optional>
 
@@ -19,10 +20,16 @@ class prepared_front_end {
   explicit prepared_front_end(const front_end& fe)
       : pre_{interpolator(fe.pre[0]), interpolator(fe.pre[1]), interpolator(fe.pre[2])},
         post_{interpolator(fe.post[0]), interpolator(fe.post[1]), interpolator(fe.post[2])},
-        matrix_(fe.matrix) {}
+        matrix_(fe.matrix),
+        clips_(fe.clips) {}
+
+  /// The values between matrix and post-table, not clipped.
+  vec3 linear(const vec3& u) const { return matrix_ * vec3{{pre_[0](u[0]), pre_[1](u[1]), pre_[2](u[2])}}; }
 
   vec3 operator()(const vec3& u) const {
-    const vec3 q = matrix_ * vec3{{pre_[0](u[0]), pre_[1](u[1]), pre_[2](u[2])}};
+    vec3 q = linear(u);
+    if (clips_)
+      for (double& v : q.v) v = std::clamp(v, 0.0, 1.0);
     return {{post_[0](q[0]), post_[1](q[1]), post_[2](q[2])}};
   }
 
@@ -30,6 +37,7 @@ class prepared_front_end {
   std::array<interpolator, 3> pre_;
   std::array<interpolator, 3> post_;
   mat3 matrix_;
+  bool clips_;
 };
 
 /// The model of one monitor, which must outlive this. Each evaluation leaves hints for the next, so each thread needs

@@ -82,7 +82,7 @@ svg::plot diagram(const report_data& data) {
       "gamut-uv",
       "Gamut in the CIE 1976 u'v' diagram",
       "The spectral locus and the triangles of the display's primaries as measured, as asked for and as reached. "
-      "Arrows lead from primaries that are out of reach to where they were moved.",
+      "Arrows lead from primaries that are out of reach to what is shown instead.",
       {"u'", 0, 0.65},
       {"v'", 0, 0.6}};
   p.equal_units = true;

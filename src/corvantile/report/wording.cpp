@@ -12,19 +12,17 @@
 namespace corvantile {
 namespace {
 
-constexpr double moved_visibly = 0.002;  // u'v'
+constexpr double missed_visibly = 0.002;  // u'v'
 
-std::string moved_primaries(const gamut_figures& g) {
+std::string missed_primaries(const gamut_figures& g) {
   if (!g.asked) return "Red, green and blue stay as they are.";
-  const auto asked = primaries_in_uv1976(*g.asked), shown = primaries_in_uv1976(g.after);
-  std::string moved;
+  std::string missed;
   for (std::size_t c = 0; c < 3; ++c) {
-    const double d = length(asked[c] - shown[c]);
-    if (!(d >= moved_visibly)) continue;
-    moved += fmt::format("{}{} by {}", moved.empty() ? "" : ", ", channel_names[c], svg::number(d, 3));
+    if (!(g.missed[c] >= missed_visibly)) continue;
+    missed += fmt::format("{}{} by {}", missed.empty() ? "" : ", ", channel_names[c], svg::number(g.missed[c], 3));
   }
-  return moved.empty() ? "All three primaries are reached."
-                       : fmt::format("Out of reach and moved in u'v': {}.", moved);
+  return missed.empty() ? "All three primaries are reached."
+                        : fmt::format("Out of reach{} in u'v': {}.", g.clips ? "" : " and moved", missed);
 }
 
 // No digits for differences that nobody sees.
@@ -88,7 +86,7 @@ std::string verdict_of(const job_figures& f) {
       "luminance. "
       "{}",
       how_close(after), difference_text(after.mean), difference_text(before.mean),
-      svg::number(100 * f.white_after.xyz[1] / f.white_before.xyz[1], 0), moved_primaries(f.gamut));
+      svg::number(100 * f.white_after.xyz[1] / f.white_before.xyz[1], 0), missed_primaries(f.gamut));
 }
 
 std::string verdict_of(const verification& v) {

@@ -45,8 +45,8 @@ memory table_memory(const char* name, const matrix& table, const memory_options&
           width, arranged(codes, options)};
 }
 
-memory matrix_memory(const mat3& m, matrix_format format, std::size_t& clamped) {
-  const bool narrow = format == matrix_format::q2_14;
+memory matrix_memory(std::string_view format, const mat3& m, matrix_format numbers) {
+  const bool narrow = numbers == matrix_format::q2_14;
   fixed_point number = narrow ? fixed_point{16, 14} : fixed_point{32, 16};
   const std::uint64_t mask = (std::uint64_t{1} << number.bits) - 1;
   memory out;
@@ -56,7 +56,11 @@ memory matrix_memory(const mat3& m, matrix_format format, std::size_t& clamped) 
   out.width = number.bits;
   for (std::size_t i = 0; i < 3; ++i)
     for (std::size_t j = 0; j < 3; ++j) out.words.push_back(static_cast<std::uint64_t>(number(m(i, j))) & mask);
-  clamped += number.clamped;
+  if (number.clamped > 0)
+    refuse_format(format,
+                  narrow ? "q2.14 holds -2 to below 2, and an entry of the matrix is outside that range; take "
+                           "q15.16 for the matrix"
+                         : "q15.16 holds -32768 to below 32768, and an entry of the matrix is outside that range");
   return out;
 }
 
@@ -85,7 +89,7 @@ memory_set memory_words(std::string_view format, const device_tables& tables, co
   memory_set set;
   if (tables.two_tables) {
     set.memories.push_back(table_memory("pre_lut", tables.pre, options, set.clamped));
-    set.memories.push_back(matrix_memory(tables.mix, options.matrix, set.clamped));
+    set.memories.push_back(matrix_memory(format, tables.mix, options.matrix));
   }
   set.memories.push_back(table_memory("post_lut", tables.post, options, set.clamped));
   return set;
