@@ -3,7 +3,7 @@
 # Usage: scripts/setup.sh [PACKAGE ...]   extra packages for a special job (clang, clang-tidy, ...)
 set -euo pipefail
 
-packages=(g++ cmake make libgtest-dev libcli11-dev libfmt-dev nlohmann-json3-dev liblcms2-dev libxxhash-dev python3 "$@")
+packages=(g++ cmake make libgtest-dev libcli11-dev libfmt-dev nlohmann-json3-dev liblcms2-dev libxxhash-dev libeigen3-dev python3 "$@")
 if ! command -v dpkg-query >/dev/null; then
   echo "Not a Debian system: nothing is installed here. Needed, by their Debian names: ${packages[*]}" >&2
   exit 0

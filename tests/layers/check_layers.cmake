@@ -12,6 +12,7 @@ set(layers
   "job: matching colour monitor utils numerics"
   "documents: job colour monitor utils numerics"
   "readings: documents colour monitor utils numerics"
+  "residual: readings matching colour monitor utils numerics"
   "formats: readings documents job matching colour monitor utils numerics"
   "appraisal: readings documents job matching colour monitor numerics"
   "report: appraisal job colour utils"
