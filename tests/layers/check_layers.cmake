@@ -14,6 +14,7 @@ set(layers
   "readings: documents colour monitor utils numerics"
   "residual: readings matching colour monitor utils numerics"
   "formats: readings documents job matching colour monitor utils numerics"
+  "measuring: formats utils numerics"
   "appraisal: readings documents job matching colour monitor numerics"
   "report: appraisal job colour utils"
   "driver: documents job colour monitor utils numerics"
