@@ -1,7 +1,7 @@
 // The file that a measuring run leaves.
 
 #include <algorithm>
-#include <fmt/core.h>
+#include <fmt/format.h>
 #include <iterator>
 
 #include "corvantile/formats/text_lines.hpp"
